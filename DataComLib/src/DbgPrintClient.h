@@ -1,0 +1,86 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <string>
+
+// Verbosity threshold: a line of severity s is produced only when gDbgLevel <= s.
+// 0 (the default) logs everything, 5 silences the log. Set by -v and by the
+// "StartDbgPrint"/"StopDbgPrint" commands.
+extern int32_t gDbgLevel;
+
+// Severity names, padded to five characters so that the prefixes line up.
+extern const char* const gSeverityString[5];
+
+enum DbgSeverity : int { DBG_INFO = 0, DBG_WARN = 1, DBG_ERROR = 2, DBG_FATAL = 3, DBG_SYS = 4 };
+
+// Process-wide writer of finished log lines into the debug pipe read by the
+// log collector (dbglog on a host). Lives for the whole process; any thread
+// may log. No failure of the log ever reaches a caller.
+class DbgPrintClient {
+public:
+    static DbgPrintClient* instance;
+    // Creates the singleton on first use, opening "/tmp/sockDbg". The open
+    // blocks until a collector has the pipe open for reading.
+    static DbgPrintClient* getInstance();
+
+    // A client writing to the given logical pipe path; the singleton uses
+    // "/tmp/sockDbg". Public so that tests can log into a pipe of their own.
+    explicit DbgPrintClient(const std::string& fifoPath);
+    ~DbgPrintClient();
+    DbgPrintClient(const DbgPrintClient&) = delete;
+    DbgPrintClient& operator=(const DbgPrintClient&) = delete;
+
+    // Writes the line prefix: severity, local date and time, milliseconds,
+    // task name of the calling thread and process id.
+    void fillInOss(int severity, std::ostringstream* oss);
+    // Sends the stream's text in one non-blocking write; a full pipe or a
+    // missing collector loses the line.
+    void doReport(std::ostringstream* oss);
+    // First registration of a thread id wins; later names are discarded.
+    void setTaskName(unsigned long threadId, const std::string& name);
+
+    int fd = -1;
+
+private:
+    std::string taskNameOf(unsigned long threadId);
+
+    // Thread id (the native pthread_t) to task name; id 0 is the fallback
+    // "tUnknwn". Guarded by taskNamesMutex: threads register while others log.
+    std::map<unsigned long, std::string> taskNames;
+    std::mutex taskNamesMutex;
+};
+
+// Free forms every module uses; each forwards to the singleton.
+void fillInOss(int severity, std::ostringstream* oss);
+void debugReport(std::ostringstream* oss);
+void setTaskName(unsigned long threadId, const std::string& name);
+
+// One log line under construction: prefix and "file:line:" on creation,
+// end-of-line and the write on destruction. Use through DBG.
+class DbgLine {
+public:
+    DbgLine(int severity, const char* file, int line);
+    ~DbgLine();
+    DbgLine(const DbgLine&) = delete;
+    DbgLine& operator=(const DbgLine&) = delete;
+    std::ostringstream& stream() { return oss; }
+
+private:
+    std::ostringstream oss;
+};
+
+// Turns the streamed line into a void expression, so DBG is one expression
+// that nests safely inside if/else.
+struct DbgVoidify {
+    void operator&(std::ostream&) {}
+};
+
+// DBG(2) << "getIntParam: No such table=" << table;
+// Nothing is formatted, and no argument evaluated, when the level filters the line out.
+#define DBG(severity) \
+    (gDbgLevel > static_cast<int>(severity)) ? (void)0 : DbgVoidify() & DbgLine((severity), __FILE__, __LINE__).stream()

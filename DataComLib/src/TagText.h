@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Tag-text search helpers on which every message and record text is parsed.
+// They are plain substring searches, not an XML parser: no nesting count, no
+// escaping, first match wins. Positions are byte indices; -1 means not found.
+// Parsers of the whole system rely on these exact rules; do not make them smarter.
+
+// The value of the first `name="..."` at or after `from`. The key is a plain
+// substring: "ID" also matches the tail of "RowID". Returns the index of the
+// closing quote, or -1 (value untouched) when the key or the closing quote is missing.
+int getPropertyValue(const std::string& text, int from, const std::string& name, std::string& value);
+
+// The first element `<tag ...>...</tag>`, `<tag>...</tag>` or self-closed
+// `<tag .../>` at or after `from`, through its closing tag. The element ends
+// at the first closing tag of its name. Returns the index just past the
+// element (the natural `from` for the next sibling), or -1.
+int getSegment(const std::string& text, int from, const std::string& tag, std::string& segment);
+
+// The characters between the first `start` delimiter at or after `from` and
+// the next `end` delimiter. A delimiter that is " ", "\t" or "\n" matches any
+// of the three. Returns the index of the end delimiter, or -1.
+int getToken(const std::string& text, int from, const std::string& start, const std::string& end, std::string& token);
+
+// Leading-number conversions used for attribute values: junk after the digits
+// is ignored, a non-number gives 0, out-of-range values saturate (the same
+// result on 32-bit and 64-bit targets).
+int32_t tagToInt(const std::string& text);
+uint32_t tagToHex(const std::string& text);

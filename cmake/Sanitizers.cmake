@@ -1,0 +1,18 @@
+# Compiler and linker flags of the sanitizer legs, chosen by SYSMGT_SANITIZE.
+if(SYSMGT_SANITIZE STREQUAL "address")
+  set(_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+elseif(SYSMGT_SANITIZE STREQUAL "thread")
+  set(_san -fsanitize=thread -fno-omit-frame-pointer)
+elseif(NOT SYSMGT_SANITIZE STREQUAL "")
+  message(FATAL_ERROR "SYSMGT_SANITIZE must be empty, address or thread")
+endif()
+if(_san)
+  add_compile_options(${_san})
+  add_link_options(${_san})
+endif()
+
+# Environment every test runs with: leaks and races fail the test.
+set(SYSMGT_TEST_ENV
+    "ASAN_OPTIONS=detect_leaks=1:abort_on_error=0:halt_on_error=1"
+    "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
+    "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
