@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+// Replaces a file so that a power cut at any moment leaves either the old
+// content or the new one, never a truncated file: the text goes to a temporary
+// file in the same directory, which is flushed, fsync'ed and renamed over the
+// target, and the directory is fsync'ed. `logicalPath` is resolved through
+// sysmgtPath. Returns 0, or the errno of the step that failed (the temporary
+// file is then removed and the target left as it was).
+int writeFileAtomically(const std::string& logicalPath, const std::string& content);
+
+// Test seam: when set, called after the temporary file is complete and
+// before the rename; a non-zero return is treated as that step's errno.
+extern int (*gAtomicFileBeforeRename)(const std::string& tempPath);
