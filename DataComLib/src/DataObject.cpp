@@ -1,0 +1,173 @@
+#include "DataObject.h"
+
+#include "DataColumn.h"
+#include "DataItem.h"
+#include "DataRow.h"
+#include "DataSet.h"
+#include "DataStoreConstants.h"
+#include "DbgPrintClient.h"
+
+using Guard = std::lock_guard<std::recursive_mutex>;
+
+DataObject::DataObject() : state(datastate::NEW) {}
+
+DataObject::DataObject(const std::string& objectName) : name(objectName), state(datastate::NEW) {}
+
+DataObject::~DataObject() {
+    cleanUpRelations();
+}
+
+void DataObject::cleanUpRelations() {
+    Guard guard(mutex);
+    instances.clear();
+    parameters.clear();
+}
+
+void DataObject::setState(uint32_t bits) {
+    state = bits;
+    if (bits != datastate::UNCHANGED && dataSet)
+        dataSet->setState(datastate::CHANGED);
+}
+
+void DataObject::addState(uint32_t bits) {
+    const uint32_t now = (state |= bits);
+    if (now != datastate::UNCHANGED && dataSet)
+        dataSet->setState(datastate::CHANGED);
+}
+
+std::vector<std::string> DataObject::getParameters() {
+    Guard guard(mutex);
+    std::vector<std::string> names;
+    for (const auto& parameter : parameters)
+        names.push_back(parameter.first);
+    return names;
+}
+
+DataColumn* DataObject::getParameter(const std::string& parameterName) const {
+    auto found = parameters.find(parameterName);
+    return found == parameters.end() ? nullptr : found->second.get();
+}
+
+void DataObject::addParameter(const std::string& parameterName, DataColumn* column) {
+    if (!column)
+        return;
+    if (getParameter(parameterName))
+        removeParameter(parameterName);
+    parameters[parameterName].reset(column);
+    for (const auto& instance : instances) {
+        instance.second->addDataItem(parameterName, new DataItem(column));
+        instance.second->addState(datastate::CHANGED);
+    }
+}
+
+// The items taken out and the column are destroyed here: nothing else owns them.
+void DataObject::removeParameter(const std::string& parameterName) {
+    auto found = parameters.find(parameterName);
+    if (found == parameters.end())
+        return;
+    for (const auto& instance : instances) {
+        instance.second->removeDataItem(parameterName);
+        instance.second->addState(datastate::CHANGED);
+    }
+    parameters.erase(found);
+}
+
+void DataObject::removeParameter(DataColumn* column) {
+    for (const auto& parameter : parameters) {
+        if (parameter.second.get() == column) {
+            removeParameter(std::string(parameter.first));
+            return;
+        }
+    }
+}
+
+// Every item of that name moves to the replacement, so the old column is
+// destroyed once the items have been adapted.
+void DataObject::replaceParameter(const std::string& parameterName, DataColumn* column) {
+    auto found = parameters.find(parameterName);
+    if (found != parameters.end() && found->second.get() == column)
+        return;
+    std::unique_ptr<DataColumn> old;
+    if (found != parameters.end()) {
+        old = std::move(found->second);
+        parameters.erase(found);
+    }
+    if (!column) {
+        for (const auto& instance : instances)
+            if (DataItem* item = instance.second->getDataItem(parameterName))
+                if (item->getColumn() == old.get())
+                    item->setColumn(nullptr);
+        return;
+    }
+    parameters[parameterName].reset(column);
+    for (const auto& instance : instances)
+        if (DataItem* item = instance.second->getDataItem(parameterName))
+            adaptItemToColumn(*item, *column, parameterName, "replaceParameter");
+}
+
+std::vector<std::string> DataObject::getInstances() {
+    Guard guard(mutex);
+    std::vector<std::string> names;
+    for (const auto& instance : instances)
+        names.push_back(instance.first);
+    return names;
+}
+
+DataRow* DataObject::getInstance(const std::string& instanceName) const {
+    auto found = instances.find(instanceName);
+    return found == instances.end() ? nullptr : found->second.get();
+}
+
+Fcodes DataObject::addInstance(const std::string& instanceName, DataRow* row) {
+    if (!row)
+        return FC_BAD_VALUE;
+    Guard guard(mutex);
+    std::unique_ptr<DataRow>& slot = instances[instanceName];
+    if (slot.get() != row)
+        slot.reset(row);
+    row->setObject(this);
+    setState(datastate::CHANGED);
+    return FC_OK;
+}
+
+DataRow* DataObject::newInstance(const std::string& instanceName, const DataRow* source, bool overwrite) {
+    Guard guard(mutex);
+    DataRow::ColumnRefs refs;
+    for (const auto& parameter : parameters)
+        refs.emplace_back(parameter.first, parameter.second.get());
+    if (DataRow* existing = getInstance(instanceName)) {
+        if (overwrite) {
+            existing->overwriteItems(refs, source, "newInstance");
+            existing->addState(datastate::CHANGED);
+        }
+        addState(datastate::CHANGED);
+        return existing;
+    }
+    DataRow* row = new DataRow(instanceName);
+    addInstance(instanceName, row);
+    row->fillItems(refs, source);
+    row->addState(datastate::NEW);
+    addState(datastate::CHANGED);
+    return row;
+}
+
+Fcodes DataObject::deleteInstance(const std::string& instanceName) {
+    Guard guard(mutex);
+    DataRow* row = getInstance(instanceName);
+    if (!row)
+        return FC_NO_SUCH_NAME;
+    row->addState(datastate::DELETED);
+    addState(datastate::CHANGED);
+    return FC_OK;
+}
+
+Fcodes DataObject::doDeleteInstance(const std::string& instanceName) {
+    Guard guard(mutex);
+    instances.erase(instanceName);
+    return FC_OK;
+}
+
+void DataObject::doDeleteAllInstances() {
+    Guard guard(mutex);
+    instances.clear();
+}
