@@ -48,8 +48,16 @@ DataColumn* DataObject::getParameter(const std::string& parameterName) const {
     return found == parameters.end() ? nullptr : found->second.get();
 }
 
+bool DataObject::holds(const DataColumn* column) const {
+    for (const auto& parameter : parameters)
+        if (parameter.second.get() == column)
+            return true;
+    return false;
+}
+
+// A column the object already holds (under any name) is refused: it has one owner.
 void DataObject::addParameter(const std::string& parameterName, DataColumn* column) {
-    if (!column)
+    if (!column || holds(column))
         return;
     if (getParameter(parameterName))
         removeParameter(parameterName);
@@ -85,7 +93,7 @@ void DataObject::removeParameter(DataColumn* column) {
 // destroyed once the items have been adapted.
 void DataObject::replaceParameter(const std::string& parameterName, DataColumn* column) {
     auto found = parameters.find(parameterName);
-    if (found != parameters.end() && found->second.get() == column)
+    if (column && holds(column))
         return;
     std::unique_ptr<DataColumn> old;
     if (found != parameters.end()) {
@@ -118,10 +126,14 @@ DataRow* DataObject::getInstance(const std::string& instanceName) const {
     return found == instances.end() ? nullptr : found->second.get();
 }
 
+// A row the object already holds under another name is refused (FC_BAD_VALUE).
 Fcodes DataObject::addInstance(const std::string& instanceName, DataRow* row) {
     if (!row)
         return FC_BAD_VALUE;
     Guard guard(mutex);
+    for (const auto& instance : instances)
+        if (instance.second.get() == row && instance.first != instanceName)
+            return FC_BAD_VALUE;
     std::unique_ptr<DataRow>& slot = instances[instanceName];
     if (slot.get() != row)
         slot.reset(row);

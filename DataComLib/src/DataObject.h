@@ -54,6 +54,7 @@ public:
     std::vector<std::string> getParameters();
     DataColumn* getParameter(const std::string& parameterName) const;
     // Takes ownership; every instance gets a default item and is marked changed.
+    // A column already held (under any name) is refused.
     void addParameter(const std::string& parameterName, DataColumn* column);
     // Takes the items out of every instance (marked changed) and destroys them
     // and the column.
@@ -80,7 +81,7 @@ public:
     void cleanUpRelations();
 
 private:
-    void adaptItem(DataItem& item, DataColumn& column, const std::string& parameterName);
+    bool holds(const DataColumn* column) const;
 
     std::recursive_mutex mutex;
     std::string name;

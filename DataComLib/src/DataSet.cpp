@@ -34,6 +34,9 @@ void DataSet::addTable(const std::string& tableName, DataTable* table) {
     DataTable* current = getTable(tableName);
     if (current == table)
         return;
+    for (const auto& held : tables)
+        if (held.second.get() == table)  // already held under another name: one owner only
+            return;
     if (current)
         removeTable(current);
     for (auto& retired : retiredTables)

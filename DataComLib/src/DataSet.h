@@ -49,7 +49,8 @@ public:
 
     DataTable* getTable(const std::string& tableName) const;
     // Takes ownership and marks the dataset changed. A different table
-    // already under that name is unregistered as by removeTable.
+    // already under that name is unregistered as by removeTable; a table
+    // already held under another name is refused.
     void addTable(const std::string& tableName, DataTable* table);
     // Unregister only: the table stays alive (a caller may still hold it)
     // until the dataset is cleaned up or destroyed.

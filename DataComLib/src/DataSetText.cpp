@@ -48,7 +48,7 @@ Fcodes DataSet::initFromString(const std::string& text) {
 Fcodes DataSet::load(const std::string& file) {
     std::ifstream in(sysmgtPath(file), std::ios::binary);
     if (!in.good()) {
-        DBG(DBG_ERROR) << "load: file stream !good" << file;
+        DBG(DBG_ERROR) << "load: file stream !good " << file;
         return FC_NO_SUCH_NAME;
     }
     in.seekg(0, std::ios::end);

@@ -56,6 +56,9 @@ Fcodes DataTable::addRows(int32_t id, DataRow* row) {
     if (!row)
         return FC_BAD_VALUE;
     Guard guard(mutex);
+    DataRow* held = getRows(row->getId());
+    if (held == row && row->getId() != id)  // one row, one id: it has one owner
+        return FC_BAD_VALUE;
     std::unique_ptr<DataRow>& slot = rows[id];
     if (slot.get() != row)
         slot.reset(row);

@@ -87,7 +87,8 @@ public:
     // A new row after the highest id; returns the id, 0 when none was made.
     int32_t appendNewRow();
     // Takes ownership of `row` under `id` (a row already there is destroyed)
-    // and marks the table changed.
+    // and marks the table changed. A row held under another id is refused
+    // with FC_BAD_VALUE.
     Fcodes addRows(int32_t id, DataRow* row);
     // Marks the row deleted; FC_NO_SUCH_NAME for an unknown id.
     Fcodes deleteRow(int32_t id);

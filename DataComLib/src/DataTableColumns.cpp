@@ -22,12 +22,15 @@ DataColumn* DataTable::getColumns(const std::string& columnName) const {
 }
 
 // Takes ownership; a column coming back from retirement is taken out of it.
+// A column already held under another name is only given the second name.
 void DataTable::registerColumn(const std::string& columnName, DataColumn* column) {
+    columnsByName[columnName] = column;
+    if (std::any_of(columns.begin(), columns.end(), [column](const auto& p) { return p.get() == column; }))
+        return;
     for (auto& retired : retiredColumns)
         if (retired.get() == column)
             retired.release();
     retiredColumns.erase(std::remove(retiredColumns.begin(), retiredColumns.end(), nullptr), retiredColumns.end());
-    columnsByName[columnName] = column;
     columns.emplace_back(column);
 }
 

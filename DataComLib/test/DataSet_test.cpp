@@ -107,6 +107,13 @@ TEST(DataSet, LoadFailuresKeepWhatIsThere) {
         DataSet bad;
         EXPECT_EQ(bad.load("/etc/sysmgt/bad.ds"), c.code) << c.content;
     }
+    // Every truncation of a good file loads without crashing and without a table it lacks.
+    for (size_t length = 1; length < text.size(); ++length) {
+        DataSet truncated;
+        const Fcodes code = truncated.initFromString(text.substr(0, length));
+        EXPECT_TRUE(code == FC_OK || code == FC_BODY_ERROR) << length;
+        EXPECT_LE(std::distance(truncated.tablesBegin(), truncated.tablesEnd()), 2) << length;
+    }
     DataSet partial;
     partial.load("/etc/sysmgt/bad.ds");
     writeHostFile("/etc/sysmgt/bad.ds", cases[2].content);
