@@ -1,5 +1,7 @@
 #include "DataColumn.h"
 
+#include <memory>
+
 #include "DataStoreConstants.h"
 #include "DbgPrintClient.h"
 #include "TagText.h"
@@ -128,4 +130,22 @@ void DataColumn::parseValues(const std::string& text) {
         }
         addValue(tagToInt(index), valueText);
     }
+}
+
+Fcodes parseColumns(const std::string& block, const char* what, const std::function<void(DataColumn*)>& add) {
+    Fcodes result = FC_OK;
+    std::string segment;
+    for (int from = getSegment(block, 0, "Column", segment); from >= 0;
+         from = getSegment(block, from, "Column", segment)) {
+        auto column = std::make_unique<DataColumn>();
+        const Fcodes code = column->initFromString(segment);
+        result |= code;
+        if (code != FC_OK) {
+            DBG(DBG_ERROR) << "initFromString: error in " << what << " fcode=" << std::hex
+                           << static_cast<uint32_t>(code);
+            continue;
+        }
+        add(column.release());
+    }
+    return result;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -54,3 +55,9 @@ private:
     std::map<std::string, int32_t> valueIndexes;
     int32_t defVal;
 };
+
+// Parses every Column element of `block` and hands each good column to `add`,
+// which takes ownership. A column that fails is logged as "initFromString:
+// error in <what> fcode=" and freed, since nothing refers to it. Returns the
+// or of all column codes.
+Fcodes parseColumns(const std::string& block, const char* what, const std::function<void(DataColumn*)>& add);

@@ -141,43 +141,36 @@ void DataItem::setValue(const DataItem& other) {
     setStrVal(other.strVal);
 }
 
-Fcodes DataItem::initValue(const std::string& text) {
+// The integer that goes with `text` in the item's column: the number for an
+// integer column, the index for an enumeration (false when the text is not
+// one of its values), 0 for a string column.
+bool DataItem::integerOf(const std::string& text, int32_t& value) const {
     const int32_t type = typeOf(column);
-    if (type == coltype::INT) {
-        strVal = strValCopy = text;
-        intVal = intValCopy = tagToInt(text);
-    } else if (type == coltype::ENUM) {
-        int32_t index = 0;
-        if (!lookUpIndex(column, text, index)) {
-            DBG(DBG_ERROR) << "initValue: item=" << getId() << " ENUM not found text=" << text;
-            return FC_BAD_VALUE;
-        }
-        strVal = strValCopy = text;
-        intVal = intValCopy = index;
-    } else {
-        strVal = strValCopy = text;
-        intVal = intValCopy = 0;
+    if (type == coltype::ENUM)
+        return lookUpIndex(column, text, value);
+    value = type == coltype::INT ? tagToInt(text) : 0;
+    return true;
+}
+
+Fcodes DataItem::initValue(const std::string& text) {
+    int32_t value = 0;
+    if (!integerOf(text, value)) {
+        DBG(DBG_ERROR) << "initValue: item=" << getId() << " ENUM not found text=" << text;
+        return FC_BAD_VALUE;
     }
+    initStrVal(text);
+    initIntVal(value);
     return FC_OK;
 }
 
 Fcodes DataItem::setValue(const std::string& text) {
-    const int32_t type = typeOf(column);
-    if (type == coltype::INT) {
-        strValCopy = text;
-        intValCopy = tagToInt(text);
-    } else if (type == coltype::ENUM) {
-        int32_t index = 0;
-        if (!lookUpIndex(column, text, index)) {
-            DBG(DBG_ERROR) << "setValue(str): item=" << getId() << " ENUM not found text=" << text;
-            return FC_BAD_VALUE;
-        }
-        strValCopy = text;
-        intValCopy = index;
-    } else {
-        strValCopy = text;
-        intValCopy = 0;
+    int32_t value = 0;
+    if (!integerOf(text, value)) {
+        DBG(DBG_ERROR) << "setValue(str): item=" << getId() << " ENUM not found text=" << text;
+        return FC_BAD_VALUE;
     }
+    strValCopy = text;
+    intValCopy = value;
     markChanged();
     return FC_OK;
 }

@@ -93,6 +93,7 @@ public:
 
 private:
     void markChanged();
+    bool integerOf(const std::string& text, int32_t& value) const;
 
     int32_t intVal = 0;
     int32_t intValCopy = 0;

@@ -7,11 +7,9 @@
 #include "DataStoreConstants.h"
 #include "DbgPrintClient.h"
 
-using Guard = std::lock_guard<std::recursive_mutex>;
+DataObject::DataObject() = default;
 
-DataObject::DataObject() : state(datastate::NEW) {}
-
-DataObject::DataObject(const std::string& objectName) : name(objectName), state(datastate::NEW) {}
+DataObject::DataObject(const std::string& objectName) : name(objectName) {}
 
 DataObject::~DataObject() {
     cleanUpRelations();
@@ -19,20 +17,8 @@ DataObject::~DataObject() {
 
 void DataObject::cleanUpRelations() {
     Guard guard(mutex);
-    instances.clear();
+    rows.clear();
     parameters.clear();
-}
-
-void DataObject::setState(uint32_t bits) {
-    state = bits;
-    if (bits != datastate::UNCHANGED && dataSet)
-        dataSet->setState(datastate::CHANGED);
-}
-
-void DataObject::addState(uint32_t bits) {
-    const uint32_t now = (state |= bits);
-    if (now != datastate::UNCHANGED && dataSet)
-        dataSet->setState(datastate::CHANGED);
 }
 
 std::vector<std::string> DataObject::getParameters() {
@@ -62,7 +48,7 @@ void DataObject::addParameter(const std::string& parameterName, DataColumn* colu
     if (getParameter(parameterName))
         removeParameter(parameterName);
     parameters[parameterName].reset(column);
-    for (const auto& instance : instances) {
+    for (const auto& instance : rows) {
         instance.second->addDataItem(parameterName, new DataItem(column));
         instance.second->addState(datastate::CHANGED);
     }
@@ -73,7 +59,7 @@ void DataObject::removeParameter(const std::string& parameterName) {
     auto found = parameters.find(parameterName);
     if (found == parameters.end())
         return;
-    for (const auto& instance : instances) {
+    for (const auto& instance : rows) {
         instance.second->removeDataItem(parameterName);
         instance.second->addState(datastate::CHANGED);
     }
@@ -101,14 +87,14 @@ void DataObject::replaceParameter(const std::string& parameterName, DataColumn* 
         parameters.erase(found);
     }
     if (!column) {
-        for (const auto& instance : instances)
+        for (const auto& instance : rows)
             if (DataItem* item = instance.second->getDataItem(parameterName))
                 if (item->getColumn() == old.get())
                     item->setColumn(nullptr);
         return;
     }
     parameters[parameterName].reset(column);
-    for (const auto& instance : instances)
+    for (const auto& instance : rows)
         if (DataItem* item = instance.second->getDataItem(parameterName))
             adaptItemToColumn(*item, *column, parameterName, "replaceParameter");
 }
@@ -116,14 +102,14 @@ void DataObject::replaceParameter(const std::string& parameterName, DataColumn* 
 std::vector<std::string> DataObject::getInstances() {
     Guard guard(mutex);
     std::vector<std::string> names;
-    for (const auto& instance : instances)
+    for (const auto& instance : rows)
         names.push_back(instance.first);
     return names;
 }
 
 DataRow* DataObject::getInstance(const std::string& instanceName) const {
-    auto found = instances.find(instanceName);
-    return found == instances.end() ? nullptr : found->second.get();
+    auto found = rows.find(instanceName);
+    return found == rows.end() ? nullptr : found->second.get();
 }
 
 // A row the object already holds under another name is refused (FC_BAD_VALUE).
@@ -131,10 +117,10 @@ Fcodes DataObject::addInstance(const std::string& instanceName, DataRow* row) {
     if (!row)
         return FC_BAD_VALUE;
     Guard guard(mutex);
-    for (const auto& instance : instances)
+    for (const auto& instance : rows)
         if (instance.second.get() == row && instance.first != instanceName)
             return FC_BAD_VALUE;
-    std::unique_ptr<DataRow>& slot = instances[instanceName];
+    std::unique_ptr<DataRow>& slot = rows[instanceName];
     if (slot.get() != row)
         slot.reset(row);
     row->setObject(this);
@@ -175,11 +161,11 @@ Fcodes DataObject::deleteInstance(const std::string& instanceName) {
 
 Fcodes DataObject::doDeleteInstance(const std::string& instanceName) {
     Guard guard(mutex);
-    instances.erase(instanceName);
+    rows.erase(instanceName);
     return FC_OK;
 }
 
 void DataObject::doDeleteAllInstances() {
     Guard guard(mutex);
-    instances.clear();
+    rows.clear();
 }

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "Fcodes.h"
+#include "RowOwner.h"
 
 class DataColumn;
 class DataItem;
@@ -21,17 +20,15 @@ class DataSet;
 // the object so that edits mark it changed. A recursive mutex guards
 // touch, untouch, toString, getInstances, getParameters, doDeleteAllInstances
 // and cleanUpRelations; callers bracket other multi-step work with lock()/unlock().
-class DataObject {
+class DataObject : public RowOwner<std::string> {
 public:
     DataObject();
     explicit DataObject(const std::string& objectName);
-    DataObject(const DataObject&) = delete;
-    DataObject& operator=(const DataObject&) = delete;
-    virtual ~DataObject();
+    ~DataObject() override;
 
-    virtual Fcodes acceptChanges();
-    virtual Fcodes touch();
-    virtual Fcodes untouch();
+    // acceptChanges, touch, untouch, rollbackChanges, isChanged, the state,
+    // the dataset and lock/unlock come from RowOwner, over the instances.
+
     // Replaces `out` with the Object block: parameters by name, then instance
     // rows by instance name (written with their integer ids).
     virtual void toString(std::string& out);
@@ -39,16 +36,6 @@ public:
 
     const std::string& getName() const { return name; }
     void setName(const std::string& objectName) { name = objectName; }
-    uint32_t getState() const { return state; }
-    // Both mark the dataset changed when the new state is non-zero.
-    void setState(uint32_t bits);
-    void addState(uint32_t bits);
-    DataSet* getDataSet() const { return dataSet; }
-    void setDataSet(DataSet* owner) { dataSet = owner; }
-    void lock() { mutex.lock(); }
-    void unlock() { mutex.unlock(); }
-    bool isChanged();
-    Fcodes rollbackChanges();
 
     // Parameters, listed by name.
     std::vector<std::string> getParameters();
@@ -83,10 +70,6 @@ public:
 private:
     bool holds(const DataColumn* column) const;
 
-    std::recursive_mutex mutex;
     std::string name;
-    std::atomic<uint32_t> state;
     std::map<std::string, std::unique_ptr<DataColumn>> parameters;
-    std::map<std::string, std::unique_ptr<DataRow>> instances;
-    DataSet* dataSet = nullptr;
 };

@@ -1,4 +1,4 @@
-// Change tracking, tag text and merge of an object's instances.
+// The tag text of an object and its merge against a reference object.
 #include <sstream>
 
 #include "DataColumn.h"
@@ -6,47 +6,7 @@
 #include "DataRow.h"
 #include "DataStoreConstants.h"
 #include "DbgPrintClient.h"
-#include "RowScans.h"
 #include "TagText.h"
-
-using Guard = std::lock_guard<std::recursive_mutex>;
-
-bool DataObject::isChanged() {
-    if (state != datastate::UNCHANGED)
-        return true;
-    if (!anyRowChanged(instances))
-        return false;
-    addState(datastate::CHANGED);
-    return true;
-}
-
-Fcodes DataObject::touch() {
-    Guard guard(mutex);
-    const Fcodes result = touchRows(instances, true);
-    setState(datastate::CHANGED);
-    return result;
-}
-
-Fcodes DataObject::untouch() {
-    Guard guard(mutex);
-    const Fcodes result = touchRows(instances, false);
-    state = datastate::UNCHANGED;
-    return result;
-}
-
-Fcodes DataObject::acceptChanges() {
-    Guard guard(mutex);
-    const Fcodes result = acceptRows(instances);
-    state = datastate::UNCHANGED;
-    return result;
-}
-
-Fcodes DataObject::rollbackChanges() {
-    Guard guard(mutex);
-    const Fcodes result = rollbackRows(instances);
-    state = datastate::UNCHANGED;
-    return result;
-}
 
 void DataObject::toString(std::string& out) {
     Guard guard(mutex);
@@ -57,7 +17,7 @@ void DataObject::toString(std::string& out) {
         out += piece;
     }
     out += "\t\t</Parameters>\n";
-    for (const auto& instance : instances) {
+    for (const auto& instance : rows) {
         instance.second->toString(piece);
         out += piece;
     }
@@ -76,19 +36,8 @@ Fcodes DataObject::initFromString(const std::string& text) {
     if (getSegment(text, 0, "Parameters", block) < 0) {
         DBG(DBG_ERROR) << "initFromString: Not found Parameters in:" << text;
     } else {
-        for (int from = getSegment(block, 0, "Column", segment); from >= 0;
-             from = getSegment(block, from, "Column", segment)) {
-            auto column = std::make_unique<DataColumn>();
-            const Fcodes code = column->initFromString(segment);
-            result |= code;
-            if (code != FC_OK) {
-                DBG(DBG_ERROR) << "initFromString: error in parameter fcode=" << std::hex
-                               << static_cast<uint32_t>(code);
-                continue;
-            }
-            const std::string parameterName = column->getName();
-            addParameter(parameterName, column.release());
-        }
+        result =
+            parseColumns(block, "parameter", [this](DataColumn* column) { addParameter(column->getName(), column); });
     }
     for (int from = getSegment(text, 0, "Row", segment); from >= 0; from = getSegment(text, from, "Row", segment)) {
         std::string instanceName;

@@ -6,13 +6,10 @@
 #include "DataSet.h"
 #include "DataStoreConstants.h"
 #include "DbgPrintClient.h"
-#include "RowScans.h"
 
-using Guard = std::lock_guard<std::recursive_mutex>;
+DataTable::DataTable() = default;
 
-DataTable::DataTable() : state(datastate::NEW) {}
-
-DataTable::DataTable(const std::string& tableName) : name(tableName), state(datastate::NEW) {}
+DataTable::DataTable(const std::string& tableName) : name(tableName) {}
 
 DataTable::~DataTable() {
     cleanUpRelations();
@@ -33,18 +30,6 @@ void DataTable::releaseRetired() {
     for (auto& item : retiredItems)
         if (item && item->getRow())
             item.release();
-}
-
-void DataTable::setState(uint32_t bits) {
-    state = bits;
-    if (bits != datastate::UNCHANGED && dataSet)
-        dataSet->setState(datastate::CHANGED);
-}
-
-void DataTable::addState(uint32_t bits) {
-    const uint32_t now = (state |= bits);
-    if (now != datastate::UNCHANGED && dataSet)
-        dataSet->setState(datastate::CHANGED);
 }
 
 DataRow* DataTable::getRows(int32_t id) const {
@@ -165,41 +150,4 @@ int32_t DataTable::getLastRowIndex() {
         if (at->second->getState() == datastate::UNCHANGED)
             return at->first;
     return 0;
-}
-
-bool DataTable::isChanged() {
-    if (state != datastate::UNCHANGED)
-        return true;
-    if (!anyRowChanged(rows))
-        return false;
-    addState(datastate::CHANGED);
-    return true;
-}
-
-Fcodes DataTable::touch() {
-    Guard guard(mutex);
-    const Fcodes result = touchRows(rows, true);
-    setState(datastate::CHANGED);
-    return result;
-}
-
-Fcodes DataTable::untouch() {
-    Guard guard(mutex);
-    const Fcodes result = touchRows(rows, false);
-    state = datastate::UNCHANGED;
-    return result;
-}
-
-Fcodes DataTable::acceptChanges() {
-    Guard guard(mutex);
-    const Fcodes result = acceptRows(rows);
-    state = datastate::UNCHANGED;
-    return result;
-}
-
-Fcodes DataTable::rollbackChanges() {
-    Guard guard(mutex);
-    const Fcodes result = rollbackRows(rows);
-    state = datastate::UNCHANGED;
-    return result;
 }

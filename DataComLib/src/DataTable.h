@@ -1,15 +1,14 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "DataRow.h"
 #include "Fcodes.h"
+#include "RowOwner.h"
 
 class DataColumn;
 class DataItem;
@@ -21,23 +20,17 @@ class DataSet;
 // its dataset. Every operation that walks or changes the rows holds the
 // table's recursive mutex; column operations, accessors and isChanged do not,
 // so multi-step callers bracket their work with lock()/unlock().
-class DataTable {
+class DataTable : public RowOwner<int32_t> {
 public:
     using Columns = std::vector<std::unique_ptr<DataColumn>>;
-    using Rows = std::map<int32_t, std::unique_ptr<DataRow>>;
 
     DataTable();
     explicit DataTable(const std::string& tableName);
-    DataTable(const DataTable&) = delete;
-    DataTable& operator=(const DataTable&) = delete;
-    virtual ~DataTable();
+    ~DataTable() override;
 
-    // Rows marked deleted are destroyed, new and changed ones committed; state 0.
-    virtual Fcodes acceptChanges();
-    // Every row touched; table and dataset marked changed.
-    virtual Fcodes touch();
-    // Every row untouched; table state 0.
-    virtual Fcodes untouch();
+    // acceptChanges, touch, untouch, rollbackChanges, isChanged, the state,
+    // the dataset and lock/unlock come from RowOwner.
+
     // Replaces `out` with the table block (columns, then rows by id, deleted ones included).
     virtual void toString(std::string& out);
     // Fills the table from a Table block; see DataTableText.cpp.
@@ -45,17 +38,6 @@ public:
 
     const std::string& getId() const { return name; }
     void setId(const std::string& tableName) { name = tableName; }
-    uint32_t getState() const { return state; }
-    // Both mark the dataset changed when the new state is non-zero.
-    void setState(uint32_t bits);
-    void addState(uint32_t bits);
-    DataSet* getDataSet() const { return dataSet; }
-    void setDataSet(DataSet* owner) { dataSet = owner; }
-
-    // The table's recursive mutex, for callers outside the table.
-    void lock() { mutex.lock(); }
-    void unlock() { mutex.unlock(); }
-
     // Columns (no lock).
     size_t getColumnsNum() const { return columns.size(); }
     std::vector<std::string> getColumnNames() const;
@@ -105,10 +87,6 @@ public:
     int32_t getNextRowIndex(int32_t id);
     int32_t getLastRowIndex();
 
-    // True when the table or any row is marked (no lock).
-    bool isChanged();
-    // Marks cleared, new rows dropped unless they were also edited; pending values stay.
-    Fcodes rollbackChanges();
     // Merges a reference table's columns and rows into this one.
     Fcodes update(DataTable& reference, bool keepOwnColumns, bool mergeColumns, bool mergeRows, bool overwriteRows);
 
@@ -121,13 +99,9 @@ private:
     DataRow::ColumnRefs columnRefs() const;
     void releaseRetired();
 
-    std::recursive_mutex mutex;
     std::string name;
-    std::atomic<uint32_t> state;
     Columns columns;
     std::map<std::string, DataColumn*> columnsByName;
-    Rows rows;
-    DataSet* dataSet = nullptr;
 
     // Columns and items that were unregistered but may still be referenced by
     // a caller (the store leaves them alive); freed with the table.

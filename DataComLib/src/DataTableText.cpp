@@ -1,6 +1,4 @@
 // The tag text of a table: written into dataset files and read back.
-#include <sstream>
-
 #include "DataColumn.h"
 #include "DataRow.h"
 #include "DataTable.h"
@@ -23,18 +21,7 @@ void DataTable::toString(std::string& out) {
     out += "\t</Table>\n";
 }
 
-namespace {
-
-std::string hex(Fcodes code) {
-    std::ostringstream text;
-    text << std::hex << static_cast<uint32_t>(code);
-    return text.str();
-}
-
-}  // namespace
-
-// Columns first (a column that fails to parse is dropped and freed, since
-// nothing refers to it), then every Row block as a new row whose items take
+// Columns first, then every Row block as a new row whose items take
 // the written values. The rows stay marked new until the dataset accepts them.
 Fcodes DataTable::initFromString(const std::string& text) {
     if (getPropertyValue(text, 0, "Name", name) < 0) {
@@ -46,18 +33,7 @@ Fcodes DataTable::initFromString(const std::string& text) {
     if (getSegment(text, 0, "Columns", block) < 0) {
         DBG(DBG_ERROR) << "initFromString: Not found Columns in:" << text;
     } else {
-        for (int from = getSegment(block, 0, "Column", segment); from >= 0;
-             from = getSegment(block, from, "Column", segment)) {
-            auto column = std::make_unique<DataColumn>();
-            const Fcodes code = column->initFromString(segment);
-            result |= code;
-            if (code != FC_OK) {
-                DBG(DBG_ERROR) << "initFromString: error in column fcode=" << hex(code);
-                continue;
-            }
-            const std::string columnName = column->getName();
-            addColumns(columnName, column.release());
-        }
+        result = parseColumns(block, "column", [this](DataColumn* column) { addColumns(column->getName(), column); });
     }
     for (int from = getSegment(text, 0, "Row", segment); from >= 0; from = getSegment(text, from, "Row", segment)) {
         std::string idText;
@@ -65,7 +41,8 @@ Fcodes DataTable::initFromString(const std::string& text) {
         DataRow* row = newRow(tagToInt(idText), nullptr, false);
         const Fcodes code = row->initFromString(segment);
         if (result > FC_OK)
-            DBG(DBG_ERROR) << "initFromString: error in row=" << row->getId() << " fcode" << hex(code);
+            DBG(DBG_ERROR) << "initFromString: error in row=" << row->getId() << " fcode" << std::hex
+                           << static_cast<uint32_t>(code);
         result |= code;
     }
     return result;
