@@ -1,5 +1,7 @@
 #include "DataTable.h"
 
+#include <cstdint>
+
 #include "DataColumn.h"
 #include "DataItem.h"
 #include "DataRow.h"
@@ -97,10 +99,10 @@ int32_t DataTable::newRow() {
 
 int32_t DataTable::appendNewRow() {
     Guard guard(mutex);
-    int32_t id = rows.empty() ? 1 : rows.rbegin()->first + 1;
-    if (id <= 0)  // the highest id is already the largest one
+    const int64_t id = rows.empty() ? 1 : int64_t{rows.rbegin()->first} + 1;
+    if (id <= 0 || id > INT32_MAX)  // no positive id is left above the highest one
         return 0;
-    DataRow* row = newRow(id, nullptr, false);
+    DataRow* row = newRow(static_cast<int32_t>(id), nullptr, false);
     return row ? row->getId() : 0;
 }
 

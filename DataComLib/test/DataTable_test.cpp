@@ -125,6 +125,9 @@ TEST(DataTable, RowIdsAndIndexFilters) {
     EXPECT_EQ(table.appendNewRow(), 8);
     EXPECT_EQ(table.newRow(), 3);
     EXPECT_EQ(DataTable().appendNewRow(), 1);
+    table.newRow(INT32_MAX, nullptr, false);
+    EXPECT_EQ(table.appendNewRow(), 0) << "no id above the largest";
+    EXPECT_EQ(table.newRow(), 4);
 
     DataTable states("S");
     const uint32_t rowStates[] = {datastate::UNCHANGED, datastate::DELETED | datastate::CHANGED, datastate::CHANGED};
