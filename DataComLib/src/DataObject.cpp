@@ -19,6 +19,7 @@ void DataObject::cleanUpRelations() {
     Guard guard(mutex);
     rows.clear();
     parameters.clear();
+    retiredParameters.clear();
 }
 
 std::vector<std::string> DataObject::getParameters() {
@@ -47,6 +48,7 @@ void DataObject::addParameter(const std::string& parameterName, DataColumn* colu
         return;
     if (getParameter(parameterName))
         removeParameter(parameterName);
+    retiredParameters.reclaim(column);
     parameters[parameterName].reset(column);
     for (const auto& instance : rows) {
         instance.second->addDataItem(parameterName, new DataItem(column));
@@ -75,24 +77,19 @@ void DataObject::removeParameter(DataColumn* column) {
     }
 }
 
-// Every item of that name moves to the replacement, so the old column is
-// destroyed once the items have been adapted.
+// The replaced column stays alive while items may still point at it (with a
+// null replacement they keep it); it is freed with the object.
 void DataObject::replaceParameter(const std::string& parameterName, DataColumn* column) {
-    auto found = parameters.find(parameterName);
     if (column && holds(column))
         return;
-    std::unique_ptr<DataColumn> old;
+    auto found = parameters.find(parameterName);
     if (found != parameters.end()) {
-        old = std::move(found->second);
+        retiredParameters.keep(std::move(found->second));
         parameters.erase(found);
     }
-    if (!column) {
-        for (const auto& instance : rows)
-            if (DataItem* item = instance.second->getDataItem(parameterName))
-                if (item->getColumn() == old.get())
-                    item->setColumn(nullptr);
+    if (!column)
         return;
-    }
+    retiredParameters.reclaim(column);
     parameters[parameterName].reset(column);
     for (const auto& instance : rows)
         if (DataItem* item = instance.second->getDataItem(parameterName))

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Fcodes.h"
+#include "Retired.h"
 #include "RowOwner.h"
 
 class DataColumn;
@@ -47,8 +48,8 @@ public:
     // and the column.
     void removeParameter(const std::string& parameterName);
     void removeParameter(DataColumn* column);
-    // As DataTable::replaceColumn; the replaced column is destroyed once no
-    // item points at it.
+    // As DataTable::replaceColumn; the replaced column is kept (items may
+    // still point at it) until the object is cleaned up.
     void replaceParameter(const std::string& parameterName, DataColumn* column);
 
     // Instances, listed by name.
@@ -72,4 +73,5 @@ private:
 
     std::string name;
     std::map<std::string, std::unique_ptr<DataColumn>> parameters;
+    Retired<DataColumn> retiredParameters;
 };

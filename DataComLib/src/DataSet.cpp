@@ -39,10 +39,7 @@ void DataSet::addTable(const std::string& tableName, DataTable* table) {
             return;
     if (current)
         removeTable(current);
-    for (auto& retired : retiredTables)
-        if (retired.get() == table)
-            retired.release();
-    retiredTables.erase(std::remove(retiredTables.begin(), retiredTables.end(), nullptr), retiredTables.end());
+    retiredTables.reclaim(table);
     tables[tableName].reset(table);
     tableOrder.push_back(table);
     table->setDataSet(this);
@@ -59,7 +56,7 @@ void DataSet::removeTable(DataTable* table) {
             continue;
         tableOrder.erase(std::find(tableOrder.begin(), tableOrder.end(), table));
         table->setDataSet(nullptr);
-        retiredTables.push_back(std::move(byName->second));
+        retiredTables.keep(std::move(byName->second));
         tables.erase(byName);
         return;
     }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Fcodes.h"
+#include "Retired.h"
 
 class DataTable;
 
@@ -97,5 +98,5 @@ private:
     std::atomic<uint32_t> state;
     std::map<std::string, std::unique_ptr<DataTable>> tables;
     TableList tableOrder;
-    std::vector<std::unique_ptr<DataTable>> retiredTables;
+    Retired<DataTable> retiredTables;
 };

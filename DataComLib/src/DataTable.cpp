@@ -19,19 +19,13 @@ DataTable::~DataTable() {
 
 void DataTable::cleanUpRelations() {
     Guard guard(mutex);
-    releaseRetired();
+    // A retired item that was put into a row again belongs to that row now.
+    retiredItems.forget([](const DataItem& item) { return item.getRow() != nullptr; });
     retiredItems.clear();
     rows.clear();
     columnsByName.clear();
     columns.clear();
     retiredColumns.clear();
-}
-
-// A retired item that was put into a row again belongs to that row now.
-void DataTable::releaseRetired() {
-    for (auto& item : retiredItems)
-        if (item && item->getRow())
-            item.release();
 }
 
 DataRow* DataTable::getRows(int32_t id) const {

@@ -8,6 +8,7 @@
 
 #include "DataRow.h"
 #include "Fcodes.h"
+#include "Retired.h"
 #include "RowOwner.h"
 
 class DataColumn;
@@ -97,14 +98,12 @@ private:
     void registerColumn(const std::string& columnName, DataColumn* column);
     std::unique_ptr<DataColumn> unregisterColumn(DataColumn* column);
     DataRow::ColumnRefs columnRefs() const;
-    void releaseRetired();
 
     std::string name;
     Columns columns;
     std::map<std::string, DataColumn*> columnsByName;
 
-    // Columns and items that were unregistered but may still be referenced by
-    // a caller (the store leaves them alive); freed with the table.
-    std::vector<std::unique_ptr<DataColumn>> retiredColumns;
-    std::vector<std::unique_ptr<DataItem>> retiredItems;
+    // Removed and replaced columns and the items taken out with them.
+    Retired<DataColumn> retiredColumns;
+    Retired<DataItem> retiredItems;
 };

@@ -27,10 +27,7 @@ void DataTable::registerColumn(const std::string& columnName, DataColumn* column
     columnsByName[columnName] = column;
     if (std::any_of(columns.begin(), columns.end(), [column](const auto& p) { return p.get() == column; }))
         return;
-    for (auto& retired : retiredColumns)
-        if (retired.get() == column)
-            retired.release();
-    retiredColumns.erase(std::remove(retiredColumns.begin(), retiredColumns.end(), nullptr), retiredColumns.end());
+    retiredColumns.reclaim(column);
     columns.emplace_back(column);
 }
 
@@ -79,10 +76,10 @@ void DataTable::removeColumns(DataColumn* column) {
         return;
     for (const auto& row : rows) {
         if (std::unique_ptr<DataItem> item = row.second->removeDataItem(columnName))
-            retiredItems.push_back(std::move(item));
+            retiredItems.keep(std::move(item));
         row.second->addState(datastate::CHANGED);
     }
-    retiredColumns.push_back(std::move(removed));
+    retiredColumns.keep(std::move(removed));
 }
 
 void DataTable::replaceColumn(const std::string& columnName, DataColumn* column) {
@@ -90,7 +87,7 @@ void DataTable::replaceColumn(const std::string& columnName, DataColumn* column)
         if (old == column)
             return;
         // The items still point at the old column until they are adapted below.
-        retiredColumns.push_back(unregisterColumn(old));
+        retiredColumns.keep(unregisterColumn(old));
     }
     if (!column)
         return;

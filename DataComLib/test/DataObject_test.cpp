@@ -53,6 +53,9 @@ TEST(DataObject, TagTextParametersAndInstances) {
     object.replaceParameter("Gop", gopText);
     EXPECT_EQ(object.getInstance("2")->getDataItem("Gop")->getStrVal(), "60") << "int to string keeps values";
     EXPECT_EQ(object.getInstance("2")->getDataItem("Gop")->getColumn(), gopText);
+    object.replaceParameter("Gop", nullptr);
+    EXPECT_EQ(object.getParameter("Gop"), nullptr);
+    EXPECT_EQ(object.getInstance("2")->getDataItem("Gop")->getId(), "Gop") << "the item keeps its old column";
 }
 
 TEST(DataObject, ChangeTrackingAndMerge) {
