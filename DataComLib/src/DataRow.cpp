@@ -92,36 +92,33 @@ std::unique_ptr<DataItem> DataRow::removeDataItem(const std::string& name) {
     return removeDataItem(getDataItem(name));
 }
 
-Fcodes DataRow::touch() {
+// Runs one change operation on every item; the or of their codes.
+Fcodes DataRow::forEachItem(Fcodes (DataItem::*operation)()) {
     Fcodes result = FC_OK;
     for (auto& item : itemOrder)
-        result |= item->touch();
+        result |= ((*item).*operation)();
+    return result;
+}
+
+Fcodes DataRow::touch() {
+    const Fcodes result = forEachItem(&DataItem::touch);
     setState(datastate::CHANGED);
     return result;
 }
 
 Fcodes DataRow::untouch() {
-    Fcodes result = FC_OK;
-    for (auto& item : itemOrder)
-        result |= item->untouch();
     state = datastate::UNCHANGED;
-    return result;
+    return forEachItem(&DataItem::untouch);
 }
 
 Fcodes DataRow::acceptChanges() {
-    Fcodes result = FC_OK;
-    for (auto& item : itemOrder)
-        result |= item->acceptChanges();
     state = datastate::UNCHANGED;
-    return result;
+    return forEachItem(&DataItem::acceptChanges);
 }
 
 Fcodes DataRow::rollbackChanges() {
-    Fcodes result = FC_OK;
-    for (auto& item : itemOrder)
-        result |= item->rollbackChanges();
     state = datastate::UNCHANGED;
-    return result;
+    return forEachItem(&DataItem::rollbackChanges);
 }
 
 void DataRow::toString(std::string& out) const {

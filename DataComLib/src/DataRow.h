@@ -81,6 +81,7 @@ public:
 
 private:
     void propagate();
+    Fcodes forEachItem(Fcodes (DataItem::*operation)());
 
     int32_t id = 0;
     std::string textId;

@@ -62,35 +62,35 @@ void DataSet::removeTable(DataTable* table) {
     }
 }
 
-Fcodes DataSet::acceptChanges() {
+// Runs one change operation on every table, in name order; the or of their codes.
+Fcodes DataSet::forEachTable(Fcodes (DataTable::*operation)()) {
     Fcodes result = FC_OK;
     for (auto& table : tables)
-        result |= table.second->acceptChanges();
+        result |= ((*table.second).*operation)();
+    return result;
+}
+
+Fcodes DataSet::acceptChanges() {
+    const Fcodes result = forEachTable(&DataTable::acceptChanges);
     state = datastate::UNCHANGED;
     return result;
 }
 
 Fcodes DataSet::rollbackChanges() {
     DBG(DBG_INFO) << "rollbackChanges: executing...";
-    Fcodes result = FC_OK;
-    for (auto& table : tables)
-        result |= table.second->rollbackChanges();
+    const Fcodes result = forEachTable(&DataTable::rollbackChanges);
     state = datastate::UNCHANGED;
     return result;
 }
 
 Fcodes DataSet::touch() {
-    Fcodes result = FC_OK;
-    for (auto& table : tables)
-        result |= table.second->touch();
+    const Fcodes result = forEachTable(&DataTable::touch);
     state = datastate::CHANGED;
     return result;
 }
 
 Fcodes DataSet::untouch() {
-    Fcodes result = FC_OK;
-    for (auto& table : tables)
-        result |= table.second->untouch();
+    const Fcodes result = forEachTable(&DataTable::untouch);
     state = datastate::UNCHANGED;
     return result;
 }

@@ -89,6 +89,7 @@ public:
     void cleanUpRelations();
 
 private:
+    Fcodes forEachTable(Fcodes (DataTable::*operation)());
     template <typename Deliver>
     Fcodes readParam(const char* caller, const std::string& tableName, int32_t rowId, const std::string& column,
                      Deliver deliver);

@@ -45,18 +45,14 @@ public:
     // Every row touched; the owner and its dataset marked changed.
     virtual Fcodes touch() {
         Guard guard(mutex);
-        Fcodes result = FC_OK;
-        for (const auto& row : rows)
-            result |= row.second->touch();
+        const Fcodes result = forEachRow(&DataRow::touch);
         setState(datastate::CHANGED);
         return result;
     }
     // Every row untouched; state 0.
     virtual Fcodes untouch() {
         Guard guard(mutex);
-        Fcodes result = FC_OK;
-        for (const auto& row : rows)
-            result |= row.second->untouch();
+        const Fcodes result = forEachRow(&DataRow::untouch);
         state = datastate::UNCHANGED;
         return result;
     }
@@ -110,6 +106,12 @@ public:
 protected:
     using Guard = std::lock_guard<std::recursive_mutex>;
 
+    Fcodes forEachRow(Fcodes (DataRow::*operation)()) {
+        Fcodes result = FC_OK;
+        for (const auto& row : rows)
+            result |= ((*row.second).*operation)();
+        return result;
+    }
     void markDataSet(uint32_t now) {
         if (now != datastate::UNCHANGED && dataSet)
             dataSet->setState(datastate::CHANGED);
