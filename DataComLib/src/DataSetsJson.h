@@ -58,9 +58,12 @@ Json::Value defaultInstance(const Json::Value& component);
 // locale-independent.
 bool parseInt(const std::string& text, int& value);
 
-// Parses a document with comments kept, a nesting limit and strict UTF-8
-// handling of jsoncpp's CharReader (locale-independent). False with `errors`
-// filled on any failure, including exceptions of the reader.
+// Parses a document with comments kept and a nesting limit (deeper files are
+// refused, not recursed into). Integers, booleans and texts read the same under
+// any locale; a real, which the data model does not use, is read through the
+// C++ global locale, which this code never changes (the C locale of setlocale
+// does not matter). False with `errors` filled on any failure, exceptions of
+// the reader included.
 bool parseDocument(const std::string& text, Json::Value& root, std::string& errors);
 
 // The styled text the store writes to a dataset file.
