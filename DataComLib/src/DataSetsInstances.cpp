@@ -5,6 +5,21 @@
 using dsjson::member;
 using dsjson::Selector;
 
+namespace {
+
+// The array without one element, later ones moved down. Pending arrays are
+// sparse (jsoncpp stores only the indexes written), which removeIndex does
+// not handle, so the copy reads every index through const access.
+Json::Value withoutElement(const Json::Value& list, int index) {
+    Json::Value shifted(Json::arrayValue);
+    for (Json::ArrayIndex i = 0; i < list.size(); ++i)
+        if (static_cast<int>(i) != index)
+            shifted[shifted.size()] = list[i];
+    return shifted;
+}
+
+}  // namespace
+
 Fcodes DataSets::getComponentSize(const std::string& dataSet, const std::string& component, int& size) {
     return guarded("getComponentSize", [&] {
         const Json::Value* comp = committedComponent(dataSet, component);
@@ -78,13 +93,13 @@ Fcodes DataSets::removeInstance(const std::string& dataSet, const std::string& c
                            << " ind=" << index;
             return FC_NO_SUCH_NAME;
         }
-        Json::Value removed;
-        (*comp)[jsonkeys::INSTANCES].removeIndex(static_cast<Json::ArrayIndex>(index), &removed);
+        Json::Value& list = (*comp)[jsonkeys::INSTANCES];
+        list = withoutElement(list, index);
         // Pending values follow their instances: later indexes shift down too.
         const Json::Value* pending = pendingComponent(dataSet, component);
         Json::Value* pendingList = const_cast<Json::Value*>(member(pending, jsonkeys::INSTANCES));
-        if (pendingList && pendingList->isArray() && static_cast<Json::ArrayIndex>(index) < pendingList->size())
-            pendingList->removeIndex(static_cast<Json::ArrayIndex>(index), &removed);
+        if (pendingList && pendingList->isArray())
+            *pendingList = withoutElement(*pendingList, index);
         prunePending(dataSet, component);
         return FC_OK;
     });
