@@ -139,6 +139,8 @@ public:
     Fcodes initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                          bool value, const std::string& key) override;
 
+    // Touching copies every committed value into the overlay, so that the next
+    // commit rewrites them all; values already pending stay as they are.
     Fcodes touchDataSet(const std::string& dataSet) override;
     Fcodes untouchDataSet(const std::string& dataSet) override;
     Fcodes touchComponent(const std::string& dataSet, const std::string& component) override;
@@ -199,11 +201,9 @@ private:
     };
 
     // Runs `body` under the lock, turning any exception into a log line
-    // "<op>: Exc: ..." and 0x10002 (or false for the tests).
+    // "<op>: Exc: ..." and 0x10002 (false for the bool-valued tests).
     template <typename Body>
-    Fcodes guarded(const char* op, Body&& body);
-    template <typename Body>
-    bool guardedTest(const char* op, Body&& body);
+    auto guarded(const char* op, Body&& body) -> decltype(body());
 
     // Lookups in the committed tree and the pending overlay; caller holds the lock.
     const Json::Value* committedComponent(const std::string& dataSet, const std::string& component) const;
@@ -254,11 +254,12 @@ private:
 // ---- inline template definitions ----
 
 #include <exception>
+#include <type_traits>
 
 #include "DbgPrintClient.h"
 
 template <typename Body>
-Fcodes DataSets::guarded(const char* op, Body&& body) {
+auto DataSets::guarded(const char* op, Body&& body) -> decltype(body()) {
     Guard guard(*this);
     try {
         return body();
@@ -267,18 +268,8 @@ Fcodes DataSets::guarded(const char* op, Body&& body) {
     } catch (...) {
         DBG(DBG_ERROR) << op << ": Exc: unknown";
     }
-    return FC_BODY_ERROR;
-}
-
-template <typename Body>
-bool DataSets::guardedTest(const char* op, Body&& body) {
-    Guard guard(*this);
-    try {
-        return body();
-    } catch (const std::exception& e) {
-        DBG(DBG_ERROR) << op << ": Exc: " << e.what();
-    } catch (...) {
-        DBG(DBG_ERROR) << op << ": Exc: unknown";
-    }
-    return false;
+    if constexpr (std::is_same_v<decltype(body()), bool>)
+        return false;
+    else
+        return FC_BODY_ERROR;
 }

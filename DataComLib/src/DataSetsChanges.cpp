@@ -33,20 +33,16 @@ bool holdsPending(const Json::Value& component) {
     return false;
 }
 
-}  // namespace
-
-// Pending values go only into instances that still exist in the committed
-// document; one removed since the set is skipped rather than recreated.
-void DataSets::applyPending(const std::string& dataSet, const std::string& component, const Json::Value& pending) {
-    Json::Value* target = writableComponent(dataSet, component);
-    if (!target || !pending.isObject())
-        return;
+// Copies the pending values of a component into `target` (the committed
+// component, or a copy of it). Values go only into instances that exist in
+// `target`: one removed since the set is skipped rather than recreated.
+void mergeInstances(const Json::Value& pending, Json::Value& target) {
     const Json::Value* single = member(pending, jsonkeys::INSTANCE);
-    Json::Value* targetSingle = const_cast<Json::Value*>(member(*target, jsonkeys::INSTANCE));
+    Json::Value* targetSingle = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCE));
     if (single && targetSingle)
         copyValues(*single, *targetSingle);
     const Json::Value* instances = member(pending, jsonkeys::INSTANCES);
-    Json::Value* targetInstances = const_cast<Json::Value*>(member(*target, jsonkeys::INSTANCES));
+    Json::Value* targetInstances = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCES));
     if (!instances || !targetInstances)
         return;
     if (instances->isObject() && targetInstances->isObject()) {
@@ -59,6 +55,14 @@ void DataSets::applyPending(const std::string& dataSet, const std::string& compo
         for (Json::ArrayIndex i = 0; i < instances->size() && i < targetInstances->size(); ++i)
             copyValues((*instances)[i], (*targetInstances)[i]);
     }
+}
+
+}  // namespace
+
+void DataSets::applyPending(const std::string& dataSet, const std::string& component, const Json::Value& pending) {
+    Json::Value* target = writableComponent(dataSet, component);
+    if (target)
+        mergeInstances(pending, *target);
 }
 
 void DataSets::dropPendingComponent(const std::string& dataSet, const std::string& component) {
@@ -123,7 +127,17 @@ Fcodes DataSets::touchDataSet(const std::string& dataSet) {
             DBG(DBG_ERROR) << "touchDataSet: Not found dataset=" << dataSet;
             return FC_NO_SUCH_NAME;
         }
-        changes[dataSet] = *document;
+        // The copy keeps values already pending: touching must not undo an edit.
+        Json::Value copy = *document;
+        const Json::Value* pendingComps = member(member(changes, dataSet), jsonkeys::COMPONENTS);
+        Json::Value* copyComps = const_cast<Json::Value*>(member(copy, jsonkeys::COMPONENTS));
+        if (pendingComps && pendingComps->isObject() && copyComps)
+            for (auto it = pendingComps->begin(); it != pendingComps->end(); ++it) {
+                Json::Value* into = const_cast<Json::Value*>(member(*copyComps, it.name()));
+                if (into)
+                    mergeInstances(*it, *into);
+            }
+        changes[dataSet].swap(copy);
         return FC_OK;
     });
 }
@@ -146,7 +160,11 @@ Fcodes DataSets::touchComponent(const std::string& dataSet, const std::string& c
         const Json::Value* pendingComps = member(pendingSet, jsonkeys::COMPONENTS);
         if ((pendingSet && !pendingSet->isObject()) || (pendingComps && !pendingComps->isObject()))
             return FC_WRONG_TYPE;
-        changes[dataSet][jsonkeys::COMPONENTS][component] = *comp;
+        Json::Value copy = *comp;
+        const Json::Value* pending = pendingComponent(dataSet, component);
+        if (pending)
+            mergeInstances(*pending, copy);
+        changes[dataSet][jsonkeys::COMPONENTS][component].swap(copy);
         return FC_OK;
     });
 }
@@ -181,15 +199,15 @@ Fcodes DataSets::untouchProperty(const std::string& dataSet, const std::string& 
 }
 
 bool DataSets::isChanged() {
-    return guardedTest("isChanged", [&] { return !changes.empty(); });
+    return guarded("isChanged", [&] { return !changes.empty(); });
 }
 
 bool DataSets::isChangedDataSet(const std::string& dataSet) {
-    return guardedTest("isChangedDataSet", [&] { return member(changes, dataSet) != nullptr; });
+    return guarded("isChangedDataSet", [&] { return member(changes, dataSet) != nullptr; });
 }
 
 bool DataSets::isChangedComponent(const std::string& dataSet, const std::string& component) {
-    return guardedTest("isChangedComponent", [&] { return pendingComponent(dataSet, component) != nullptr; });
+    return guarded("isChangedComponent", [&] { return pendingComponent(dataSet, component) != nullptr; });
 }
 
 // The instance (and property) exists in the overlay; padding nulls of an
@@ -204,23 +222,21 @@ bool DataSets::changedAt(const std::string& dataSet, const std::string& componen
 }
 
 bool DataSets::isChangedInstance(const std::string& dataSet, const std::string& component, const std::string& key) {
-    return guardedTest("isChangedInstance",
-                       [&] { return changedAt(dataSet, component, Selector::byKey(key), nullptr); });
+    return guarded("isChangedInstance", [&] { return changedAt(dataSet, component, Selector::byKey(key), nullptr); });
 }
 
 bool DataSets::isChangedInstance(const std::string& dataSet, const std::string& component, int index) {
-    return guardedTest("isChangedInstance",
-                       [&] { return changedAt(dataSet, component, Selector::byIndex(index), nullptr); });
+    return guarded("isChangedInstance",
+                   [&] { return changedAt(dataSet, component, Selector::byIndex(index), nullptr); });
 }
 
 bool DataSets::isChangedProperty(const std::string& dataSet, const std::string& component, const std::string& property,
                                  const std::string& key) {
-    return guardedTest("isChangedProperty",
-                       [&] { return changedAt(dataSet, component, Selector::byKey(key), &property); });
+    return guarded("isChangedProperty", [&] { return changedAt(dataSet, component, Selector::byKey(key), &property); });
 }
 
 bool DataSets::isChangedProperty(const std::string& dataSet, const std::string& component, const std::string& property,
                                  int index) {
-    return guardedTest("isChangedProperty",
-                       [&] { return changedAt(dataSet, component, Selector::byIndex(index), &property); });
+    return guarded("isChangedProperty",
+                   [&] { return changedAt(dataSet, component, Selector::byIndex(index), &property); });
 }

@@ -152,14 +152,14 @@ Fcodes DataSets::clearComponent(const std::string& dataSet, const std::string& c
 }
 
 bool DataSets::hasInstance(const std::string& dataSet, const std::string& component, const std::string& key) {
-    return guardedTest("hasInstance", [&] {
+    return guarded("hasInstance", [&] {
         const Json::Value* comp = committedComponent(dataSet, component);
         return comp && dsjson::instanceOf(*comp, Selector::byKey(key));
     });
 }
 
 bool DataSets::hasInstance(const std::string& dataSet, const std::string& component, int index) {
-    return guardedTest("hasInstance", [&] {
+    return guarded("hasInstance", [&] {
         const Json::Value* comp = committedComponent(dataSet, component);
         return comp && dsjson::instanceOf(*comp, Selector::byIndex(index));
     });

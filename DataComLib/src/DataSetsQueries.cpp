@@ -24,6 +24,23 @@ void forEachInstance(const Json::Value& component, Visit&& visit) {
         visit(std::string(), *single);
 }
 
+// Fills `keys` with the instances of `comp` that `wanted(key, instance)`
+// accepts; an unknown component is logged with `op` and gives 0x10008.
+template <typename Wanted>
+Fcodes collectInstances(const char* op, const Json::Value* comp, const std::string& dataSet,
+                        const std::string& component, std::vector<std::string>& keys, Wanted&& wanted) {
+    if (!comp) {
+        DBG(DBG_ERROR) << op << ": No such name dataset=" << dataSet << " comp=" << component;
+        return FC_NO_SUCH_NAME;
+    }
+    keys.clear();
+    forEachInstance(*comp, [&](const std::string& key, const Json::Value& instance) {
+        if (wanted(key, instance))
+            keys.push_back(key);
+    });
+    return FC_OK;
+}
+
 // A value as text: strings bare, null empty, anything else as jsoncpp writes it.
 std::string valueText(const Json::Value& value) {
     if (value.isString())
@@ -49,14 +66,8 @@ Fcodes DataSets::getProperties(const std::string& dataSet, const std::string& co
 Fcodes DataSets::getInstances(const std::string& dataSet, const std::string& component,
                               std::vector<std::string>& keys) {
     return guarded("getInstances", [&] {
-        const Json::Value* comp = committedComponent(dataSet, component);
-        if (!comp) {
-            DBG(DBG_ERROR) << "getInstances: No such name dataset=" << dataSet << " comp=" << component;
-            return FC_NO_SUCH_NAME;
-        }
-        keys.clear();
-        forEachInstance(*comp, [&](const std::string& key, const Json::Value&) { keys.push_back(key); });
-        return FC_OK;
+        return collectInstances("getInstances", committedComponent(dataSet, component), dataSet, component, keys,
+                                [](const std::string&, const Json::Value&) { return true; });
     });
 }
 
@@ -64,53 +75,32 @@ Fcodes DataSets::getInstancesByParameter(const std::string& dataSet, const std::
                                          const std::string& property, const std::string& value,
                                          std::vector<std::string>& keys) {
     return guarded("getInstancesByParameter", [&] {
-        const Json::Value* comp = committedComponent(dataSet, component);
-        if (!comp) {
-            DBG(DBG_ERROR) << "getInstancesByParameter: No such name dataset=" << dataSet << " comp=" << component;
-            return FC_NO_SUCH_NAME;
-        }
-        keys.clear();
-        forEachInstance(*comp, [&](const std::string& key, const Json::Value& instance) {
-            const Json::Value* found = member(instance, property);
-            if (found && found->isString() && found->asString() == value)
-                keys.push_back(key);
-        });
-        return FC_OK;
+        return collectInstances("getInstancesByParameter", committedComponent(dataSet, component), dataSet, component,
+                                keys, [&](const std::string&, const Json::Value& instance) {
+                                    const Json::Value* found = member(instance, property);
+                                    return found && found->isString() && found->asString() == value;
+                                });
     });
 }
 
 Fcodes DataSets::getInstancesByParameter(const std::string& dataSet, const std::string& component,
                                          const std::string& property, int value, std::vector<std::string>& keys) {
     return guarded("getInstancesByParameter", [&] {
-        const Json::Value* comp = committedComponent(dataSet, component);
-        if (!comp) {
-            DBG(DBG_ERROR) << "getInstancesByParameter: No such name dataset=" << dataSet << " comp=" << component;
-            return FC_NO_SUCH_NAME;
-        }
-        keys.clear();
-        forEachInstance(*comp, [&](const std::string& key, const Json::Value& instance) {
-            const Json::Value* found = member(instance, property);
-            if (found && found->isInt() && found->asInt() == value)
-                keys.push_back(key);
-        });
-        return FC_OK;
+        return collectInstances("getInstancesByParameter", committedComponent(dataSet, component), dataSet, component,
+                                keys, [&](const std::string&, const Json::Value& instance) {
+                                    const Json::Value* found = member(instance, property);
+                                    return found && found->isInt() && found->asInt() == value;
+                                });
     });
 }
 
 Fcodes DataSets::getInstancesByKey(const std::string& dataSet, const std::string& component,
                                    const std::string& keyPrefix, std::vector<std::string>& keys) {
     return guarded("getInstancesByKey", [&] {
-        const Json::Value* comp = committedComponent(dataSet, component);
-        if (!comp) {
-            DBG(DBG_ERROR) << "getInstancesByKey: No such name dataset=" << dataSet << " comp=" << component;
-            return FC_NO_SUCH_NAME;
-        }
-        keys.clear();
-        forEachInstance(*comp, [&](const std::string& key, const Json::Value&) {
-            if (key.compare(0, keyPrefix.size(), keyPrefix) == 0)
-                keys.push_back(key);
-        });
-        return FC_OK;
+        return collectInstances("getInstancesByKey", committedComponent(dataSet, component), dataSet, component, keys,
+                                [&](const std::string& key, const Json::Value&) {
+                                    return key.compare(0, keyPrefix.size(), keyPrefix) == 0;
+                                });
     });
 }
 

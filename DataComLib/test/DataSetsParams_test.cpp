@@ -210,14 +210,20 @@ TEST(DataSetsParams, KeyAndIndexAddressing) {
 TEST(DataSetsParams, TouchAndUntouch) {
     DataSets store;
     ASSERT_TRUE(dstest::loadChannelDoc(store));
+    ASSERT_EQ(store.setIntParam(kSet, "Targets", "Port", 77, 1), FC_OK);
     ASSERT_EQ(store.touchComponent(kSet, "Targets"), FC_OK);
+    int port = 0;
+    EXPECT_EQ(store.getNewIntParam(kSet, "Targets", "Port", port, 1), FC_OK);
+    EXPECT_EQ(port, 77) << "touching keeps a pending edit";
     EXPECT_TRUE(store.isChangedInstance(kSet, "Targets", 0));
     EXPECT_EQ(store.touchComponent(kSet, "Nope"), FC_NO_SUCH_NAME);
     ASSERT_EQ(store.untouchComponent(kSet, "Targets"), FC_OK);
     EXPECT_FALSE(store.isChanged());
 
+    ASSERT_EQ(store.setIntParam(kSet, kChan, "Mode", 7, "HEVC"), FC_OK);
     ASSERT_EQ(store.touchDataSet(kSet), FC_OK);
     EXPECT_TRUE(store.isChangedProperty(kSet, kChan, "Mode", "H.264"));
+    EXPECT_EQ(pendingInt(store, "Mode", "HEVC"), 7) << "touching keeps a pending edit";
     ASSERT_EQ(store.untouchDataSet(kSet), FC_OK);
     EXPECT_FALSE(store.isChanged());
 
