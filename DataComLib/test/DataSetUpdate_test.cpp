@@ -3,6 +3,7 @@
 #include "DataSetsTestSupport.h"
 
 using dstest::LogCapture;
+using dstest::valueAt;
 using dstest::writeText;
 
 namespace {
@@ -41,16 +42,6 @@ protected:
         ASSERT_EQ(store.loadDataSet("/data/settings/saved.json"), FC_OK);
         ASSERT_EQ(store.loadDataSet("Default Dataset", "/etc/sysmgt/defaults.json"), FC_OK);
     }
-    int intAt(const std::string& comp, const std::string& prop, int index) {
-        int value = -1;
-        EXPECT_EQ(store.getIntParam("ChannelDataSet", comp, prop, value, index), FC_OK) << comp << " " << prop;
-        return value;
-    }
-    std::string textAt(const std::string& comp, const std::string& prop, const std::string& key) {
-        std::string value = "?";
-        EXPECT_EQ(store.getTextParam("ChannelDataSet", comp, prop, value, key), FC_OK) << comp << " " << prop;
-        return value;
-    }
     DataSets store;
 };
 
@@ -61,26 +52,20 @@ TEST_F(DataSetUpdate, AddsTypedDefaultsKeepsValuesAndRemovesExtras) {
     ASSERT_EQ(store.updateDataSet("ChannelDataSet", "Default Dataset", false, true, false), FC_OK);
     const std::string lines = log.take();
 
-    EXPECT_EQ(textAt("Chan", "Name", "A"), "mine") << "existing values are kept";
-    EXPECT_EQ(textAt("Chan", "Gain", "A"), "9") << "an instance that holds the value keeps it";
-    EXPECT_EQ(textAt("Chan", "Gain", "B"), "5");
-    int gain = 0;
-    EXPECT_EQ(store.getIntParam("ChannelDataSet", "Chan", "Gain", gain, "B"), FC_OK) << "numeric text -> integer";
-    bool on = false;
-    EXPECT_EQ(store.getBoolParam("ChannelDataSet", "Chan", "On", on, "B"), FC_OK);
-    EXPECT_TRUE(on) << "text \"true\" -> boolean";
+    EXPECT_EQ(valueAt<std::string>(store, "Chan", "Name", "A"), "mine") << "existing values are kept";
+    EXPECT_EQ(valueAt<std::string>(store, "Chan", "Gain", "A"), "9") << "an instance that holds the value keeps it";
+    EXPECT_EQ(valueAt<int>(store, "Chan", "Gain", "B"), 5) << "numeric text default -> integer";
+    EXPECT_TRUE(valueAt<bool>(store, "Chan", "On", "B")) << "text \"true\" -> boolean";
     EXPECT_EQ(store.setBoolParam("ChannelDataSet", "Chan", "On", false, "A"), FC_OK) << "stored as a JSON boolean";
     EXPECT_FALSE(store.hasInstance("ChannelDataSet", "Chan", ""));
 
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(intAt("Targets", "Ttl", i), 16) << "index " << i;
-        EXPECT_EQ(intAt("Targets", "Port", i), 10 + i) << "index " << i;
+        EXPECT_EQ(valueAt<int>(store, "Targets", "Ttl", i), 16) << "index " << i;
+        EXPECT_EQ(valueAt<int>(store, "Targets", "Port", i), 10 + i) << "index " << i;
     }
-    std::string proto;
-    EXPECT_EQ(store.getTextParam("ChannelDataSet", "Targets", "Proto", proto, 2), FC_OK);
-    EXPECT_EQ(proto, "UDP");
-    EXPECT_EQ(textAt("Device", "Serial", ""), "none");
-    EXPECT_EQ(textAt("Device", "Label", ""), "saved");
+    EXPECT_EQ(valueAt<std::string>(store, "Targets", "Proto", 2), "UDP");
+    EXPECT_EQ(valueAt<std::string>(store, "Device", "Serial", ""), "none");
+    EXPECT_EQ(valueAt<std::string>(store, "Device", "Label", ""), "saved");
     EXPECT_TRUE(store.hasInstance("ChannelDataSet", "New", 0)) << "a new component comes with its values";
 
     int legacy = 0;
@@ -109,16 +94,14 @@ TEST_F(DataSetUpdate, FlagsAndFailures) {
     EXPECT_EQ(store.getIntParam("ChannelDataSet", "Chan", "Legacy", legacy, "A"), FC_OK) << "extras kept";
     std::string found;
     EXPECT_EQ(store.findDataSetWithComponent(found, "Old"), FC_OK);
-    EXPECT_EQ(textAt("Device", "Label", ""), "saved");
-    std::string serial;
-    EXPECT_EQ(store.getTextParam("ChannelDataSet", "Device", "Serial", serial, ""), FC_NO_SUCH_NAME)
+    EXPECT_EQ(store.getTextParam("ChannelDataSet", "Device", "Serial", found, ""), FC_NO_SUCH_NAME)
         << "addMissing false adds no property";
     EXPECT_TRUE(store.hasInstance("ChannelDataSet", "New", 0)) << "missing components always come";
 
     EXPECT_FALSE(store.hasInstance("ChannelDataSet", "Empty", "k"));
     ASSERT_EQ(store.updateDataSet("ChannelDataSet", "Default Dataset", true, false, true), FC_OK);
     EXPECT_TRUE(store.hasInstance("ChannelDataSet", "Empty", "k")) << "instances taken where the source had none";
-    EXPECT_EQ(textAt("Chan", "Name", "A"), "mine") << "existing instances are never replaced";
+    EXPECT_EQ(valueAt<std::string>(store, "Chan", "Name", "A"), "mine") << "existing instances are never replaced";
 
     ASSERT_EQ(store.storeDataSet("ChannelDataSet", "/data/settings/before.json"), FC_OK);
     EXPECT_EQ(store.updateDataSet("ChannelDataSet", "Nope", false, true, false), FC_NO_SUCH_NAME);

@@ -5,23 +5,12 @@
 #include "DataSetsTestSupport.h"
 
 using dstest::LogCapture;
+using dstest::valueAt;
 
 namespace {
 
 const std::string kSet = "ChannelDataSet";
 const std::string kChan = "ChannelsTable";
-
-int committedInt(DataSets& store, const std::string& prop, const std::string& key) {
-    int value = -1;
-    EXPECT_EQ(store.getIntParam(kSet, kChan, prop, value, key), FC_OK) << prop << " " << key;
-    return value;
-}
-
-int pendingInt(DataSets& store, const std::string& prop, const std::string& key) {
-    int value = -1;
-    EXPECT_EQ(store.getNewIntParam(kSet, kChan, prop, value, key), FC_OK) << prop << " " << key;
-    return value;
-}
 
 }  // namespace
 
@@ -31,12 +20,10 @@ TEST(DataSetsParams, CommittedAndPendingReadsAcrossSetCommitRollback) {
     EXPECT_FALSE(store.isChanged());
 
     ASSERT_EQ(store.setIntParam(kSet, kChan, "Bitrate", 9000, "HEVC"), FC_OK);
-    EXPECT_EQ(committedInt(store, "Bitrate", "HEVC"), 6000);
-    EXPECT_EQ(pendingInt(store, "Bitrate", "HEVC"), 9000);
-    EXPECT_EQ(pendingInt(store, "Bitrate", "H.264"), 8000) << "no pending value: the committed one";
-    EXPECT_TRUE(store.isChanged());
-    EXPECT_TRUE(store.isChangedDataSet(kSet));
-    EXPECT_TRUE(store.isChangedComponent(kSet, kChan));
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC"), 6000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC", true), 9000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "H.264", true), 8000) << "nothing pending: the committed value";
+    EXPECT_TRUE(store.isChanged() && store.isChangedDataSet(kSet) && store.isChangedComponent(kSet, kChan));
     EXPECT_TRUE(store.isChangedInstance(kSet, kChan, "HEVC"));
     EXPECT_FALSE(store.isChangedInstance(kSet, kChan, "H.264"));
     EXPECT_TRUE(store.isChangedProperty(kSet, kChan, "Bitrate", "HEVC"));
@@ -46,19 +33,17 @@ TEST(DataSetsParams, CommittedAndPendingReadsAcrossSetCommitRollback) {
     ASSERT_EQ(store.storeDataSet(kSet, "/data/settings/uncommitted.json"), FC_OK);
     DataSets reloaded;
     ASSERT_EQ(reloaded.loadDataSet("/data/settings/uncommitted.json"), FC_OK);
-    int saved = -1;
-    EXPECT_EQ(reloaded.getIntParam(kSet, kChan, "Bitrate", saved, "HEVC"), FC_OK);
-    EXPECT_EQ(saved, 6000);
+    EXPECT_EQ(valueAt<int>(reloaded, kChan, "Bitrate", "HEVC"), 6000);
 
     ASSERT_EQ(store.commit(), FC_OK);
-    EXPECT_EQ(committedInt(store, "Bitrate", "HEVC"), 9000);
-    EXPECT_EQ(pendingInt(store, "Bitrate", "HEVC"), 9000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC"), 9000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC", true), 9000);
     EXPECT_FALSE(store.isChanged());
 
     ASSERT_EQ(store.setIntParam(kSet, kChan, "Bitrate", 100, "HEVC"), FC_OK);
     ASSERT_EQ(store.rollback(), FC_OK);
-    EXPECT_EQ(committedInt(store, "Bitrate", "HEVC"), 9000);
-    EXPECT_EQ(pendingInt(store, "Bitrate", "HEVC"), 9000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC"), 9000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC", true), 9000);
     EXPECT_FALSE(store.isChanged());
 
     // Component-wise commit and rollback touch only their component.
@@ -66,44 +51,32 @@ TEST(DataSetsParams, CommittedAndPendingReadsAcrossSetCommitRollback) {
     ASSERT_EQ(store.setIntParam(kSet, "Device", "Port", 6000, ""), FC_OK);
     ASSERT_EQ(store.commitComponent(kSet, "Device"), FC_OK);
     EXPECT_FALSE(store.isChangedComponent(kSet, "Device"));
-    EXPECT_TRUE(store.isChangedComponent(kSet, kChan));
-    int port = 0;
-    EXPECT_EQ(store.getIntParam(kSet, "Device", "Port", port, ""), FC_OK);
-    EXPECT_EQ(port, 6000);
+    EXPECT_EQ(valueAt<int>(store, "Device", "Port", ""), 6000);
     ASSERT_EQ(store.rollbackComponent(kSet, kChan), FC_OK);
     EXPECT_FALSE(store.isChanged());
-    EXPECT_EQ(committedInt(store, "Bitrate", "HEVC"), 9000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "HEVC"), 9000);
 }
 
 TEST(DataSetsParams, InitWritesCommittedAndLeavesPendingAlone) {
     DataSets store;
     ASSERT_TRUE(dstest::loadChannelDoc(store));
-    ASSERT_EQ(store.initIntParam(kSet, kChan, "Bitrate", 7000, "H.264"), FC_OK);
-    EXPECT_EQ(committedInt(store, "Bitrate", "H.264"), 7000);
-    EXPECT_FALSE(store.isChanged());
-
     ASSERT_EQ(store.setIntParam(kSet, kChan, "Bitrate", 5000, "H.264"), FC_OK);
     ASSERT_EQ(store.initIntParam(kSet, kChan, "Bitrate", 3000, "H.264"), FC_OK);
-    EXPECT_EQ(committedInt(store, "Bitrate", "H.264"), 3000);
-    EXPECT_EQ(pendingInt(store, "Bitrate", "H.264"), 5000) << "init leaves the pending value";
     ASSERT_EQ(store.initTextParam(kSet, kChan, "Name", "renamed", "H.264"), FC_OK);
     ASSERT_EQ(store.initBoolParam(kSet, kChan, "Enabled", false, "H.264"), FC_OK);
-    std::string name;
-    bool enabled = true;
-    EXPECT_EQ(store.getTextParam(kSet, kChan, "Name", name, "H.264"), FC_OK);
-    EXPECT_EQ(store.getBoolParam(kSet, kChan, "Enabled", enabled, "H.264"), FC_OK);
-    EXPECT_EQ(name, "renamed");
-    EXPECT_FALSE(enabled);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "H.264"), 3000);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Bitrate", "H.264", true), 5000) << "init leaves the pending value";
+    EXPECT_EQ(valueAt<std::string>(store, kChan, "Name", "H.264"), "renamed");
+    EXPECT_FALSE(valueAt<bool>(store, kChan, "Enabled", "H.264"));
     EXPECT_FALSE(store.isChangedProperty(kSet, kChan, "Name", "H.264"));
 }
 
 // Each row: an operation on a fresh store, the code it must give, a text the
-// log must hold, and whether the pending overlay may have changed.
+// log must hold, and whether a value is pending afterwards.
 TEST(DataSetsParams, TypeAndEnumerationChecks) {
-    using Op = std::function<Fcodes(DataSets&)>;
     struct Row {
         const char* name;
-        Op op;
+        std::function<Fcodes(DataSets&)> op;
         Fcodes expected;
         const char* logged;
         bool pendingAfter;
@@ -121,12 +94,12 @@ TEST(DataSetsParams, TypeAndEnumerationChecks) {
          "wrong expected type:\"string\"", false},
         {"bool into string", [&](DataSets& s) { return s.setBoolParam(kSet, kChan, "Name", true, hevc); },
          FC_WRONG_TYPE, "setBoolParam: dataset=", false},
-        {"text into integer", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Bitrate", "7000", hevc); }, FC_OK,
-         "set as int=7000", true},
+        {"text into integer", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Bitrate", "-12", hevc); }, FC_OK,
+         "set as int=-12", true},
         {"bad text into integer", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Bitrate", "7k", hevc); },
          FC_BAD_VALUE, "", false},
-        {"text into boolean", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Enabled", "true", hevc); }, FC_OK,
-         "set as bool=true", true},
+        {"text into boolean", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Enabled", "yes", hevc); }, FC_OK,
+         "set as bool=false", true},
         {"text enum member", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Profile", "High", hevc); }, FC_OK,
          "", true},
         {"text int-enum member", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Mode", "7", hevc); }, FC_OK, "",
@@ -159,39 +132,29 @@ TEST(DataSetsParams, TypeAndEnumerationChecks) {
         EXPECT_NE(log.take().find(row.logged), std::string::npos) << row.name;
         EXPECT_EQ(store.isChanged(), row.pendingAfter) << row.name;
     }
-
     DataSets store;
     ASSERT_TRUE(dstest::loadChannelDoc(store));
-    ASSERT_EQ(store.setTextParam(kSet, kChan, "Bitrate", "-12", "HEVC"), FC_OK);
-    ASSERT_EQ(store.setTextParam(kSet, kChan, "Enabled", "yes", "H.264"), FC_OK);
-    EXPECT_EQ(pendingInt(store, "Bitrate", "HEVC"), -12);
-    bool enabled = true;
-    EXPECT_EQ(store.getNewBoolParam(kSet, kChan, "Enabled", enabled, "H.264"), FC_OK);
-    EXPECT_FALSE(enabled) << "only the text \"true\" is true";
-    std::string text;
-    EXPECT_EQ(store.getTextParam(kSet, kChan, "Bitrate", text, "HEVC"), FC_OK);
-    EXPECT_EQ(text, "6000");
+    ASSERT_EQ(store.setTextParam(kSet, kChan, "Mode", "7", "HEVC"), FC_OK);
+    EXPECT_EQ(valueAt<int>(store, kChan, "Mode", "HEVC", true), 7) << "stored as the enumeration's integer";
+    EXPECT_EQ(valueAt<std::string>(store, kChan, "Bitrate", "HEVC"), "6000");
 }
 
 TEST(DataSetsParams, KeyAndIndexAddressing) {
     DataSets store;
     ASSERT_TRUE(dstest::loadChannelDoc(store));
-    std::string label;
-    EXPECT_EQ(store.getTextParam(kSet, "Device", "Label", label, ""), FC_OK);
-    EXPECT_EQ(label, "encoder");
+    EXPECT_EQ(valueAt<std::string>(store, "Device", "Label", ""), "encoder");
+    std::string text;
     {
         LogCapture log;
-        EXPECT_EQ(store.getTextParam(kSet, "Device", "Label", label, 0), FC_NO_SUCH_NAME);
+        EXPECT_EQ(store.getTextParam(kSet, "Device", "Label", text, 0), FC_NO_SUCH_NAME);
         EXPECT_NE(log.take().find("param=Label ind=0 No such name."), std::string::npos);
     }
     EXPECT_EQ(store.setTextParam(kSet, "Device", "Label", "x", 0), FC_NO_SUCH_NAME);
-    EXPECT_EQ(store.getTextParam(kSet, kChan, "Name", label, ""), FC_NO_SUCH_NAME) << "keyed component, no single";
+    EXPECT_EQ(store.getTextParam(kSet, kChan, "Name", text, ""), FC_NO_SUCH_NAME) << "keyed component, no single";
 
-    std::string address;
-    EXPECT_EQ(store.getTextParam(kSet, "Targets", "Address", address, 1), FC_OK);
-    EXPECT_EQ(address, "127.0.0.1");
-    EXPECT_EQ(store.getTextParam(kSet, "Targets", "Address", address, "1"), FC_NO_SUCH_NAME);
-    EXPECT_EQ(store.getTextParam(kSet, "Targets", "Address", address, 2), FC_NO_SUCH_NAME);
+    EXPECT_EQ(valueAt<std::string>(store, "Targets", "Address", 1), "127.0.0.1");
+    EXPECT_EQ(store.getTextParam(kSet, "Targets", "Address", text, "1"), FC_NO_SUCH_NAME);
+    EXPECT_EQ(store.getTextParam(kSet, "Targets", "Address", text, 2), FC_NO_SUCH_NAME);
 
     ASSERT_EQ(store.setIntParam(kSet, "Targets", "Port", 6000, 1), FC_OK);
     EXPECT_TRUE(store.isChangedInstance(kSet, "Targets", 1));
@@ -200,11 +163,8 @@ TEST(DataSetsParams, KeyAndIndexAddressing) {
     ASSERT_EQ(store.setTextParam(kSet, "Device", "Label", "renamed", ""), FC_OK);
     EXPECT_TRUE(store.isChangedInstance(kSet, "Device", ""));
     ASSERT_EQ(store.commit(), FC_OK);
-    int port = 0;
-    EXPECT_EQ(store.getIntParam(kSet, "Targets", "Port", port, 1), FC_OK);
-    EXPECT_EQ(port, 6000);
-    EXPECT_EQ(store.getTextParam(kSet, "Device", "Label", label, ""), FC_OK);
-    EXPECT_EQ(label, "renamed");
+    EXPECT_EQ(valueAt<int>(store, "Targets", "Port", 1), 6000);
+    EXPECT_EQ(valueAt<std::string>(store, "Device", "Label", ""), "renamed");
 }
 
 TEST(DataSetsParams, TouchAndUntouch) {
@@ -212,10 +172,8 @@ TEST(DataSetsParams, TouchAndUntouch) {
     ASSERT_TRUE(dstest::loadChannelDoc(store));
     ASSERT_EQ(store.setIntParam(kSet, "Targets", "Port", 77, 1), FC_OK);
     ASSERT_EQ(store.touchComponent(kSet, "Targets"), FC_OK);
-    int port = 0;
-    EXPECT_EQ(store.getNewIntParam(kSet, "Targets", "Port", port, 1), FC_OK);
-    EXPECT_EQ(port, 77) << "touching keeps a pending edit";
     EXPECT_TRUE(store.isChangedInstance(kSet, "Targets", 0));
+    EXPECT_EQ(valueAt<int>(store, "Targets", "Port", 1, true), 77) << "touching keeps a pending edit";
     EXPECT_EQ(store.touchComponent(kSet, "Nope"), FC_NO_SUCH_NAME);
     ASSERT_EQ(store.untouchComponent(kSet, "Targets"), FC_OK);
     EXPECT_FALSE(store.isChanged());
@@ -223,14 +181,14 @@ TEST(DataSetsParams, TouchAndUntouch) {
     ASSERT_EQ(store.setIntParam(kSet, kChan, "Mode", 7, "HEVC"), FC_OK);
     ASSERT_EQ(store.touchDataSet(kSet), FC_OK);
     EXPECT_TRUE(store.isChangedProperty(kSet, kChan, "Mode", "H.264"));
-    EXPECT_EQ(pendingInt(store, "Mode", "HEVC"), 7) << "touching keeps a pending edit";
+    EXPECT_EQ(valueAt<int>(store, kChan, "Mode", "HEVC", true), 7) << "touching keeps a pending edit";
     ASSERT_EQ(store.untouchDataSet(kSet), FC_OK);
     EXPECT_FALSE(store.isChanged());
 
     ASSERT_EQ(store.setIntParam(kSet, kChan, "Bitrate", 1, "HEVC"), FC_OK);
     ASSERT_EQ(store.setIntParam(kSet, "Targets", "Port", 1, 0), FC_OK);
     ASSERT_EQ(store.untouchProperty(kSet, kChan, "Bitrate", "HEVC"), FC_OK);
-    EXPECT_FALSE(store.isChangedComponent(kSet, kChan)) << "emptied component leaves the overlay";
+    EXPECT_FALSE(store.isChangedComponent(kSet, kChan)) << "an emptied component leaves the overlay";
     ASSERT_EQ(store.untouchProperty(kSet, "Targets", "Port", 0), FC_OK);
     EXPECT_FALSE(store.isChanged());
 }

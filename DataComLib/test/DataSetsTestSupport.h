@@ -6,6 +6,9 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <type_traits>
+
+#include <gtest/gtest.h>
 
 #include "DataSets.h"
 #include "DbgPrintClient.h"
@@ -59,6 +62,23 @@ inline std::string readText(const std::string& logicalPath) {
 inline bool loadChannelDoc(DataSets& store, const std::string& path = "/etc/sysmgt/channel_test.json") {
     writeText(path, kChannelDoc);
     return store.loadDataSet(path) == FC_OK;
+}
+
+// The committed (or, with `pending`, the newest) value of a parameter of
+// "ChannelDataSet"; a failed read fails the test, naming the parameter.
+template <typename T, typename Selector>
+T valueAt(DataSets& s, const std::string& comp, const std::string& prop, Selector sel, bool pending = false) {
+    const std::string set = "ChannelDataSet";
+    T value{};
+    Fcodes code;
+    if constexpr (std::is_same_v<T, int>)
+        code = pending ? s.getNewIntParam(set, comp, prop, value, sel) : s.getIntParam(set, comp, prop, value, sel);
+    else if constexpr (std::is_same_v<T, bool>)
+        code = pending ? s.getNewBoolParam(set, comp, prop, value, sel) : s.getBoolParam(set, comp, prop, value, sel);
+    else
+        code = pending ? s.getNewTextParam(set, comp, prop, value, sel) : s.getTextParam(set, comp, prop, value, sel);
+    EXPECT_EQ(code, FC_OK) << comp << "/" << prop << (pending ? " (pending)" : "");
+    return value;
 }
 
 // Points the process-wide debug log at a pipe of the test while it lives.

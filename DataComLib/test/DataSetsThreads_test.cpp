@@ -59,7 +59,6 @@ TEST(DataSetsThreads, ReaderAndWriterAreSerialised) {
                 odd++;
             if (code != FC_OK)
                 failures++;
-            store->isChangedInstance(kSet, kChan, "HEVC");
         }
     });
     writer.join();
