@@ -15,14 +15,16 @@
 // "instances", key or index, property). Reads never modify either tree.
 //
 // Locking: one recursive mutex guards both trees; every public operation holds
-// it for its whole run, so the data holder's worker and the messaging threads
-// are serialised. It is recursive so that callers may bracket several
-// operations with lock()/unlock().
+// it while it touches them (file reading and writing happen outside it), so the
+// data holder's worker and the messaging threads are serialised. It is
+// recursive so that callers may bracket several operations with lock()/unlock().
 //
-// Failures: 0x10008 unknown names, 0x10010 type mismatches, 0x10020 values
-// outside an enumeration, 0x10002 a document that cannot be parsed or a
-// jsoncpp exception (logged with the operation's name), 0x10100 a store that
-// could not be written. A failing operation leaves both trees as they were.
+// Failures: 0x10008 unknown names, 0x10010 type mismatches, 0x10020 a value
+// outside an enumeration, a text that is no integer or a name that exists
+// already, 0x10002 a document that cannot be parsed or a jsoncpp exception
+// (logged with the operation's name), 0x10100 a store that could not be
+// written. A failing operation leaves both trees as they were, except that an
+// update keeps the changes it made before it failed.
 class DataSets : public IDataSets {
 public:
     DataSets();
