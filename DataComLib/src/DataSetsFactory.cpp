@@ -1,0 +1,7 @@
+#include "DataSetsFactory.h"
+
+#include "DataSets.h"
+
+IDataSets* DataSetsFactory::createDataSets() {
+    return new DataSets();
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "IDataSetFactory.h"
+
+// The production factory: makes a `DataSets` store.
+class DataSetsFactory : public IDataSetFactory {
+public:
+    IDataSets* createDataSets() override;
+};
