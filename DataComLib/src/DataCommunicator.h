@@ -16,6 +16,7 @@
 #include "MessageHeader.h"
 
 class IDataHolder;
+class LocalAddress;
 
 // What requestGetParam does with its Item: read the value, or write the value
 // it carries (a "SET") and read back the value now pending.
@@ -77,8 +78,9 @@ public:
 
     // Starts the server thread. No thread runs when its creation fails.
     void start();
-    // Ends the server thread and waits for it. The appliance's daemons never
-    // stop theirs; orderly shutdown and tests do. Not called on the server thread.
+    // Ends the server thread and waits for it; the receive socket receives no
+    // more. The appliance's daemons never stop theirs; orderly shutdown and
+    // tests do. Not called on the server thread.
     void stop();
     // Appends a subscriber's receive-socket path, moving a repeated one to the end.
     void subscribe(const std::string& sockName);
@@ -137,8 +139,7 @@ private:
     static void* work(void* self);
     void doWork();
     // Sends the reply, or the NACK refusal when treatment failed.
-    void answer(const MessageHeader& request, const std::string& body, const sockaddr* to, socklen_t toLen,
-                const std::string& senderPath);
+    void answer(MessageHeader& request, const std::string& body, const LocalAddress& sender);
     Fcodes makeSocket(int& sock, const std::string& path, const char* createFailure);
     // One data request and the check of its reply; `op` names the log lines.
     Fcodes exchangeItem(const char* op, const std::string& peer, const char* type, const std::string& body,
@@ -163,9 +164,11 @@ private:
     mutable std::mutex observersMutex;
     std::vector<std::string> observers;
 
+    // Both sockets have their 1-second receive time-out (set by init).
+    bool receivesBounded = false;
+
     pthread_t serverThread{};
     bool serverRunning = false;
-    int wakeFd = -1;  // written by stop() to end the server loop
     std::atomic<bool> stopping{false};
 
     static std::atomic<uint32_t> requestCounter;

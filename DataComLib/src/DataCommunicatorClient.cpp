@@ -19,7 +19,6 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
         DBG(DBG_ERROR) << "sendRequest: Error in sending to sock:" << peer << " (path too long)";
         return FC_COMM_ERROR;
     }
-    const std::string peerPath = peerAddress.path();  // senders are seen by their host path
 
     Fcodes result = FC_COMM_ERROR;
     std::string storedHeader, storedSender;
@@ -61,13 +60,13 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
             }
             if (sender.nothingReceived())
                 continue;  // the wait ended without a datagram: wait again
-            const std::string senderPath = sender.path();
-            if (senderPath == peerPath && reply.ID == request.ID) {
+            if (reply.ID == request.ID && sender.hasSamePath(peerAddress)) {
                 result = FC_OK;
                 break;
             }
-            DBG(DBG_WARN) << "sendRequest: Responder=" << senderPath << "!=" << peerPath << " or respID=" << reply.ID
-                          << "!=" << request.ID << " retries left=" << tries;
+            const std::string senderPath = sender.path();
+            DBG(DBG_WARN) << "sendRequest: Responder=" << senderPath << "!=" << peerAddress.path()
+                          << " or respID=" << reply.ID << "!=" << request.ID << " retries left=" << tries;
             const std::string strayHeader = headerText(reply);
             storeResponse(reply.ID, strayHeader, replyBody, senderPath);
             DBG(DBG_SYS) << "sendRequest: **** stored in history *** id=" << reply.ID << " sender=" << senderPath

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/socket.h>
+#include <sys/types.h>
+
 #include <string>
 
 #include "MessageHeader.h"
@@ -13,6 +16,21 @@ enum class WaitResult { Readable, NotReadable, TimedOut, Failed };
 // (whole seconds; 0 without limit, the all-ones value not at all). An
 // interrupting signal does not end the wait early. On Failed, errno tells why.
 WaitResult waitReadable(int fd, unsigned timeoutSec);
+// The same in milliseconds, -1 without limit.
+WaitResult waitReadableMillis(int fd, int millis);
+// Waits for and receives one datagram with the same convention, leaving it in
+// the calling thread's receive buffer; `readSize` is recvfrom's result.
+// `oneSecondReceives`: the socket's receive time-out is one second, so a
+// blocking receive may do the waiting. On Failed, errno tells why.
+WaitResult receiveWithin(int sock, sockaddr* from, socklen_t* fromLen, unsigned timeoutSec, bool oneSecondReceives,
+                         ssize_t& readSize);
+
+// Receives one datagram into the calling thread's receive buffer: its size,
+// or -1 with errno (EAGAIN: none queued, with MSG_DONTWAIT in `flags`).
+ssize_t receiveDatagram(int sock, sockaddr* from, socklen_t* fromLen, int flags);
+// Checks the size of the datagram the calling thread received last and
+// parses it into header and body, as readMsg describes.
+Fcodes parseDatagram(int sock, ssize_t readSize, MessageHeader& header, std::string& body);
 
 // The header's wire text, for log lines and the response history.
 inline std::string headerText(const MessageHeader& header) {

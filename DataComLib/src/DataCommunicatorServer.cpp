@@ -1,7 +1,7 @@
 // The server thread: the receive loop, the dispatch of requests, events and
 // late replies, subscriptions and notifications, and the response history.
-#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -33,20 +33,6 @@ bool isReplyType(const std::string& type) {
     return type == msgtype::ACK || type == msgtype::NACK || type == msgtype::RESPONSE || type == msgtype::NO_REPLY;
 }
 
-// The server loop's wait: up to 10 seconds on the receive socket, ended at
-// once by stop() through the wake descriptor.
-enum class ServerWait { Message, Idle, Failed, Stop };
-
-ServerWait waitForMessage(int receiveSocket, int wakeFd) {
-    pollfd entries[2] = {{receiveSocket, POLLIN, 0}, {wakeFd, POLLIN, 0}};
-    int ready = poll(entries, 2, 10 * 1000);
-    if (ready < 0)
-        return errno == EINTR ? ServerWait::Idle : ServerWait::Failed;
-    if (entries[1].revents != 0)
-        return ServerWait::Stop;
-    return ready == 0 ? ServerWait::Idle : ServerWait::Message;
-}
-
 }  // namespace
 
 void DataCommunicator::start() {
@@ -63,14 +49,10 @@ void DataCommunicator::stop() {
     if (!serverRunning)
         return;
     stopping = true;
-    const uint64_t one = 1;
-    ssize_t written = write(wakeFd, &one, sizeof one);
-    (void)written;  // the counter cannot overflow from one write
+    // Ends a receive that is waiting, and makes every later one return at once.
+    shutdown(receiveSocket, SHUT_RD);
     pthread_join(serverThread, nullptr);
     serverRunning = false;
-    uint64_t drained = 0;
-    ssize_t got = read(wakeFd, &drained, sizeof drained);
-    (void)got;  // leaves the wake descriptor ready for a later start()
 }
 
 void* DataCommunicator::work(void* self) {
@@ -86,24 +68,24 @@ void DataCommunicator::doWork() {
     std::string body;
     LocalAddress sender;
     while (!stopping) {
-        switch (waitForMessage(receiveSocket, wakeFd)) {
-            case ServerWait::Stop:
-                return;
-            case ServerWait::Idle:
-                continue;
-            case ServerWait::Failed:
-                DBG(DBG_ERROR) << "doWork: select failed before recv msg or event errno=" << errno;
-                sleep(1);
-                continue;
-            case ServerWait::Message:
-                break;
-        }
-
         header = MessageHeader();
         body.clear();
         sender.clearForReceive();
-        Fcodes code = readMsg(receiveSocket, header, body, sender.get(), &sender.length(), wire::REQUEST_TIMEOUT_SEC,
-                              wire::REQUEST_TRIES);
+        // The receive waits by itself: its time-out (one second) only brings
+        // the loop round again; stop() ends it at once.
+        ssize_t readSize = receiveDatagram(receiveSocket, sender.get(), &sender.length(), 0);
+        if (stopping)
+            return;
+        if (readSize < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR))
+            continue;
+        if (readSize < 0) {
+            DBG(DBG_ERROR) << "doWork: select failed before recv msg or event errno=" << errno;
+            sleep(1);
+            continue;
+        }
+        DBG(DBG_INFO) << "readMsg: recvfrom sock=" << receiveSocket << " senderlen=" << sender.length()
+                      << " readSize=" << readSize;
+        Fcodes code = parseDatagram(receiveSocket, readSize, header, body);
         if (!isOk(code)) {
             DBG(DBG_ERROR) << "doWork: readMsg failed from sock=" << sender.path() << " fcode=0x" << std::hex << code;
             DBG(DBG_ERROR) << "doWork: msg header:\n" << headerText(header);
@@ -124,37 +106,35 @@ void DataCommunicator::doWork() {
             DBG(DBG_SYS) << "doWork: **** stored in history *** id=" << header.ID << " sender=" << senderPath
                          << " msg=" << replyHeader;
         } else {
-            answer(header, body, sender.get(), sender.length(), sender.path());
+            answer(header, body, sender);
         }
     }
 }
 
-void DataCommunicator::answer(const MessageHeader& request, const std::string& body, const sockaddr* to,
-                              socklen_t toLen, const std::string& senderPath) {
-    MessageHeader requestHeader = request;
+void DataCommunicator::answer(MessageHeader& request, const std::string& body, const LocalAddress& sender) {
     MessageHeader replyHeader;
     thread_local std::string replyBody;
     replyBody.clear();
-    Fcodes code = treatMsg(requestHeader, body, replyHeader, replyBody);
+    Fcodes code = treatMsg(request, body, replyHeader, replyBody);
     if (isOk(code)) {
-        Fcodes sent = sendMessage(receiveSocket, replyHeader, replyBody, to, toLen, wire::REQUEST_TIMEOUT_SEC,
-                                  wire::REQUEST_TRIES);
+        Fcodes sent = sendMessage(receiveSocket, replyHeader, replyBody, sender.get(), sender.length(),
+                                  wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES);
         if (!isOk(sent))
-            DBG(DBG_ERROR) << "doWork: sending resp failed to sock=" << senderPath << " id=" << request.ID
+            DBG(DBG_ERROR) << "doWork: sending resp failed to sock=" << sender.path() << " id=" << request.ID
                            << " req=" << request.Type << " resp=" << replyHeader.Type << " fcode=0x" << std::hex
                            << sent;
         return;
     }
 
-    DBG(DBG_ERROR) << "doWork: treatMsg failed from sock=" << senderPath << " id=" << request.ID
+    DBG(DBG_ERROR) << "doWork: treatMsg failed from sock=" << sender.path() << " id=" << request.ID
                    << " req=" << request.Type << " fcode=0x" << std::hex << code;
     replyHeader.ID = request.ID;
     replyHeader.Type = msgtype::NACK;
     replyHeader.Size = 0;
     replyHeader.Fcode = code;
-    if (!isOk(sendMessage(receiveSocket, replyHeader, std::string(), to, toLen, wire::REQUEST_TIMEOUT_SEC,
-                          wire::REQUEST_TRIES)))
-        DBG(DBG_ERROR) << "doWork: response failed to sock=" << senderPath;
+    if (!isOk(sendMessage(receiveSocket, replyHeader, std::string(), sender.get(), sender.length(),
+                          wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES)))
+        DBG(DBG_ERROR) << "doWork: response failed to sock=" << sender.path();
     DBG(DBG_ERROR) << "doWork: response header:\n" << headerText(replyHeader);
     DBG(DBG_ERROR) << "doWork: response body:\n" << replyBody;
 }

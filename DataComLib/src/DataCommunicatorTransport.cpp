@@ -1,6 +1,5 @@
 // Socket set-up and the transfer primitives: one message per datagram.
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -20,28 +19,15 @@
 
 namespace {
 
-// Converts a time-out in whole seconds to poll's milliseconds: 0 waits
-// without limit, NO_WAIT not at all.
-int toPollMillis(unsigned timeoutSec) {
-    if (timeoutSec == wire::WAIT_FOREVER)
-        return -1;
-    if (timeoutSec == wire::NO_WAIT)
-        return 0;
-    return timeoutSec >= INT_MAX / 1000 ? INT_MAX : static_cast<int>(timeoutSec * 1000);
-}
-
-int64_t monotonicMillis() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
-}
-
-void setTimeouts(int sock) {
+// True when the receive time-out could be set.
+bool setTimeouts(int sock) {
     const timeval oneSecond{1, 0};
-    if (setsockopt(sock, SOL_SOCKET, SO_RCVTIMEO, &oneSecond, sizeof oneSecond) != 0)
+    bool receiveBounded = setsockopt(sock, SOL_SOCKET, SO_RCVTIMEO, &oneSecond, sizeof oneSecond) == 0;
+    if (!receiveBounded)
         DBG(DBG_ERROR) << "init: setsockopt SO_RCVTIMEO failed";
     if (setsockopt(sock, SOL_SOCKET, SO_SNDTIMEO, &oneSecond, sizeof oneSecond) != 0)
         DBG(DBG_ERROR) << "init: setsockopt SO_SNDTIMEO failed";
+    return receiveBounded;
 }
 
 [[noreturn]] void endProcess() {
@@ -52,35 +38,11 @@ void setTimeouts(int sock) {
 
 }  // namespace
 
-WaitResult waitReadable(int fd, unsigned timeoutSec) {
-    // A signal (the daemon's timers) must not turn into a failed wait: poll
-    // again for the time that is left.
-    const int total = toPollMillis(timeoutSec);
-    const int64_t deadline = total > 0 ? monotonicMillis() + total : 0;
-    int left = total;
-    for (;;) {
-        pollfd entry{fd, POLLIN, 0};
-        int ready = poll(&entry, 1, left);
-        if (ready > 0)
-            return (entry.revents & POLLIN) ? WaitResult::Readable : WaitResult::NotReadable;
-        if (ready == 0)
-            return WaitResult::TimedOut;
-        if (errno != EINTR)
-            return WaitResult::Failed;
-        if (total > 0) {
-            int64_t remaining = deadline - monotonicMillis();
-            left = remaining > 0 ? static_cast<int>(remaining) : 0;
-        }
-    }
-}
-
-DataCommunicator::DataCommunicator() {
-    wakeFd = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-}
+DataCommunicator::DataCommunicator() = default;
 
 DataCommunicator::~DataCommunicator() {
     stop();
-    for (int fd : {receiveSocket, sendSocket, wakeFd})
+    for (int fd : {receiveSocket, sendSocket})
         if (fd >= 0)
             close(fd);
 }
@@ -95,7 +57,7 @@ Fcodes DataCommunicator::makeSocket(int& sock, const std::string& path, const ch
     }
     const std::string hostPath = sysmgtPath(path);
     unlink(hostPath.c_str());
-    setTimeouts(sock);
+    receivesBounded = setTimeouts(sock) && receivesBounded;
     LocalAddress address;
     int bound =
         address.setHostPath(hostPath) ? bind(sock, address.get(), address.length()) : (errno = ENAMETOOLONG, -1);
@@ -113,6 +75,7 @@ void DataCommunicator::init(IDataHolder* holder, const std::string& receivePath,
     dataHolder = holder;
     sockName = receivePath;
     sendSockName = sendPath;
+    receivesBounded = true;
     if (!isOk(makeSocket(sendSocket, sendSockName, "init: Send Socket create failed")))
         endProcess();
     if (!isOk(makeSocket(receiveSocket, sockName, "init: Socket create failed")))
@@ -121,7 +84,9 @@ void DataCommunicator::init(IDataHolder* holder, const std::string& receivePath,
 
 Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
                                  unsigned timeoutSec, unsigned /*spare*/) {
-    switch (waitReadable(sock, timeoutSec)) {
+    ssize_t readSize = -1;
+    const bool ownSocket = sock == sendSocket || sock == receiveSocket;
+    switch (receiveWithin(sock, from, fromLen, timeoutSec, ownSocket && receivesBounded, readSize)) {
         case WaitResult::Failed:
             DBG(DBG_ERROR) << "readMsg: select failed errno=" << errno;
             return FC_COMM_ERROR;
@@ -133,44 +98,9 @@ Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& b
         case WaitResult::Readable:
             break;
     }
-
-    // One receive buffer per thread, reused: the largest message is refused,
-    // so the buffer is exactly the limit.
-    thread_local std::vector<char> buffer(wire::MAX_DATAGRAM);
-    thread_local std::string text;
-    ssize_t readSize = recvfrom(sock, buffer.data(), buffer.size(), 0, from, fromLen);
     DBG(DBG_INFO) << "readMsg: recvfrom sock=" << sock << " senderlen=" << (fromLen ? *fromLen : 0)
                   << " readSize=" << readSize;
-    if (readSize >= static_cast<ssize_t>(wire::MAX_DATAGRAM)) {
-        DBG(DBG_ERROR) << "readMsg: MAX header size=" << wire::MAX_DATAGRAM << " readSize=" << readSize;
-        return FC_COMM_ERROR;
-    }
-    if (readSize <= 0) {
-        DBG(DBG_ERROR) << "readMsg: read error from sock=" << sock << " errno=" << errno;
-        return FC_COMM_ERROR;
-    }
-    text.assign(buffer.data(), static_cast<size_t>(readSize));
-
-    thread_local std::string headerText;
-    int bodyFrom = getSegment(text, 0, wire::TAG_HEADER, headerText);
-    if (bodyFrom < 0) {
-        DBG(DBG_ERROR) << "readMsg: Not found tags HEADER in:\n" << text;
-        return FC_HEADER_ERROR;
-    }
-    DBG(DBG_INFO) << "readMsg: Msg Header:\n" << headerText;
-    Fcodes headerCode = header.initFromString(headerText);
-    if (!isOk(headerCode)) {
-        DBG(DBG_ERROR) << "readMsg: Header init failed from:\n" << headerText;
-        return headerCode | FC_OK;
-    }
-    if (header.Size < 1)
-        return FC_OK;
-    if (getSegment(text, bodyFrom, wire::TAG_BODY, body) < 0) {
-        DBG(DBG_ERROR) << "readMsg: Not found tags BODY in:\n" << text;
-        return headerCode | FC_BODY_ERROR;
-    }
-    DBG(DBG_INFO) << "readMsg: Msg Body:\n" << body;
-    return FC_OK;
+    return parseDatagram(sock, readSize, header, body);
 }
 
 Fcodes DataCommunicator::sendMessage(int sock, MessageHeader& header, const std::string& body, const sockaddr* to,

@@ -35,11 +35,19 @@ bool LocalAddress::nothingReceived() const {
     return addressLength == wire::SENDER_ADDR_SIZE && address.sun_family == 0;
 }
 
-std::string LocalAddress::path() const {
+size_t LocalAddress::pathLength() const {
     const size_t header = offsetof(sockaddr_un, sun_path);
     if (addressLength <= header)
-        return std::string();
+        return 0;
     const size_t room = addressLength - header;
-    return std::string(address.sun_path,
-                       strnlen(address.sun_path, room < sizeof address.sun_path ? room : sizeof address.sun_path));
+    return strnlen(address.sun_path, room < sizeof address.sun_path ? room : sizeof address.sun_path);
+}
+
+bool LocalAddress::hasSamePath(const LocalAddress& other) const {
+    const size_t length = pathLength();
+    return length == other.pathLength() && std::memcmp(address.sun_path, other.address.sun_path, length) == 0;
+}
+
+std::string LocalAddress::path() const {
+    return std::string(address.sun_path, pathLength());
 }

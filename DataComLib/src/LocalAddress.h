@@ -27,10 +27,14 @@ public:
     void clearForReceive();
     // True when nothing was received since clearForReceive.
     bool nothingReceived() const;
+    // True when both hold the same path (senders are seen by their host path).
+    bool hasSamePath(const LocalAddress& other) const;
     // The host path held, "" for an unnamed peer.
     std::string path() const;
 
 private:
+    size_t pathLength() const;
+
     sockaddr_un address;
     socklen_t addressLength;
 };
