@@ -79,16 +79,8 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
 
 Fcodes DataCommunicator::requestCommand(const std::string& peer, const std::string& commandText, std::string& replyBody,
                                         unsigned timeoutSec, unsigned tries) {
-    MessageHeader request;
-    request.ID = wire::PLACEHOLDER_REQUEST_ID;
-    request.Type = msgtype::COMMAND;
-    request.Fcode = FC_OK;
-    std::string body;
-    body.reserve(commandText.size() + 18);
-    body += "<BODY>\n\t";
-    body += commandText;
-    body += "\n</BODY>\n";
-    request.Size = static_cast<int32_t>(body.size());
+    const std::string body = "<BODY>\n\t" + commandText + "\n</BODY>\n";
+    MessageHeader request = outgoingHeader(msgtype::COMMAND, FC_OK, body);
 
     MessageHeader reply;
     Fcodes code = sendRequest(peer, request, body, reply, replyBody, timeoutSec, tries);
@@ -117,18 +109,10 @@ Fcodes DataCommunicator::requestSubscribe(const std::string& peer) {
 }
 
 Fcodes DataCommunicator::requestEvent(const std::string& peer, MessageEvent& event, unsigned delaySec, unsigned tries) {
-    MessageHeader header;
-    header.ID = wire::PLACEHOLDER_REQUEST_ID;
-    header.Type = msgtype::EVENT;
-    header.Fcode = event.fcode;
     std::string eventText;
     event.toString(eventText);
-    std::string body;
-    body.reserve(eventText.size() + 16);
-    body += "<BODY>\n";
-    body += eventText;
-    body += "</BODY>\n";
-    header.Size = static_cast<int32_t>(body.size());
+    const std::string body = "<BODY>\n" + eventText + "</BODY>\n";
+    MessageHeader header = outgoingHeader(msgtype::EVENT, event.fcode, body);
 
     LocalAddress address;
     Fcodes code = address.setLogicalPath(peer)

@@ -92,11 +92,7 @@ Fcodes takeItemValue(const char* op, const char* kind, const MessageHeader& requ
 Fcodes DataCommunicator::exchangeItem(const char* op, const std::string& peer, const char* type,
                                       const std::string& body, const std::string& item, std::string& value,
                                       unsigned timeoutSec, unsigned tries) {
-    MessageHeader request;
-    request.ID = wire::PLACEHOLDER_REQUEST_ID;
-    request.Type = type;
-    request.Fcode = FC_OK;
-    request.Size = static_cast<int32_t>(body.size());
+    MessageHeader request = outgoingHeader(type, FC_OK, body);
     MessageHeader reply;
     std::string replyBody;
     Fcodes code = sendRequest(peer, request, body, reply, replyBody, timeoutSec, tries);

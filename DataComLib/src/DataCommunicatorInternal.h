@@ -6,6 +6,7 @@
 #include <string>
 
 #include "MessageHeader.h"
+#include "WireConstants.h"
 
 // Helpers shared by the engine's source files; not part of its interface.
 
@@ -37,4 +38,15 @@ inline std::string headerText(const MessageHeader& header) {
     std::string text;
     header.toString(text);
     return text;
+}
+
+// A request or event header as the builders make it: the placeholder ID
+// (sendRequest replaces it), the type, the Fcode and the body's length.
+inline MessageHeader outgoingHeader(const char* type, Fcodes fcode, const std::string& body) {
+    MessageHeader header;
+    header.ID = wire::PLACEHOLDER_REQUEST_ID;
+    header.Type = type;
+    header.Fcode = fcode;
+    header.Size = static_cast<int32_t>(body.size());
+    return header;
 }
