@@ -1,20 +1,16 @@
 // Socket set-up and the transfer primitives: one message per datagram.
-#include <poll.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
-#include <ctime>
 
 #include "DataCommunicator.h"
 #include "DataCommunicatorInternal.h"
 #include "DbgPrintClient.h"
 #include "LocalAddress.h"
 #include "SysmgtRoot.h"
-#include "TagText.h"
 #include "WireConstants.h"
 
 namespace {

@@ -158,8 +158,8 @@ TEST(DataCommunicatorServer, EventsGoToTheHolderWithTheHeaderFcode) {
     event.id = "Branch Started";
     event.fcode = static_cast<Fcodes>(0x20002);
     ASSERT_EQ(engines.client.requestEvent(EnginePair::SERVER, event, 1, 1), FC_OK);
-    ASSERT_TRUE(eventually([&] { return !engines.holder.events().empty(); }));
-    EXPECT_EQ(engines.holder.events()[0], "Branch Started " + std::to_string(0x20002));
+    ASSERT_TRUE(eventually([&] { return !engines.holder.calls().empty(); }));
+    EXPECT_EQ(engines.holder.calls()[0], "handle Branch Started " + std::to_string(0x20002));
 }
 
 TEST(DataCommunicatorServer, HistoryKeepsTenAndEvictsById) {

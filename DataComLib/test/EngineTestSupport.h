@@ -75,64 +75,40 @@ inline int wireId(const std::string& datagram) {
     return header.ID;
 }
 
-// A holder with a small table store and JSON store that records every call the
-// engine makes ("name arg..."). Values beginning with '!' are refused by the
-// setters with "Bad Value". JSON properties listed in boolProperties read as
-// "Wrong Type" through the text getters, as a strict store does. Called on the
-// server thread, read and set up by the test: everything under one mutex.
+// A holder with a small table store and JSON store that records the calls the
+// engine makes ("name args"). Cells and JSON values are kept committed and
+// pending; the setters refuse a value beginning with '!' ("Bad Value"). A JSON
+// instance is named by its key, or "#index" in an array; a value set as a
+// boolean reads as "Wrong Type" through the text getters, as a strict store
+// does. Called on the server thread, set up and read by the test: everything
+// under one mutex.
 class FakeDataHolder : public NullDataHolder {
 public:
-    struct Component {
-        bool isArray = false;
-        std::vector<std::string> instances;  // keys; "0", "1"... for an array; "" for the single one
-        std::vector<std::string> properties;
-        std::set<std::string> boolProperties;
-    };
-
-    // Setup, before the engine runs.
     void addCell(const std::string& table, int row, const std::string& column, const std::string& value) {
         Guard guard(mutex);
-        cells[cellKey(table, row, column)] = {value, value};
-    }
-    void addComponent(const std::string& dataSet, const std::string& name, const Component& component) {
-        Guard guard(mutex);
-        components[dataSet + "|" + name] = component;
+        values[cellKey(table, row, column)] = {value, value};
     }
     void setJson(const std::string& dataSet, const std::string& component, const std::string& instance,
-                 const std::string& property, const std::string& value) {
+                 const std::string& property, const std::string& value, bool isBool = false) {
         Guard guard(mutex);
-        json[dataSet + "|" + component + "|" + instance + "|" + property] = {value, value};
+        values[jsonKey(dataSet, component, instance, property)] = {value, value};
+        if (isBool)
+            bools.insert(jsonKey(dataSet, component, instance, property));
     }
-
-    std::vector<std::string> calls() const {
-        Guard guard(mutex);
-        return log;
-    }
-    std::vector<std::string> events() const {
-        Guard guard(mutex);
-        return handled;
-    }
-    std::string pendingCell(const std::string& table, int row, const std::string& column) const {
-        Guard guard(mutex);
-        return cells.at(cellKey(table, row, column)).second;
-    }
-    std::string pendingJson(const std::string& key) const {
-        Guard guard(mutex);
-        return json.at(key).second;
-    }
-
     // What execute answers: its payload and code.
     void setExecuteAnswer(const std::string& payload, Fcodes code) {
         Guard guard(mutex);
         executeReply = payload;
         executeCode = code;
     }
+    std::vector<std::string> calls() const {
+        Guard guard(mutex);
+        return log;
+    }
 
     Fcodes handle(MessageEvent* event) override {
         std::unique_ptr<MessageEvent> owned(event);
-        Guard guard(mutex);
-        handled.push_back(event->id + " " + std::to_string(event->fcode));
-        return FC_OK;
+        return record("handle " + event->id + " " + std::to_string(event->fcode)), FC_OK;
     }
     Fcodes execute(const std::string& command, std::string& result) override {
         Guard guard(mutex);
@@ -152,67 +128,73 @@ public:
     Fcodes rollback() override { return record("rollback"), FC_OK; }
 
     Fcodes getStringParam(const std::string& t, int r, const std::string& c, std::string& v) override {
-        return readCell(cellKey(t, r, c), false, v);
+        return read(cellKey(t, r, c), false, v);
     }
     Fcodes getNewStringParam(const std::string& t, int r, const std::string& c, std::string& v) override {
-        return readCell(cellKey(t, r, c), true, v);
+        return read(cellKey(t, r, c), true, v);
     }
     Fcodes setStringParam(const std::string& t, int r, const std::string& c, const std::string& v) override {
-        return write(cells, cellKey(t, r, c), v);
+        return write(cellKey(t, r, c), v);
     }
 
     Fcodes findDataSetWithComponent(std::string& dataSet, const std::string& component) override {
         Guard guard(mutex);
-        for (const auto& entry : components)
-            if (entry.first.substr(entry.first.find('|') + 1) == component)
-                return dataSet = entry.first.substr(0, entry.first.find('|')), FC_OK;
+        for (const auto& entry : values) {
+            size_t first = entry.first.find('|'), second = entry.first.find('|', first + 1);
+            if (entry.first.compare(first + 1, second - first - 1, component) == 0)
+                return dataSet = entry.first.substr(0, first), FC_OK;
+        }
         return FC_NO_SUCH_NAME;
     }
     Fcodes getProperties(const std::string& d, const std::string& c, std::vector<std::string>& names) override {
         Guard guard(mutex);
-        const Component* found = component(d, c);
-        return found ? (names = found->properties, FC_OK) : FC_NO_SUCH_NAME;
+        const std::string prefix = d + "|" + c + "|";
+        for (const auto& entry : values)
+            if (entry.first.compare(0, prefix.size(), prefix) == 0)
+                names.push_back(entry.first.substr(entry.first.rfind('|') + 1));
+        return names.empty() ? FC_NO_SUCH_NAME : FC_OK;
     }
     bool hasInstance(const std::string& d, const std::string& c, int index) override {
-        return instanceKey(d, c, true, std::to_string(index)) != nullptr;
+        return hasInstance(d, c, "#" + std::to_string(index));
     }
     bool hasInstance(const std::string& d, const std::string& c, const std::string& key) override {
-        return instanceKey(d, c, false, key) != nullptr;
+        Guard guard(mutex);
+        auto next = values.lower_bound(jsonKey(d, c, key, ""));
+        return next != values.end() &&
+               next->first.compare(0, jsonKey(d, c, key, "").size(), jsonKey(d, c, key, "")) == 0;
     }
     Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                         int index) override {
-        return readJson(d, c, p, true, std::to_string(index), false, v);
+        return read(jsonKey(d, c, "#" + std::to_string(index), p), false, v);
     }
     Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                         const std::string& key) override {
-        return readJson(d, c, p, false, key, false, v);
+        return read(jsonKey(d, c, key, p), false, v);
     }
     Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                            int index) override {
-        return readJson(d, c, p, true, std::to_string(index), true, v);
+        return read(jsonKey(d, c, "#" + std::to_string(index), p), true, v);
     }
     Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                            const std::string& key) override {
-        return readJson(d, c, p, false, key, true, v);
+        return read(jsonKey(d, c, key, p), true, v);
     }
     Fcodes getBoolParam(const std::string& d, const std::string& c, const std::string& p, bool& v,
                         const std::string& key) override {
         std::string text;
-        Fcodes code = readJson(d, c, p, false, key, false, text, true);
+        Fcodes code = read(jsonKey(d, c, key, p), false, text, true);
         return isOk(code) ? (v = text == "true", code) : code;
     }
     Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
                         int index) override {
-        return instanceKey(d, c, true, std::to_string(index)) ? write(json, jsonKey(d, c, std::to_string(index), p), v)
-                                                              : FC_NO_SUCH_NAME;
+        return write(jsonKey(d, c, "#" + std::to_string(index), p), v);
     }
     Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
                         const std::string& key) override {
-        return instanceKey(d, c, false, key) ? write(json, jsonKey(d, c, key, p), v) : FC_NO_SUCH_NAME;
+        return write(jsonKey(d, c, key, p), v);
     }
 
 private:
-    using Values = std::map<std::string, std::pair<std::string, std::string>>;  // committed, pending
     using Guard = std::lock_guard<std::recursive_mutex>;
 
     static std::string cellKey(const std::string& t, int r, const std::string& c) {
@@ -225,41 +207,17 @@ private:
         Guard guard(mutex);
         log.push_back(call);
     }
-    const Component* component(const std::string& d, const std::string& c) const {
+    Fcodes read(const std::string& key, bool pending, std::string& value, bool wantBool = false) {
         Guard guard(mutex);
-        auto found = components.find(d + "|" + c);
-        return found == components.end() ? nullptr : &found->second;
-    }
-    const std::string* instanceKey(const std::string& d, const std::string& c, bool byIndex,
-                                   const std::string& key) const {
-        Guard guard(mutex);
-        const Component* found = component(d, c);
-        if (found == nullptr || found->isArray != byIndex)
-            return nullptr;
-        for (const std::string& instance : found->instances)
-            if (instance == key)
-                return &instance;
-        return nullptr;
-    }
-    Fcodes readCell(const std::string& key, bool pending, std::string& value) {
-        Guard guard(mutex);
-        auto found = cells.find(key);
-        return found == cells.end() ? FC_NO_SUCH_NAME
-                                    : (value = pending ? found->second.second : found->second.first, FC_OK);
-    }
-    Fcodes readJson(const std::string& d, const std::string& c, const std::string& p, bool byIndex,
-                    const std::string& key, bool pending, std::string& value, bool asBool = false) {
-        Guard guard(mutex);
-        const Component* found = component(d, c);
-        if (instanceKey(d, c, byIndex, key) == nullptr)
+        auto found = values.find(key);
+        if (found == values.end())
             return FC_NO_SUCH_NAME;
-        if (found->boolProperties.count(p) != (asBool ? 1u : 0u))
+        if (bools.count(key) != (wantBool ? 1u : 0u))
             return FC_WRONG_TYPE;
-        auto entry = json.find(jsonKey(d, c, key, p));
-        return entry == json.end() ? FC_NO_SUCH_NAME
-                                   : (value = pending ? entry->second.second : entry->second.first, FC_OK);
+        value = pending ? found->second.second : found->second.first;
+        return FC_OK;
     }
-    Fcodes write(Values& values, const std::string& key, const std::string& value) {
+    Fcodes write(const std::string& key, const std::string& value) {
         Guard guard(mutex);
         auto found = values.find(key);
         if (found == values.end())
@@ -274,10 +232,8 @@ private:
     std::string executeReply;
     Fcodes executeCode = FC_OK;
     std::vector<std::string> log;
-    std::vector<std::string> handled;
-    Values cells;
-    Values json;
-    std::map<std::string, Component> components;  // by "dataset|component"
+    std::map<std::string, std::pair<std::string, std::string>> values;  // committed, pending
+    std::set<std::string> bools;
 };
 
 // A served engine with the fake holder, and a client engine, on temporary sockets.
