@@ -71,6 +71,7 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
             storeResponse(reply.ID, strayHeader, replyBody, senderPath);
             DBG(DBG_SYS) << "sendRequest: **** stored in history *** id=" << reply.ID << " sender=" << senderPath
                          << " resp=" << strayHeader;
+            replyBody.clear();  // the stray's body must not pass for the body of a reply without one
         }
         --tries;
     }

@@ -139,18 +139,20 @@ TEST(DataCommunicatorClient, LateAndStrayRepliesAreParkedAndFoundByTheirOwner) {
     RawPeer stranger("/tmp/sockStranger");
     auto answer = [&](int id) {
         side.peer.sendTo("/tmp/sockCliSend", wireHeader(lateId, "ACK", FC_BAD_VALUE, 0));
-        stranger.sendTo("/tmp/sockCliSend", wireHeader(id + 1000, "ACK", FC_LOS, 0));
+        stranger.sendTo("/tmp/sockCliSend", wireHeader(id + 1000, "ACK", FC_LOS, 18) + "<BODY>stray</BODY>");
         return wireHeader(id, "ACK", FC_OK, 0);
     };
     EXPECT_EQ(
         side.exchange([&] { return side.client.requestCommand(PEER, command, replyBody, 1, 1); }, received, answer),
         FC_OK);
+    EXPECT_EQ(replyBody, "") << "a parked stray's body is not the reply's";
     std::string header, body, sender;
     ASSERT_TRUE(side.client.getResponse(lateId, header, body, sender));
     EXPECT_EQ(header, wireHeader(lateId, "ACK", FC_BAD_VALUE, 0));
     EXPECT_EQ(sender, side.peer.hostPath());
     ASSERT_TRUE(side.client.getResponse(wireId(received) + 1000, header, body, sender));
     EXPECT_EQ(sender, stranger.hostPath());
+    EXPECT_EQ(body, "<BODY>stray</BODY>");
 
     // A request whose ID is already answered in the history takes that reply
     // at once, without waiting for the (silent) peer.
