@@ -11,7 +11,7 @@
 
 #include "SysmgtRoot.h"
 
-int32_t gDbgLevel = 0;
+std::atomic<int32_t> gDbgLevel{0};
 
 const char* const gSeverityString[5] = {"INFO ", "WARN ", "ERROR", "FATAL", "SYS  "};
 

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -10,8 +11,9 @@
 
 // Verbosity threshold: a line of severity s is produced only when gDbgLevel <= s.
 // 0 (the default) logs everything, 5 silences the log. Set by -v and by the
-// "StartDbgPrint"/"StopDbgPrint" commands.
-extern int32_t gDbgLevel;
+// "StartDbgPrint"/"StopDbgPrint" commands. Atomic: the messaging engine's
+// server thread changes it while every other thread reads it.
+extern std::atomic<int32_t> gDbgLevel;
 
 // Severity names, padded to five characters so that the prefixes line up.
 extern const char* const gSeverityString[5];
@@ -82,5 +84,7 @@ struct DbgVoidify {
 
 // DBG(2) << "getIntParam: No such table=" << table;
 // Nothing is formatted, and no argument evaluated, when the level filters the line out.
-#define DBG(severity) \
-    (gDbgLevel > static_cast<int>(severity)) ? (void)0 : DbgVoidify() & DbgLine((severity), __FILE__, __LINE__).stream()
+#define DBG(severity)                                                        \
+    (gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \
+        ? (void)0                                                            \
+        : DbgVoidify() & DbgLine((severity), __FILE__, __LINE__).stream()
