@@ -12,10 +12,11 @@
 
 #include "DataSets.h"
 #include "DbgPrintClient.h"
+#include "LogCapture.h"
 #include "SysmgtRoot.h"
 
 // Shared by the JSON store tests: a small channel document, file helpers and
-// a capture of the debug log.
+// the debug log capture.
 namespace dstest {
 
 // Keyed, single and array instances; integer, boolean, string, enum
@@ -81,34 +82,6 @@ T valueAt(DataSets& s, const std::string& comp, const std::string& prop, Selecto
     return value;
 }
 
-// Points the process-wide debug log at a pipe of the test while it lives.
-// Single-threaded tests only.
-class LogCapture {
-public:
-    LogCapture() {
-        if (pipe2(ends, O_NONBLOCK) != 0)
-            ends[0] = ends[1] = -1;
-        saved = DbgPrintClient::getInstance()->fd;
-        DbgPrintClient::getInstance()->fd = ends[1];
-    }
-    ~LogCapture() {
-        DbgPrintClient::getInstance()->fd = saved;
-        close(ends[0]);
-        close(ends[1]);
-    }
-    // Everything logged since the last call.
-    std::string take() {
-        std::string text;
-        char buf[4096];
-        ssize_t got;
-        while ((got = read(ends[0], buf, sizeof buf)) > 0)
-            text.append(buf, static_cast<size_t>(got));
-        return text;
-    }
-
-private:
-    int ends[2] = {-1, -1};
-    int saved = -1;
-};
+using ::LogCapture;
 
 }  // namespace dstest

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "DbgPrintClient.h"
+#include "LogCapture.h"
 #include "SysmgtRoot.h"
 
 namespace {
@@ -41,33 +42,6 @@ public:
         return text;
     }
     int fd = -1;
-};
-
-// Points the process-wide client at a pipe of the test for its lifetime.
-class SingletonCapture {
-public:
-    SingletonCapture() {
-        EXPECT_EQ(pipe2(ends, O_NONBLOCK), 0);
-        saved = DbgPrintClient::getInstance()->fd;
-        DbgPrintClient::getInstance()->fd = ends[1];
-    }
-    ~SingletonCapture() {
-        DbgPrintClient::getInstance()->fd = saved;
-        close(ends[0]);
-        close(ends[1]);
-    }
-    std::string drain() {
-        std::string text;
-        char buf[4096];
-        ssize_t got;
-        while ((got = read(ends[0], buf, sizeof buf)) > 0)
-            text.append(buf, static_cast<size_t>(got));
-        return text;
-    }
-
-private:
-    int ends[2] = {-1, -1};
-    int saved = -1;
 };
 
 // True when `text` is a log prefix of the given severity and task name:
@@ -158,7 +132,7 @@ TEST(DbgPrintClient, MissingFifoPrintsOnceAndLoggingStaysHarmless) {
 }
 
 TEST(DbgPrintClient, LevelFiltersBeforeFormatting) {
-    SingletonCapture capture;
+    LogCapture capture;
     const int32_t savedLevel = gDbgLevel;
 
     gDbgLevel = 3;
@@ -176,7 +150,7 @@ TEST(DbgPrintClient, LevelFiltersBeforeFormatting) {
     EXPECT_EQ(evaluated, 2);
     gDbgLevel = savedLevel;
 
-    const std::string text = capture.drain();
+    const std::string text = capture.take();
     const std::string pid = "(" + std::to_string(getpid()) + ")";
     const size_t firstEnd = text.find('\n');
     ASSERT_NE(firstEnd, std::string::npos) << text;
