@@ -9,6 +9,7 @@
 #include "DbgPrintClient.h"
 #include "LogFilter.h"
 #include "SysmgtRoot.h"
+#include "ToolCommand.h"
 
 TEST(LogFilter, SplitsChunksAndKeepsContinuationsWithTheirLine) {
     LogFilter filter(DBG_WARN);
@@ -31,7 +32,7 @@ TEST(LogFilter, SplitsChunksAndKeepsContinuationsWithTheirLine) {
 }
 
 TEST(Dbglog, CreatesThePipeAndPrintsLinesAtOrAboveTheSeverity) {
-    FILE* reader = popen(DBGLOG_COMMAND " --severity WARN --count 1 --timeout 10", "r");
+    FILE* reader = popen((toolCommand("dbglog") + " --severity WARN --count 1 --timeout 10").c_str(), "r");
     ASSERT_NE(reader, nullptr);
     // Bounded wait for the reader to have made its pipe.
     const std::string pipePath = sysmgtPath("/tmp/sockDbg");
