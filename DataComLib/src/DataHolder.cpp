@@ -42,6 +42,7 @@ void DataHolder::init(const std::string& taskName) {
 
     // The policy is only asked for: inheritance stays at its default, so the
     // worker runs with its creator's policy and creation works unprivileged.
+    // Without its semaphore no worker is made (reported as a failed creation).
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setschedpolicy(&attributes, SCHED_RR);

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -18,6 +19,7 @@
 #include "IDataSets.h"
 #include "MessageEvent.h"
 
+class DataItem;
 class DataTable;
 
 // One item of the holder's queue: a command text (id 1, size its length) or
@@ -263,16 +265,14 @@ private:
     // Finds the table, row and item and runs `access` on the item under the
     // table's lock. A missing one is logged ("No such table/rowId/item",
     // prefixed with `op`) and answered "No Such Name".
-    template <typename Access>
-    Fcodes withItem(const char* op, const std::string& table, int rowId, const std::string& column, Access access);
+    Fcodes withItem(const char* op, const std::string& table, int rowId, const std::string& column,
+                    const std::function<Fcodes(DataItem&)>& access);
     // Runs `access` on the table under its lock; `missing` when there is no table.
     template <typename Result, typename Access>
     Result withTable(const std::string& table, Result missing, Access access);
     // "Add Row" and "Get Next Row": the request and the reply's "Row".
     Fcodes requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table, int rowId,
                              int& answerRow, unsigned timeoutSec, unsigned tries);
-    Fcodes requestRemoteItem(const std::string& socketPath, const std::string& table, int rowId,
-                             const std::string& column, std::string& value, unsigned timeoutSec, unsigned tries);
 
     DataCommunicator communicator;
     std::map<std::string, std::unique_ptr<DataSet>> dataSets;

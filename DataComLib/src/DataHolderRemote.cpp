@@ -55,16 +55,10 @@ Fcodes DataHolder::requestNextRowId(const std::string& socketPath, const std::st
     return requestRowCommand(wire::CMD_GET_NEXT_ROW, socketPath, table, rowId, nextRowId, timeoutSec, tries);
 }
 
-Fcodes DataHolder::requestRemoteItem(const std::string& socketPath, const std::string& table, int rowId,
-                                     const std::string& column, std::string& value, unsigned timeoutSec,
-                                     unsigned tries) {
-    return communicator.requestDataItem(socketPath, table, rowId, column, value, timeoutSec, tries);
-}
-
 Fcodes DataHolder::requestRemoteIntParam(const std::string& socketPath, const std::string& table, int rowId,
                                          const std::string& column, int& value, unsigned timeoutSec, unsigned tries) {
     std::string text;
-    Fcodes code = requestRemoteItem(socketPath, table, rowId, column, text, timeoutSec, tries);
+    Fcodes code = communicator.requestDataItem(socketPath, table, rowId, column, text, timeoutSec, tries);
     if (isOk(code))
         value = tagToInt(text);
     return code;
@@ -73,7 +67,7 @@ Fcodes DataHolder::requestRemoteIntParam(const std::string& socketPath, const st
 Fcodes DataHolder::requestRemoteStringParam(const std::string& socketPath, const std::string& table, int rowId,
                                             const std::string& column, std::string& value, unsigned timeoutSec,
                                             unsigned tries) {
-    return requestRemoteItem(socketPath, table, rowId, column, value, timeoutSec, tries);
+    return communicator.requestDataItem(socketPath, table, rowId, column, value, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestGetTextParam(const std::string& socketPath, const std::string& dataSet,

@@ -8,42 +8,16 @@
 #include "DataTable.h"
 #include "DbgPrintClient.h"
 
-namespace {
-
-// Holds a table's recursive lock for one scope.
-class TableLock {
-public:
-    explicit TableLock(DataTable& held) : table(held) { table.lock(); }
-    ~TableLock() { table.unlock(); }
-    TableLock(const TableLock&) = delete;
-    TableLock& operator=(const TableLock&) = delete;
-
-private:
-    DataTable& table;
-};
-
-}  // namespace
-
-template <typename Access>
+// The table lookup of the cell operations: the first data set in name order
+// that has the table does the row and item lookup and its log lines.
 Fcodes DataHolder::withItem(const char* op, const std::string& table, int rowId, const std::string& column,
-                            Access access) {
-    DataTable* found = findDataTable(table);
-    if (!found) {
+                            const std::function<Fcodes(DataItem&)>& access) {
+    DataSet* owner = findDataSetWithTable(table);
+    if (!owner) {
         DBG(DBG_ERROR) << op << ": No such table=" << table;
         return FC_NO_SUCH_NAME;
     }
-    TableLock guard(*found);
-    DataRow* row = found->getRows(rowId);
-    if (!row) {
-        DBG(DBG_ERROR) << op << ": No such rowId=" << rowId << " in table=" << table;
-        return FC_NO_SUCH_NAME;
-    }
-    DataItem* item = row->getDataItem(column);
-    if (!item) {
-        DBG(DBG_ERROR) << op << ": No such item=" << column << " in rowId=" << rowId << " in table=" << table;
-        return FC_NO_SUCH_NAME;
-    }
-    return access(*item);
+    return owner->accessItem(op, table, rowId, column, access);
 }
 
 template <typename Result, typename Access>
@@ -51,7 +25,7 @@ Result DataHolder::withTable(const std::string& table, Result missing, Access ac
     DataTable* found = findDataTable(table);
     if (!found)
         return missing;
-    TableLock guard(*found);
+    std::lock_guard<DataTable> guard(*found);
     return access(*found);
 }
 
@@ -126,7 +100,7 @@ Fcodes DataHolder::getDefValue(const std::string& table, const std::string& colu
         DBG(DBG_ERROR) << "getDefValue: No such table=" << table;
         return FC_NO_SUCH_NAME;
     }
-    TableLock guard(*found);
+    std::lock_guard<DataTable> guard(*found);
     DataColumn* definition = found->getColumns(column);
     if (!definition) {
         DBG(DBG_ERROR) << "getDefValue: No such colId=" << column;
