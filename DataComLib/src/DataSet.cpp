@@ -154,9 +154,8 @@ Fcodes DataSet::update(DataSet& reference, bool keepOwnTables, bool addMissingTa
     return acceptChanges();
 }
 
-template <typename Deliver>
-Fcodes DataSet::readParam(const char* caller, const std::string& tableName, int32_t rowId, const std::string& column,
-                          Deliver deliver) {
+Fcodes DataSet::accessItem(const char* caller, const std::string& tableName, int32_t rowId, const std::string& column,
+                           const std::function<Fcodes(DataItem&)>& access) {
     DataTable* table = getTable(tableName);
     if (!table) {
         DBG(DBG_ERROR) << caller << ": No such table=" << tableName;
@@ -173,19 +172,22 @@ Fcodes DataSet::readParam(const char* caller, const std::string& tableName, int3
         DBG(DBG_ERROR) << caller << ": No such item=" << column << " in rowId=" << rowId << " in table=" << tableName;
         return FC_NO_SUCH_NAME;
     }
-    deliver(*item);
-    return FC_OK;
+    return access(*item);
 }
 
 Fcodes DataSet::getIntParam(const std::string& tableName, int32_t rowId, const std::string& column, int& value) {
-    return readParam("getIntParam", tableName, rowId, column,
-                     [&value](const DataItem& item) { value = item.getIntVal(); });
+    return accessItem("getIntParam", tableName, rowId, column, [&value](DataItem& item) {
+        value = item.getIntVal();
+        return FC_OK;
+    });
 }
 
 Fcodes DataSet::getStringParam(const std::string& tableName, int32_t rowId, const std::string& column,
                                std::string& value) {
-    return readParam("getStringParam", tableName, rowId, column,
-                     [&value](const DataItem& item) { value = item.getStrVal(); });
+    return accessItem("getStringParam", tableName, rowId, column, [&value](DataItem& item) {
+        value = item.getStrVal();
+        return FC_OK;
+    });
 }
 
 int32_t DataSet::getFirstRowIndex(const std::string& tableName) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -10,6 +11,7 @@
 #include "Fcodes.h"
 #include "Retired.h"
 
+class DataItem;
 class DataTable;
 
 // One tabular configuration document: an id, a version text and named
@@ -81,6 +83,11 @@ public:
     // (and the output untouched) for an unknown table, row or column.
     Fcodes getIntParam(const std::string& tableName, int32_t rowId, const std::string& column, int& value);
     Fcodes getStringParam(const std::string& tableName, int32_t rowId, const std::string& column, std::string& value);
+    // Runs `access` on one cell under the table lock and returns its code; an
+    // unknown table, row or column is logged as "<caller>: No such ..." and
+    // answered FC_NO_SUCH_NAME without calling it.
+    Fcodes accessItem(const char* caller, const std::string& tableName, int32_t rowId, const std::string& column,
+                      const std::function<Fcodes(DataItem&)>& access);
     // The table's own answers, under its lock; 0 for an unknown table.
     int32_t getFirstRowIndex(const std::string& tableName);
     int32_t getNextRowIndex(const std::string& tableName, int32_t rowId);
@@ -90,9 +97,6 @@ public:
 
 private:
     Fcodes forEachTable(Fcodes (DataTable::*operation)());
-    template <typename Deliver>
-    Fcodes readParam(const char* caller, const std::string& tableName, int32_t rowId, const std::string& column,
-                     Deliver deliver);
 
     std::string id;
     std::string version = "0";
