@@ -26,14 +26,15 @@ public:
     std::string asked;
 };
 
-// The mediator: sees the exact datagram and answers with `reply(id)`.
+// The mediator: sees the exact datagram and answers with `reply(id)` (nothing when empty).
 struct MediatorSide {
     Fcodes exchange(const std::function<Fcodes()>& request, std::string& received,
                     const std::function<std::string(int)>& reply) {
         auto result = std::async(std::launch::async, request);
         received.clear();
-        if (mediator.receive(received))
-            mediator.sendTo("/tmp/sockChanTestSend", reply(wireId(received)));
+        std::string answer;
+        if (mediator.receive(received) && !(answer = reply(wireId(received))).empty())
+            mediator.sendTo("/tmp/sockChanTestSend", answer);
         return result.get();
     }
     ForwardingHolder holder;
@@ -59,80 +60,83 @@ std::string fullAnswer(int id) {
                                              param("IntValue", "42") + param("TextValue", "1080i50")));
 }
 
-TEST(TarnevelClient, EachOperationSendsItsExactCommandAndWaitsItsTime) {
-    MediatorSide side;
-    IDataHolder* h = &side.holder;
-    std::string text = "-", assembly = "-", state = "-";
-    int number = -1;
-    const struct {
+// The ten operations, each with the exact body it must send and the wait and
+// tries it must ask of the holder; the gets write into the outputs.
+struct Operations {
+    struct Row {
         const char* name;
         std::function<Fcodes()> call;
         std::string body;
         const char* asked;
-    } rows[] = {
-        {"getTarnevelTextParam",
-         [&] { return ITarnevelClient::getTarnevelTextParam(h, "Video Encoder CH0", "Format", text); },
-         commandBody("Tarnevel Get Param",
-                     param("Component", "Video Encoder CH0") + param("Parameter", "Format") + param("TextValue", "")),
-         "10s x3"},
-        {"getTarnevelIntParam", [&] { return ITarnevelClient::getTarnevelIntParam(h, "C", "P", &number); },
-         commandBody("Tarnevel Get Param", param("Component", "C") + param("IntValue", "") + param("Parameter", "P")),
-         "10s x3"},
-        {"setTarnevelTextParam", [&] { return ITarnevelClient::setTarnevelTextParam(h, "C", "P", "v w"); },
-         commandBody("Tarnevel Put Param",
-                     param("Component", "C") + param("Parameter", "P") + param("TextValue", "v w")),
-         "10s x3"},
-        {"setTarnevelIntParam", [&] { return ITarnevelClient::setTarnevelIntParam(h, "C", "P", -7); },
-         commandBody("Tarnevel Put Param", param("Component", "C") + param("IntValue", "-7") + param("Parameter", "P")),
-         "10s x3"},
-        {"getTarnevelAssembly", [&] { return ITarnevelClient::getTarnevelAssembly(h, assembly); },
-         commandBody("Tarnevel Get Assembly", ""), "10s x3"},
-        {"setTarnevelAssembly", [&] { return ITarnevelClient::setTarnevelAssembly(h, "a b"); },
-         commandBody("Tarnevel Put Assembly", param("Assembly", "a b")), "200s x1"},
-        {"getTarnevelBranchState", [&] { return ITarnevelClient::getTarnevelBranchState(h, "SRT CH0", state); },
-         commandBody("Tarnevel Get Branch State", param("Branch", "SRT CH0")), "10s x3"},
-        {"storeTarnevelState", [&] { return ITarnevelClient::storeTarnevelState(h); },
-         commandBody("Tarnevel Store State", ""), "10s x3"},
-        {"stop sync", [&] { return ITarnevelClient::stopTarnevelBranch(h, "b", true, 30); },
-         commandBody("Tarnevel Stop Branch", param("Branch", "b") + param("Sync", "true") + param("Timeout sec", "30")),
-         "30s x1"},
-        {"stop async", [&] { return ITarnevelClient::stopTarnevelBranch(h, "b", false, 30); },
-         commandBody("Tarnevel Stop Branch", param("Branch", "b")), "30s x1"},
-        {"start sync", [&] { return ITarnevelClient::startTarnevelBranch(h, "b", true, 30); },
-         commandBody("Tarnevel Start Branch",
-                     param("Branch", "b") + param("Sync", "true") + param("Timeout sec", "30")),
-         "120s x1"},
-        {"start async", [&] { return ITarnevelClient::startTarnevelBranch(h, "b", false, 5); },
-         commandBody("Tarnevel Start Branch", param("Branch", "b")), "120s x1"},
+        const char* answer;  // the answer parameter of a get, else nullptr
     };
-    for (const auto& row : rows) {
+    explicit Operations(IDataHolder* h) {
+        using C = ITarnevelClient;
+        rows = {
+            {"getTarnevelTextParam", [=] { return C::getTarnevelTextParam(h, "Video Encoder CH0", "Format", text); },
+             commandBody("Tarnevel Get Param", param("Component", "Video Encoder CH0") + param("Parameter", "Format") +
+                                                   param("TextValue", "")),
+             "10s x3", "TextValue"},
+            {"getTarnevelIntParam", [=] { return C::getTarnevelIntParam(h, "C", "P", &number); },
+             commandBody("Tarnevel Get Param",
+                         param("Component", "C") + param("IntValue", "") + param("Parameter", "P")),
+             "10s x3", "IntValue"},
+            {"getTarnevelAssembly", [=] { return C::getTarnevelAssembly(h, assembly); },
+             commandBody("Tarnevel Get Assembly", ""), "10s x3", "Assembly"},
+            {"getTarnevelBranchState", [=] { return C::getTarnevelBranchState(h, "SRT CH0", state); },
+             commandBody("Tarnevel Get Branch State", param("Branch", "SRT CH0")), "10s x3", "Branch State"},
+            {"setTarnevelTextParam", [=] { return C::setTarnevelTextParam(h, "C", "P", "v w"); },
+             commandBody("Tarnevel Put Param",
+                         param("Component", "C") + param("Parameter", "P") + param("TextValue", "v w")),
+             "10s x3", nullptr},
+            {"setTarnevelIntParam", [=] { return C::setTarnevelIntParam(h, "C", "P", -7); },
+             commandBody("Tarnevel Put Param",
+                         param("Component", "C") + param("IntValue", "-7") + param("Parameter", "P")),
+             "10s x3", nullptr},
+            {"setTarnevelAssembly", [=] { return C::setTarnevelAssembly(h, "a b"); },
+             commandBody("Tarnevel Put Assembly", param("Assembly", "a b")), "200s x1", nullptr},
+            {"storeTarnevelState", [=] { return C::storeTarnevelState(h); }, commandBody("Tarnevel Store State", ""),
+             "10s x3", nullptr},
+            {"stop sync", [=] { return C::stopTarnevelBranch(h, "b", true, 30); },
+             commandBody("Tarnevel Stop Branch",
+                         param("Branch", "b") + param("Sync", "true") + param("Timeout sec", "30")),
+             "30s x1", nullptr},
+            {"stop async", [=] { return C::stopTarnevelBranch(h, "b", false, 30); },
+             commandBody("Tarnevel Stop Branch", param("Branch", "b")), "30s x1", nullptr},
+            {"start sync", [=] { return C::startTarnevelBranch(h, "b", true, 30); },
+             commandBody("Tarnevel Start Branch",
+                         param("Branch", "b") + param("Sync", "true") + param("Timeout sec", "30")),
+             "120s x1", nullptr},
+            {"start async", [=] { return C::startTarnevelBranch(h, "b", false, 5); },
+             commandBody("Tarnevel Start Branch", param("Branch", "b")), "120s x1", nullptr},
+        };
+    }
+    std::string& text = outputs[0];
+    std::string& assembly = outputs[1];
+    std::string& state = outputs[2];
+    std::string outputs[3] = {"-", "-", "-"};
+    int number = -1;
+    std::vector<Row> rows;
+};
+
+TEST(TarnevelClient, EachOperationSendsItsExactCommandAndWaitsItsTime) {
+    MediatorSide side;
+    Operations ops(&side.holder);
+    for (const auto& row : ops.rows) {
         std::string received;
         EXPECT_EQ(side.exchange(row.call, received, fullAnswer), FC_OK) << row.name;
         EXPECT_EQ(received, message(wireId(received), "COMMAND", FC_OK, row.body)) << row.name;
         EXPECT_EQ(side.holder.asked, std::string("/tmp/sockTarnevelMediator ") + row.asked) << row.name;
     }
-    EXPECT_EQ(text, "1080i50");
-    EXPECT_EQ(number, 42);
-    EXPECT_EQ(assembly, "asm-1");
-    EXPECT_EQ(state, "RUN");
+    EXPECT_EQ(ops.text, "1080i50");
+    EXPECT_EQ(ops.number, 42);
+    EXPECT_EQ(ops.assembly, "asm-1");
+    EXPECT_EQ(ops.state, "RUN");
 }
 
-TEST(TarnevelClient, GetsRefuseAnswersWithoutTheirParameterAndKeepTheOutput) {
+TEST(TarnevelClient, FailuresReturnTheirCodeAndKeepTheOutputs) {
     MediatorSide side;
-    IDataHolder* h = &side.holder;
-    std::string text = "-", assembly = "-", state = "-";
-    int number = -1;
-    const struct {
-        const char* op;
-        const char* answer;
-        std::function<Fcodes()> call;
-    } gets[] = {
-        {"getTarnevelTextParam", "TextValue", [&] { return ITarnevelClient::getTarnevelTextParam(h, "C", "P", text); }},
-        {"getTarnevelIntParam", "IntValue", [&] { return ITarnevelClient::getTarnevelIntParam(h, "C", "P", &number); }},
-        {"getTarnevelAssembly", "Assembly", [&] { return ITarnevelClient::getTarnevelAssembly(h, assembly); }},
-        {"getTarnevelBranchState", "Branch State",
-         [&] { return ITarnevelClient::getTarnevelBranchState(h, "b", state); }},
-    };
+    Operations ops(&side.holder);
     const struct {
         const char* name;
         std::string body;
@@ -145,64 +149,37 @@ TEST(TarnevelClient, GetsRefuseAnswersWithoutTheirParameterAndKeepTheOutput) {
     };
     LogCapture log;
     for (const auto& reply : replies)
-        for (const auto& get : gets) {
+        for (const auto& get : ops.rows) {
+            if (get.answer == nullptr)
+                continue;
             std::string received;
             auto answer = [&](int id) { return message(id, "ACK", FC_OK, reply.body); };
             log.take();
-            EXPECT_EQ(side.exchange(get.call, received, answer), FC_BODY_ERROR) << get.op << ", " << reply.name;
-            std::string expected = std::string(get.op) + reply.logged;
+            EXPECT_EQ(side.exchange(get.call, received, answer), FC_BODY_ERROR) << get.name << ", " << reply.name;
+            std::string expected = get.name + reply.logged;
             if (reply.logged == ": Not found param=")
                 expected += std::string(get.answer) + " in response:\n";
-            EXPECT_NE(log.take().find(expected), std::string::npos) << get.op << ", " << reply.name;
+            EXPECT_NE(log.take().find(expected), std::string::npos) << get.name << ", " << reply.name;
         }
 
     // The mediator's own verdict comes back unchanged, from every operation.
-    const std::function<Fcodes()> all[] = {
-        gets[0].call,
-        gets[1].call,
-        gets[2].call,
-        gets[3].call,
-        [&] { return ITarnevelClient::setTarnevelTextParam(h, "C", "P", "v"); },
-        [&] { return ITarnevelClient::setTarnevelIntParam(h, "C", "P", 1); },
-        [&] { return ITarnevelClient::setTarnevelAssembly(h, "a"); },
-        [&] { return ITarnevelClient::storeTarnevelState(h); },
-        [&] { return ITarnevelClient::stopTarnevelBranch(h, "b", true, 1); },
-        [&] { return ITarnevelClient::startTarnevelBranch(h, "b", true, 1); },
-    };
     auto refused = [](int id) { return message(id, "ACK", FC_NO_SUCH_NAME, "<BODY>\n</BODY>\n"); };
-    for (size_t i = 0; i < sizeof all / sizeof all[0]; ++i) {
+    for (const auto& row : ops.rows) {
         std::string received;
-        EXPECT_EQ(side.exchange(all[i], received, refused), FC_NO_SUCH_NAME) << "operation " << i;
+        EXPECT_EQ(side.exchange(row.call, received, refused), FC_NO_SUCH_NAME) << row.name;
     }
-    EXPECT_EQ(text, "-");
-    EXPECT_EQ(number, -1);
-    EXPECT_EQ(assembly, "-");
-    EXPECT_EQ(state, "-");
-}
+    // A silent mediator: the engine's failure.
+    std::string received;
+    EXPECT_EQ(side.exchange(ops.rows[3].call, received, [](int) { return std::string(); }), FC_COMM_ERROR);
+    EXPECT_EQ(ops.text + ops.assembly + ops.state, "---");
+    EXPECT_EQ(ops.number, -1);
 
-TEST(TarnevelClient, IntAnswersReadAsLeadingDecimalAndNoReplyIsACommunicationError) {
-    MediatorSide side;
-    const struct {
-        const char* answer;
-        int expected;
-    } rows[] = {{"12abc", 12}, {"abc", 0}, {"-3", -3}, {"", 0}};
-    for (const auto& row : rows) {
-        int number = 99;
-        std::string received;
-        auto answer = [&](int id) {
-            return message(id, "ACK", FC_OK, commandBody("A", param("IntValue", row.answer)));
-        };
-        EXPECT_EQ(side.exchange([&] { return ITarnevelClient::getTarnevelIntParam(&side.holder, "C", "P", &number); },
-                                received, answer),
-                  FC_OK)
-            << row.answer;
-        EXPECT_EQ(number, row.expected) << row.answer;
+    // An integer answer is read as a leading decimal number.
+    for (const auto& row : std::vector<std::pair<const char*, int>>{{"12abc", 12}, {"abc", 0}, {"-3", -3}}) {
+        auto answer = [&](int id) { return message(id, "ACK", FC_OK, commandBody("A", param("IntValue", row.first))); };
+        EXPECT_EQ(side.exchange(ops.rows[1].call, received, answer), FC_OK) << row.first;
+        EXPECT_EQ(ops.number, row.second) << row.first;
     }
-
-    // A silent mediator: the engine's failure, the output untouched.
-    std::string state = "-";
-    EXPECT_EQ(ITarnevelClient::getTarnevelBranchState(&side.holder, "b", state), FC_COMM_ERROR);
-    EXPECT_EQ(state, "-");
 }
 
 }  // namespace
