@@ -66,8 +66,7 @@ Fcodes MediatorModel::loadParams(const std::string& jsonText, std::string& error
     return FC_OK;
 }
 
-Fcodes MediatorModel::serve(const MessageCommand& request, MessageCommand& answer,
-                            std::vector<MessageEvent>& events) {
+Fcodes MediatorModel::serve(const MessageCommand& request, MessageCommand& answer, std::vector<MessageEvent>& events) {
     answer = request;
     const std::string& id = request.getId();
     std::lock_guard<std::mutex> guard(mutex);

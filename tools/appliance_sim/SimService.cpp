@@ -1,6 +1,7 @@
 #include "SimService.h"
 
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "DbgPrintClient.h"
 #include "MessageTypes.h"
 #include "SimVocabulary.h"
+#include "SysmgtRoot.h"
 #include "TagText.h"
 #include "TrafficLog.h"
 #include "WireConstants.h"
@@ -64,9 +66,20 @@ Fcodes eventFromCommand(const MessageCommand& command, MessageEvent& event) {
 SimService::SimService(std::string serviceName, TrafficLog& trafficLog)
     : shortName(std::move(serviceName)), traffic(trafficLog) {}
 
+SimService::~SimService() {
+    stop();
+    shutdown();
+    // Sockets left behind would look like a running service to the next start.
+    if (bound) {
+        unlink(sysmgtPath(getDataCommunicator()->getSockName()).c_str());
+        unlink(sysmgtPath(getDataCommunicator()->getSendSockName()).c_str());
+    }
+}
+
 bool SimService::start(const std::string& receivePath, const std::string& sendPath) {
     init("t" + shortName);
     getDataCommunicator()->init(this, receivePath, sendPath, "t" + shortName + "Com");
+    bound = true;
     stopping = false;
     if (pthread_create(&thread, nullptr, &SimService::run, this) != 0)
         return false;
@@ -79,7 +92,7 @@ void SimService::stop() {
     if (!running)
         return;
     stopping = true;
-    shutdown(getDataCommunicator()->getReceiveSocket(), SHUT_RD);
+    ::shutdown(getDataCommunicator()->getReceiveSocket(), SHUT_RD);
     pthread_join(thread, nullptr);
     running = false;
 }
@@ -129,8 +142,10 @@ void SimService::serveRequest(MessageHeader& header, const std::string& body, so
         else
             rollbackChanges();
     }
-    if (!isOk(code)) {
-        // As the engine answers a refused request.
+    // A refused command is answered with an ACK carrying the code, as the
+    // mediator answers, so that the requester learns the code itself; a
+    // refused GET or SET with a NACK, as the engine answers it.
+    if (!isOk(code) && !(header.Type == msgtype::COMMAND && reply.Type == msgtype::ACK)) {
         reply = MessageHeader();
         reply.ID = header.ID;
         reply.Type = msgtype::NACK;

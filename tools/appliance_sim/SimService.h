@@ -23,13 +23,14 @@ class TrafficLog;
 // Event" and "Sim Report" (SimVocabulary.h); a derived service serves its own
 // commands in serveCommand.
 //
-// Lifetime: made and started by the main thread, stopped before the process
-// ends; the holder's worker thread runs until the process ends, so a service
-// is never destroyed while the process lives on. Threads: the serving loop
-// calls execute; control state is guarded inside the models and rules.
+// Lifetime: made, started and destroyed by the main thread. Threads: the
+// serving loop alone calls execute and treats messages; the models and the
+// failure rules guard their own state.
 class SimService : public DataHolder {
 public:
     SimService(std::string serviceName, TrafficLog& traffic);
+    // Stops serving, then the holder's worker; removes the socket files.
+    ~SimService() override;
 
     // Initialises the holder and binds the engine's sockets (a failure ends the
     // process, as for every service of the appliance), then starts serving.
@@ -77,6 +78,7 @@ private:
     std::vector<MessageEvent> pendingEvents;
     pthread_t thread{};
     bool running = false;
+    bool bound = false;  // the engine's sockets exist
     std::atomic<bool> stopping{false};
 };
 

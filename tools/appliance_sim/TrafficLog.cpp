@@ -26,9 +26,14 @@ std::string oneLine(const std::string& text) {
 }
 
 void appendBody(std::ostringstream& out, const std::string& body) {
-    std::string inner;
-    if (getSegment(body, 0, wire::TAG_BODY, inner) < 0)
-        inner = body;
+    // The BODY element's content, without its tags.
+    std::string inner = body;
+    const std::string open = std::string("<") + wire::TAG_BODY + ">";
+    const std::string close = std::string("</") + wire::TAG_BODY + ">";
+    const size_t start = inner.find(open);
+    const size_t end = inner.rfind(close);
+    if (start != std::string::npos && end != std::string::npos && end >= start + open.size())
+        inner = inner.substr(start + open.size(), end - start - open.size());
     std::string element;
     if (getSegment(inner, 0, wire::TAG_COMMAND, element) >= 0) {
         MessageCommand command;

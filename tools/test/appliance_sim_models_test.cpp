@@ -47,31 +47,30 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
     for (const Row& row : rows) {
         MessageCommand answer;
         std::vector<MessageEvent> events;
-        Fcodes code = model.serve(makeCommand(sim::CMD_GET_PARAM, {{"Component", row.component},
-                                                                   {"Parameter", row.parameter},
-                                                                   {row.answerName, ""}}),
-                                  answer, events);
+        Fcodes code =
+            model.serve(makeCommand(sim::CMD_GET_PARAM,
+                                    {{"Component", row.component}, {"Parameter", row.parameter}, {row.answerName, ""}}),
+                        answer, events);
         EXPECT_EQ(row.code, code) << row.component << "/" << row.parameter;
         std::string value;
         EXPECT_EQ(row.answer != nullptr, answer.getParam(row.answerName, value) == 1 && !value.empty())
             << row.component << "/" << row.parameter;
-        if (row.answer != nullptr)
+        if (row.answer != nullptr) {
             EXPECT_EQ(row.answer, value) << row.component << "/" << row.parameter;
+        }
         EXPECT_TRUE(events.empty());
     }
 
     MessageCommand answer;
     std::vector<MessageEvent> events;
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_PUT_PARAM, {{"Component", "Device"},
-                                                                  {"Parameter", "Error LED"},
-                                                                  {"IntValue", "1"}}),
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_PUT_PARAM,
+                                             {{"Component", "Device"}, {"Parameter", "Error LED"}, {"IntValue", "1"}}),
                                  answer, events));
-    EXPECT_EQ(FC_BODY_ERROR, model.serve(makeCommand(sim::CMD_PUT_PARAM, {{"Component", "Device"},
-                                                                         {"Parameter", "Error LED"}}),
-                                         answer, events));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_GET_PARAM, {{"Component", "Device"},
-                                                                  {"Parameter", "Error LED"},
-                                                                  {"TextValue", ""}}),
+    EXPECT_EQ(FC_BODY_ERROR,
+              model.serve(makeCommand(sim::CMD_PUT_PARAM, {{"Component", "Device"}, {"Parameter", "Error LED"}}),
+                          answer, events));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_GET_PARAM,
+                                             {{"Component", "Device"}, {"Parameter", "Error LED"}, {"TextValue", ""}}),
                                  answer, events));
     std::string value;
     answer.getParam("TextValue", value);
@@ -120,8 +119,8 @@ TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
 TEST(SapModel, StreamsAreAnnouncedWithdrawnAndAllCleared) {
     SapModel model;
     auto stream = [](const char* name, const char* port) {
-        return MessageParams::ParamMap{{"ChannelName", name}, {"DestinationIp", "239.1.1.1"},
-                                       {"DestinationPort", port}};
+        return MessageParams::ParamMap{
+            {"ChannelName", name}, {"DestinationIp", "239.1.1.1"}, {"DestinationPort", port}};
     };
     EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream("Channel 0", "5000"))));
     EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream("Channel 1", "5002"))));
@@ -145,9 +144,8 @@ TEST(DeviceCommandModel, KnownCommandsAreAnsweredAndRecorded) {
     EXPECT_EQ(FC_OK, model.serve(makeCommand("Reset KLVoIP Statistics", {})));
     EXPECT_EQ(FC_OK, model.serve(makeCommand("Reset KLV Statistics", {})));
     EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand("Reset Everything", {})));
-    EXPECT_EQ((std::vector<std::string>{"Toggle KLVoSDI Input ChannelID=1 KLV Source=true",
-                                        "Reset KLVoSDI Statistics", "Reset KLVoIP Statistics",
-                                        "Reset KLV Statistics"}),
+    EXPECT_EQ((std::vector<std::string>{"Toggle KLVoSDI Input ChannelID=1 KLV Source=true", "Reset KLVoSDI Statistics",
+                                        "Reset KLVoIP Statistics", "Reset KLV Statistics"}),
               model.commands());
 }
 
@@ -155,11 +153,11 @@ TEST(FailureRules, RulesAreParsedUsedUpInOrderAndRefusedWhenMalformed) {
     FailureRules rules;
     EXPECT_EQ(FC_OK, rules.addFromCommand(makeCommand(
                          sim::CMD_SIM_FAIL, {{"Command", "START_SAP"}, {"Count", "2"}, {"Fcode", "0x10008"}})));
-    EXPECT_EQ(FC_OK, rules.addFromCommand(makeCommand(sim::CMD_SIM_FAIL, {{"Command", "START_SAP"}, {"Mode", "Silent"}})));
-    EXPECT_EQ(FC_OK, rules.addFromCommand(makeCommand(sim::CMD_SIM_FAIL, {{"Command", "GET"}, {"Mode", "NACK"},
-                                                                          {"Fcode", "32"}})));
-    EXPECT_EQ("GET: 1 x NACK 0x10020\nSTART_SAP: 2 x Fcode 0x10008\nSTART_SAP: 1 x Silent 0x10100\n",
-              rules.describe());
+    EXPECT_EQ(FC_OK,
+              rules.addFromCommand(makeCommand(sim::CMD_SIM_FAIL, {{"Command", "START_SAP"}, {"Mode", "Silent"}})));
+    EXPECT_EQ(FC_OK, rules.addFromCommand(
+                         makeCommand(sim::CMD_SIM_FAIL, {{"Command", "GET"}, {"Mode", "NACK"}, {"Fcode", "32"}})));
+    EXPECT_EQ("GET: 1 x NACK 0x10020\nSTART_SAP: 2 x Fcode 0x10008\nSTART_SAP: 1 x Silent 0x10100\n", rules.describe());
 
     struct Expected {
         const char* command;
@@ -198,8 +196,8 @@ TEST(FailureRules, RulesAreParsedUsedUpInOrderAndRefusedWhenMalformed) {
         {{"Command", "X"}, {"Fcode", "zero"}},
     };
     for (const auto& params : refused)
-        EXPECT_EQ(FC_BODY_ERROR, rules.addFromCommand(makeCommand(sim::CMD_SIM_FAIL, params))) << paramsText(
-            makeCommand(sim::CMD_SIM_FAIL, params));
+        EXPECT_EQ(FC_BODY_ERROR, rules.addFromCommand(makeCommand(sim::CMD_SIM_FAIL, params)))
+            << paramsText(makeCommand(sim::CMD_SIM_FAIL, params));
     EXPECT_EQ("", rules.describe());
 }
 
