@@ -1,0 +1,187 @@
+#include "ChanctlCommands.h"
+
+#include <chrono>
+#include <memory>
+
+#include "ChanctlFormat.h"
+#include "DataCommunicator.h"
+#include "MessageCommand.h"
+#include "MessageEvent.h"
+#include "MessageTypes.h"
+#include "TagText.h"
+#include "WireConstants.h"
+
+namespace {
+
+constexpr unsigned ONE_TRY = 1;
+
+// The channel rows of the channel manager, shown by status.
+const struct {
+    const char* rowId;
+    const char* title;
+} kChannels[] = {{"H.264", "H.264 (CH0)"}, {"HEVC", "HEVC (CH1)"}};
+constexpr const char* CHANNEL_DATASET = "ChannelDataSet";
+constexpr const char* CHANNELS_TABLE = "ChannelsTable";
+
+std::string commandText(const std::string& id, const std::vector<std::pair<std::string, std::string>>& params) {
+    MessageCommand command;
+    command.setId(id);
+    for (const auto& param : params)
+        command.addParam(param.first, param.second);
+    std::string text;
+    command.toString(text);
+    return text;
+}
+
+// The body of a GET or SET of one property, as the services' data requests read it.
+std::string dataBody(const std::string& dataSet, const std::string& component, const std::string& property,
+                     const std::string& instance, const std::string* setValue) {
+    std::string body = "<BODY>\n\t<DataSet ID=\"" + dataSet + "\" >\n\t<Component Name=\"" + component + "\" >\n";
+    if (!instance.empty())
+        body += "\t\t<Row ID=\"" + instance + "\" >\n";
+    body += "\t\t<Item Name=\"" + property + "\"";
+    if (setValue != nullptr)
+        body += " Value=\"" + *setValue + "\"";
+    body += " />\n";
+    if (!instance.empty())
+        body += "\t\t</Row>\n";
+    return body + "\t</Component>\n</DataSet>\n</BODY>\n";
+}
+
+// One request of `type` and the service's verdict: the Fcode of its ACK or
+// NACK (the engine's own requestCommand turns a NACK into "Message Header
+// Error"; a person wants the service's reason), "OK" for the expected RESPONSE.
+Fcodes exchange(DataCommunicator& engine, const std::string& socket, const char* type, const std::string& body,
+                std::string& replyBody, unsigned timeoutSec) {
+    MessageHeader request, reply;
+    request.ID = wire::PLACEHOLDER_REQUEST_ID;
+    request.Type = type;
+    request.Size = static_cast<int32_t>(body.size());
+    Fcodes code = engine.sendRequest(socket, request, body, reply, replyBody, timeoutSec, ONE_TRY);
+    if (!isOk(code))
+        return code;
+    if (reply.ID != request.ID)
+        return FC_HEADER_ERROR;
+    const bool command = request.Type == msgtype::COMMAND;
+    if (reply.Type == msgtype::NACK || (command && reply.Type == msgtype::ACK))
+        return reply.Type == msgtype::NACK && isOk(reply.Fcode) ? FC_HEADER_ERROR : reply.Fcode;
+    return !command && reply.Type == msgtype::RESPONSE ? FC_OK : FC_HEADER_ERROR;
+}
+
+Fcodes sendCommand(DataCommunicator& engine, const std::string& socket, const std::string& text,
+                   std::string& replyBody, unsigned timeoutSec) {
+    return exchange(engine, socket, msgtype::COMMAND, "<BODY>\n\t" + text + "\n</BODY>\n", replyBody, timeoutSec);
+}
+
+}  // namespace
+
+Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
+    std::string replyBody;
+    Fcodes code = sendCommand(engine, options.socket, commandText(options.words[0], options.params), replyBody,
+                              options.timeoutSec);
+    std::fputs(replyText(replyBody).c_str(), out);
+    return code;
+}
+
+Fcodes exchangeValue(DataCommunicator& engine, const std::string& socket, bool write, const std::string& dataSet,
+                     const std::string& component, const std::string& property, const std::string& instance,
+                     const std::string& setValue, std::string& value, unsigned timeoutSec) {
+    std::string replyBody;
+    Fcodes code = exchange(engine, socket, write ? msgtype::SET : msgtype::GET,
+                           dataBody(dataSet, component, property, instance, write ? &setValue : nullptr), replyBody,
+                           timeoutSec);
+    if (!isOk(code))
+        return code;
+    std::string item, answer;
+    if (getSegment(replyBody, 0, wire::TAG_ITEM, item) < 0 || getPropertyValue(item, 0, wire::ATTR_VALUE, answer) < 0)
+        return FC_BODY_ERROR;
+    value = answer;
+    return FC_OK;
+}
+
+Fcodes runGet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
+    const auto& w = options.words;
+    std::string value;
+    Fcodes code = exchangeValue(engine, options.socket, false, w[0], w[1], w[2], w.size() > 3 ? w[3] : "", "", value,
+                                options.timeoutSec);
+    if (isOk(code))
+        std::fprintf(out, "%s\n", value.c_str());
+    return code;
+}
+
+Fcodes runSet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
+    const auto& w = options.words;
+    std::string value;
+    Fcodes code = exchangeValue(engine, options.socket, true, w[0], w[1], w[2], w.size() > 4 ? w[4] : "", w[3], value,
+                                options.timeoutSec);
+    if (isOk(code))
+        std::fprintf(out, "%s\n", value.c_str());
+    return code;
+}
+
+Fcodes runEvent(DataCommunicator& engine, const ChanctlOptions& options) {
+    MessageEvent event;
+    event.id = options.words[0];
+    event.source = options.source;
+    event.status = options.status;
+    event.description = options.description;
+    event.fcode = options.fcode;
+    for (const auto& param : options.params)
+        event.addParam(param.first, param.second);
+    return engine.requestEvent(options.socket, event, options.timeoutSec, ONE_TRY);
+}
+
+Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
+    Fcodes result = FC_OK;
+    std::vector<ChannelSummary> channels;
+    for (const auto& channel : kChannels) {
+        ChannelSummary summary{channel.rowId, channel.title, {}};
+        for (const auto& row : statusRows()) {
+            std::string value;
+            Fcodes code = exchangeValue(engine, options.socket, false, CHANNEL_DATASET, CHANNELS_TABLE, row.property,
+                                        channel.rowId, "", value, options.timeoutSec);
+            // A service that does not answer at all is not asked 13 more times.
+            if (code == FC_COMM_ERROR)
+                return code;
+            result |= code;
+            summary.cells.push_back(isOk(code) ? statusCell(row, value) : "? (" + fcodeText(code) + ")");
+        }
+        channels.push_back(summary);
+    }
+    std::fputs(statusTable(channels).c_str(), out);
+    return result;
+}
+
+Fcodes ListenHolder::handle(MessageEvent* event) {
+    std::unique_ptr<MessageEvent> owned(event);
+    std::lock_guard<std::mutex> guard(mutex);
+    std::fputs(eventLine(*owned).c_str(), out);
+    std::fflush(out);
+    ++printed;
+    arrived.notify_all();
+    return FC_OK;
+}
+
+bool ListenHolder::waitFor(long count, unsigned timeoutSec) {
+    std::unique_lock<std::mutex> lock(mutex);
+    auto reached = [&] { return count >= 0 && printed >= count; };
+    if (timeoutSec == 0) {
+        arrived.wait(lock, reached);
+        return true;
+    }
+    return arrived.wait_for(lock, std::chrono::seconds(timeoutSec), reached);
+}
+
+Fcodes runListen(DataCommunicator& engine, ListenHolder& holder, const ChanctlOptions& options, FILE* err) {
+    std::string replyBody;
+    Fcodes code = sendCommand(engine, options.socket,
+                              commandText(wire::CMD_SUBSCRIBE, {{wire::PARAM_SOCK_NAME, engine.getSockName()}}),
+                              replyBody, options.timeoutSec);
+    if (!isOk(code))
+        return code;
+    std::fprintf(err, "chanctl: listening to %s\n", options.socket.c_str());
+    if (holder.waitFor(options.count, options.timeoutGiven ? options.timeoutSec : 0) || options.count < 0)
+        return FC_OK;
+    std::fprintf(err, "chanctl: fewer than %ld events before the time-out\n", options.count);
+    return FC_UNAVAILABLE;
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <string>
+
+#include "ChanctlArgs.h"
+#include "Fcodes.h"
+#include "NullDataHolder.h"
+
+class DataCommunicator;
+
+// The actions of chanctl over a messaging engine that the caller made and
+// initialised (and, for listen, started with a ListenHolder). Each prints its
+// answer on `out` and returns the result, a refusal being the service's own
+// Fcode from its NACK; the caller turns a failure into the exit status and its
+// text on stderr. Requests make one try and wait
+// options.timeoutSec for the answer.
+Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
+Fcodes runGet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
+Fcodes runSet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
+Fcodes runEvent(DataCommunicator& engine, const ChanctlOptions& options);
+Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
+
+// One value of a JSON data set of the service at `socket`, read ("GET", empty
+// `setValue` ignored) or written ("SET", `write` true; `value` then receives
+// the value now pending). A refusal gives the service's own Fcode from its
+// NACK, as for every request of chanctl. `value` is untouched on failure.
+Fcodes exchangeValue(DataCommunicator& engine, const std::string& socket, bool write, const std::string& dataSet,
+                     const std::string& component, const std::string& property, const std::string& instance,
+                     const std::string& setValue, std::string& value, unsigned timeoutSec);
+
+// The holder of a listening engine: prints every event it is handed as one
+// line on `out` and counts them. Called on the engine's server thread; read by
+// the waiting thread under its mutex.
+class ListenHolder : public NullDataHolder {
+public:
+    explicit ListenHolder(FILE* out) : out(out) {}
+    Fcodes handle(MessageEvent* event) override;
+    // Waits until `count` events were printed (count < 0: never) or
+    // `timeoutSec` passed (0: no limit); true when the count was reached.
+    bool waitFor(long count, unsigned timeoutSec);
+
+private:
+    FILE* out;
+    std::mutex mutex;
+    std::condition_variable arrived;
+    long printed = 0;
+};
+
+// Subscribes the engine's receive socket to the service's events and prints
+// them until options.count events came or options.timeout passed (no limit
+// without --timeout: until the process is interrupted). A count not reached
+// in time is "Unavailable".
+Fcodes runListen(DataCommunicator& engine, ListenHolder& holder, const ChanctlOptions& options, FILE* err);

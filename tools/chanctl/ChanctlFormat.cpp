@@ -1,0 +1,142 @@
+#include "ChanctlFormat.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "MessageCommand.h"
+#include "MessageEvent.h"
+#include "TagText.h"
+#include "WireConstants.h"
+
+namespace {
+
+std::string quoted(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    std::replace(text.begin(), text.end(), '\r', ' ');
+    return "\"" + text + "\"";
+}
+
+std::string hex(uint32_t code) {
+    static const char digits[] = "0123456789abcdef";
+    std::string text;
+    do {
+        text.insert(text.begin(), digits[code & 0xF]);
+        code >>= 4;
+    } while (code != 0);
+    return "0x" + text;
+}
+
+// The channel condition bits above 0x20000 and their meaning.
+const struct {
+    uint32_t bit;
+    const char* meaning;
+} kChannelConditions[] = {
+    {0x2, "channel error: video input lost"}, {0x4, "data stream: Zixi connection failed"}, {0x8, "data stream lost"},
+    {0x10, "stopped: input format changed"},  {0x20, "stopped by a user command"},
+};
+
+std::string trimmed(const std::string& text) {
+    size_t first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string::npos)
+        return "";
+    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+}
+
+}  // namespace
+
+std::string eventLine(const MessageEvent& event) {
+    std::string line = quoted(event.id) + " fcode=" + hex(event.fcode) + " source=" + quoted(event.source) +
+                       " status=" + quoted(event.status) + " severity=" + quoted(event.severity) +
+                       " description=" + quoted(event.description) + " time=" + quoted(event.time);
+    for (const auto& param : event.params)
+        line += " " + quoted(param.first) + "=" + quoted(param.second);
+    return line + "\n";
+}
+
+std::string channelFcodeMeaning(uint32_t code) {
+    if ((code & 0xFFFF0000u) != 0x20000u)
+        return fcodeText(static_cast<Fcodes>(code));
+    if (code == 0x20000u)
+        return "informational";
+    std::string meaning;
+    uint32_t known = 0;
+    for (const auto& condition : kChannelConditions)
+        if (code & condition.bit) {
+            meaning += (meaning.empty() ? "" : ", ") + std::string(condition.meaning);
+            known |= condition.bit;
+        }
+    if ((code & 0xFFFFu) != known)
+        meaning += (meaning.empty() ? "" : ", ") + std::string("unknown condition");
+    return meaning;
+}
+
+std::string replyText(const std::string& replyBody) {
+    std::string segment;
+    MessageCommand command;
+    if (getSegment(replyBody, 0, wire::TAG_COMMAND, segment) >= 0 && isOk(command.initFromString(segment))) {
+        std::string text;
+        for (const auto& param : command.params)
+            text += param.first + "=" + param.second + "\n";
+        return text;
+    }
+    std::string inner = replyBody;
+    for (const char* tag : {"<BODY>", "</BODY>"}) {
+        size_t at = inner.find(tag);
+        if (at != std::string::npos)
+            inner.erase(at, std::string(tag).size());
+    }
+    inner = trimmed(inner);
+    return inner.empty() ? "" : inner + "\n";
+}
+
+const std::vector<StatusRow>& statusRows() {
+    static const std::vector<StatusRow> rows = {
+        {"State", "State"},
+        {"Status", "Status"},
+        {"Fcode", "Fcode"},
+        {"Source", "Source"},
+        {"Input", "Input Resolution"},
+        {"Resolution", "Resolution"},
+        {"Total Bit Rate", "Total Bit Rate"},
+    };
+    return rows;
+}
+
+std::string statusCell(const StatusRow& row, const std::string& value) {
+    if (std::string(row.property) != "Fcode")
+        return value;
+    // The store keeps the Fcode as an integer: decimal on the wire.
+    char* end = nullptr;
+    unsigned long code = std::strtoul(value.c_str(), &end, 0);
+    if (value.empty() || *end != '\0')
+        return value;
+    return hex(static_cast<uint32_t>(code)) + " (" + channelFcodeMeaning(static_cast<uint32_t>(code)) + ")";
+}
+
+std::string statusTable(const std::vector<ChannelSummary>& channels) {
+    size_t labelWidth = 0;
+    for (const auto& row : statusRows())
+        labelWidth = std::max(labelWidth, std::string(row.label).size());
+    std::vector<size_t> widths;
+    for (const auto& channel : channels) {
+        size_t width = channel.title.size();
+        for (const auto& cell : channel.cells)
+            width = std::max(width, cell.size());
+        widths.push_back(width);
+    }
+    auto line = [&](const std::string& label, auto cellOf) {
+        std::string text = label + std::string(labelWidth - label.size(), ' ');
+        for (size_t i = 0; i < channels.size(); ++i) {
+            std::string cell = cellOf(channels[i]);
+            text += "  " + cell;
+            if (i + 1 < channels.size())
+                text += std::string(widths[i] - cell.size(), ' ');
+        }
+        return text + "\n";
+    };
+    std::string table = line("", [](const ChannelSummary& c) { return c.title; });
+    for (size_t r = 0; r < statusRows().size(); ++r)
+        table += line(statusRows()[r].label,
+                      [r](const ChannelSummary& c) { return r < c.cells.size() ? c.cells[r] : std::string(); });
+    return table;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Fcodes.h"
+
+class MessageEvent;
+
+// How chanctl prints what it receives. Pure functions over texts.
+
+// One line for an event: its ID, fcode, fields and parameters, every text
+// quoted (the wire cannot carry a double quote, so quoting is unambiguous),
+// line breaks inside texts shown as spaces. Ends with a newline.
+std::string eventLine(const MessageEvent& event);
+
+// The meaning of a channel's "Fcode": the shared result texts for 0x1xxxx
+// codes, the channel condition names for 0x2xxxx codes.
+std::string channelFcodeMeaning(uint32_t code);
+
+// What a command's answer body says: the parameters of its Command element as
+// NAME=VALUE lines, otherwise the body's inner text; "" when there is nothing.
+std::string replyText(const std::string& replyBody);
+
+// One channel's summary as read from the channel manager. Cells that could not
+// be read hold "?" and the reason.
+struct ChannelSummary {
+    std::string rowId;
+    std::string title;
+    std::vector<std::string> cells;  // in the order of statusRows()
+};
+
+// The summary rows of the status view: label, "ChannelsTable" property.
+struct StatusRow {
+    const char* label;
+    const char* property;
+};
+const std::vector<StatusRow>& statusRows();
+
+// The cell shown for a value read: the Fcode with its meaning, others as they are.
+std::string statusCell(const StatusRow& row, const std::string& value);
+
+// The channels side by side, one row per summary field.
+std::string statusTable(const std::vector<ChannelSummary>& channels);

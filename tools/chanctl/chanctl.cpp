@@ -1,0 +1,141 @@
+// chanctl: the command-line client of the appliance's services. Sends a
+// command, reads and writes data set values, listens for events, sends an
+// event, and shows both channels of the channel manager at a glance.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "ChanctlArgs.h"
+#include "ChanctlCommands.h"
+#include "DataCommunicator.h"
+#include "DbgPrintClient.h"
+#include "SysmgtRoot.h"
+
+namespace {
+
+// Host paths of this process's two sockets, for the signal handler.
+char gReceivePath[4096];
+char gSendPath[4096];
+
+void removeSockets() {
+    unlink(gReceivePath);
+    unlink(gSendPath);
+}
+
+// An interrupted chanctl (Ctrl-C during listen, or a kill) leaves no socket
+// file behind. Only async-signal-safe calls here.
+void onSignal(int signo) {
+    removeSockets();
+    _exit(128 + signo);
+}
+
+void installSignalHandlers() {
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    for (int signo : {SIGINT, SIGTERM, SIGHUP})
+        sigaction(signo, &action, nullptr);
+}
+
+// The engine logs into the debug pipe. Opening it blocks while the pipe exists
+// without a reader, and a missing pipe is announced on stdout; a client tool
+// must neither hang nor mix that into its answers. So the log client is made
+// here, first: with a reader present it logs as any process does; otherwise
+// its lines are lost.
+void openDebugLogQuietly() {
+    const std::string pipePath = sysmgtPath("/tmp/sockDbg");
+    int probe = open(pipePath.c_str(), O_WRONLY | O_NONBLOCK);
+    int heldReader = -1;
+    if (probe >= 0) {
+        close(probe);
+    } else if (errno == ENXIO) {
+        heldReader = open(pipePath.c_str(), O_RDONLY | O_NONBLOCK);  // lets the blocking open through
+    }
+    std::fflush(stdout);
+    std::cout.flush();
+    int savedStdout = dup(STDOUT_FILENO);
+    int devNull = open("/dev/null", O_WRONLY);
+    if (devNull >= 0)
+        dup2(devNull, STDOUT_FILENO);
+    DbgPrintClient::getInstance();
+    std::cout.flush();
+    if (savedStdout >= 0) {
+        dup2(savedStdout, STDOUT_FILENO);
+        close(savedStdout);
+    }
+    if (devNull >= 0)
+        close(devNull);
+    if (heldReader >= 0)
+        close(heldReader);
+}
+
+Fcodes run(DataCommunicator& engine, ListenHolder& listener, const ChanctlOptions& options) {
+    switch (options.action) {
+        case ChanctlAction::Command:
+            return runCommand(engine, options, stdout);
+        case ChanctlAction::Get:
+            return runGet(engine, options, stdout);
+        case ChanctlAction::Set:
+            return runSet(engine, options, stdout);
+        case ChanctlAction::Event:
+            return runEvent(engine, options);
+        case ChanctlAction::Status:
+            return runStatus(engine, options, stdout);
+        case ChanctlAction::Listen:
+            engine.start();
+            return runListen(engine, listener, options, stderr);
+        case ChanctlAction::Help:
+            break;
+    }
+    return FC_UNSUPPORTED;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ChanctlOptions options;
+    std::string refused = parseChanctlArgs(std::vector<std::string>(argv + 1, argv + argc), options);
+    if (!refused.empty()) {
+        std::fprintf(stderr, "chanctl: %s\n(chanctl --help tells how to use it)\n", refused.c_str());
+        return 2;
+    }
+    if (options.action == ChanctlAction::Help) {
+        std::fputs(chanctlUsage(), stdout);
+        return 0;
+    }
+
+    // The engine ends the process (status 0) when it cannot bind; say why first.
+    const std::string tmp = sysmgtPath("/tmp");
+    if (access(tmp.c_str(), W_OK | X_OK) != 0) {
+        std::fprintf(stderr, "chanctl: cannot make its sockets in %s: %s\n", tmp.c_str(), std::strerror(errno));
+        return 1;
+    }
+    const std::string receiveSocket = "/tmp/chanctl-" + std::to_string(getpid());
+    const std::string sendSocket = receiveSocket + "-send";
+    std::snprintf(gReceivePath, sizeof gReceivePath, "%s", sysmgtPath(receiveSocket).c_str());
+    std::snprintf(gSendPath, sizeof gSendPath, "%s", sysmgtPath(sendSocket).c_str());
+    installSignalHandlers();
+    openDebugLogQuietly();
+
+    Fcodes code;
+    {
+        ListenHolder listener(stdout);
+        DataCommunicator engine;
+        engine.init(&listener, receiveSocket, sendSocket, "tChanctl");
+        code = run(engine, listener, options);
+        std::fflush(stdout);
+    }  // the engine stops its server thread here
+    removeSockets();
+    if (isOk(code))
+        return 0;
+    std::fprintf(stderr, "chanctl: %s\n", fcodeText(code).c_str());
+    return 1;
+}
