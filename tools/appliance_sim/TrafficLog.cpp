@@ -11,9 +11,17 @@
 
 namespace {
 
+// A value's line breaks are shown as \n, so that a message stays one line.
 void appendParams(std::ostringstream& out, const MessageParams& params) {
-    for (const auto& [name, value] : params.params)
-        out << ' ' << name << "=\"" << value << '"';
+    for (const auto& [name, value] : params.params) {
+        out << ' ' << name << "=\"";
+        for (char c : value)
+            if (c == '\n')
+                out << "\\n";
+            else
+                out << c;
+        out << '"';
+    }
 }
 
 // Newlines and tabs dropped, so that a data body reads as one line.

@@ -211,6 +211,12 @@ TEST(TrafficLog, OneLinePerMessageNamesDirectionServiceTypeIdAndCode) {
                                      "\t<Parameter Name=\"Sync\" Value=\"true\" />\n"
                                      "\t<Parameter Name=\"Branch\" Value=\"UDP CH0\" />\n</Command>\n</BODY>\n"));
 
+    EXPECT_EQ("OUT sap COMMAND #7 \"Sim Report\" Report=\"a\\nb\\n\" Fcode=0x10000 (OK)",
+              TrafficLog::formatLine("OUT", "sap", command,
+                                     "<BODY><Command ID=\"Sim Report\" >\n"
+                                     "\t<Parameter Name=\"Report\" Value=\"a\nb\n\" />\n</Command></BODY>"))
+        << "line breaks of values are shown, not printed";
+
     MessageHeader nack;
     nack.Type = "NACK";
     nack.ID = 8;
