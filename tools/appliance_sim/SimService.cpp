@@ -1,5 +1,6 @@
 #include "SimService.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -111,9 +112,15 @@ void SimService::serveLoop() {
         std::string body;
         sockaddr_storage from{};
         socklen_t fromLength = wire::SENDER_ADDR_SIZE;
-        // The socket's one-second time-out brings the loop round to look at
-        // `stopping`; stop() ends a waiting receive at once.
-        Fcodes read = engine.readMsg(sock, header, body, reinterpret_cast<sockaddr*>(&from), &fromLength, 1, 0);
+        // Waits here, a second at a time, to look at `stopping` in between
+        // (stop() ends the wait at once); the read itself then never waits.
+        pollfd readable{sock, POLLIN, 0};
+        if (poll(&readable, 1, 1000) <= 0 && !stopping)
+            continue;
+        if (stopping)
+            break;
+        Fcodes read =
+            engine.readMsg(sock, header, body, reinterpret_cast<sockaddr*>(&from), &fromLength, wire::NO_WAIT, 0);
         if (stopping)
             break;
         if (!isOk(read) || header.Type.empty())
