@@ -6,6 +6,7 @@
 
 #include "MessageCommand.h"
 #include "MessageEvent.h"
+#include "MessageTypes.h"
 #include "TagText.h"
 #include "WireConstants.h"
 
@@ -83,6 +84,10 @@ std::string TrafficLog::formatLine(const char* direction, const std::string& ser
     std::ostringstream out;
     out << std::left << std::setw(4) << direction << service << ' ' << header.Type << " #" << header.ID;
     appendBody(out, body);
+    // Requests carry no code on the wire; replies and events do.
+    const bool request = header.Type == msgtype::COMMAND || header.Type == msgtype::GET || header.Type == msgtype::SET;
+    if (request)
+        return out.str();
     const Fcodes code = static_cast<Fcodes>(header.Fcode);
     out << " Fcode=0x" << std::hex << static_cast<uint32_t>(code) << std::dec << " (" << fcodeText(code) << ")";
     return out.str();

@@ -27,9 +27,10 @@ public:
     void note(const std::string& text);
 
     // The line `message` prints, e.g.
-    //   IN  mediator COMMAND #7 "Tarnevel Get Branch State" Branch="UDP CH0" Fcode=0x10000 (OK)
-    //   OUT mediator EVENT #3 "Tarnevel Branch Started" Source="UDP CH0" Fcode=0x10000 (OK)
-    //   IN  device GET #9 <DataSet ID="DeviceDataSet" ><Component Name="DateTimeTable" >... Fcode=...
+    //   IN  mediator COMMAND #7 "Tarnevel Get Branch State" Branch="UDP CH0"
+    //   OUT mediator EVENT #0 "Tarnevel Branch Started" Source="UDP CH0" Status="None" Fcode=0x10000 (OK)
+    //   IN  device GET #9 <DataSet ID="DeviceDataSet" ><Component Name="DateTimeTable" >...
+    // Replies and events end with their Fcode and its meaning; requests carry none.
     static std::string formatLine(const char* direction, const std::string& service, const MessageHeader& header,
                                   const std::string& body);
 

@@ -205,14 +205,16 @@ TEST(TrafficLog, OneLinePerMessageNamesDirectionServiceTypeIdAndCode) {
     MessageHeader command;
     command.Type = "COMMAND";
     command.ID = 7;
-    EXPECT_EQ("IN  mediator COMMAND #7 \"Tarnevel Start Branch\" Branch=\"UDP CH0\" Sync=\"true\" Fcode=0x10000 (OK)",
+    EXPECT_EQ("IN  mediator COMMAND #7 \"Tarnevel Start Branch\" Branch=\"UDP CH0\" Sync=\"true\"",
               TrafficLog::formatLine("IN", "mediator", command,
                                      "<BODY>\n\t<Command ID=\"Tarnevel Start Branch\" >\n"
                                      "\t<Parameter Name=\"Sync\" Value=\"true\" />\n"
                                      "\t<Parameter Name=\"Branch\" Value=\"UDP CH0\" />\n</Command>\n</BODY>\n"));
 
-    EXPECT_EQ("OUT sap COMMAND #7 \"Sim Report\" Report=\"a\\nb\\n\" Fcode=0x10000 (OK)",
-              TrafficLog::formatLine("OUT", "sap", command,
+    MessageHeader ack = command;
+    ack.Type = "ACK";
+    EXPECT_EQ("OUT sap ACK #7 \"Sim Report\" Report=\"a\\nb\\n\" Fcode=0x10000 (OK)",
+              TrafficLog::formatLine("OUT", "sap", ack,
                                      "<BODY><Command ID=\"Sim Report\" >\n"
                                      "\t<Parameter Name=\"Report\" Value=\"a\nb\n\" />\n</Command></BODY>"))
         << "line breaks of values are shown, not printed";
@@ -235,7 +237,7 @@ TEST(TrafficLog, OneLinePerMessageNamesDirectionServiceTypeIdAndCode) {
     MessageHeader get;
     get.Type = "GET";
     get.ID = 9;
-    EXPECT_EQ("IN  device GET #9 <DataSet ID=\"DeviceDataSet\" ><Item Name=\"TZ\" /></DataSet> Fcode=0x10000 (OK)",
+    EXPECT_EQ("IN  device GET #9 <DataSet ID=\"DeviceDataSet\" ><Item Name=\"TZ\" /></DataSet>",
               TrafficLog::formatLine("IN", "device", get,
                                      "<BODY>\n\t<DataSet ID=\"DeviceDataSet\" >\n\t\t<Item Name=\"TZ\" />\n"
                                      "</DataSet>\n</BODY>\n"));
