@@ -7,6 +7,7 @@
 
 #include "SimVocabulary.h"
 #include "TagText.h"
+#include "TarnevelWire.h"
 
 namespace {
 
@@ -70,34 +71,34 @@ Fcodes MediatorModel::serve(const MessageCommand& request, MessageCommand& answe
     answer = request;
     const std::string& id = request.getId();
     std::lock_guard<std::mutex> guard(mutex);
-    if (id == sim::CMD_GET_PARAM)
+    if (id == tarnevel::CMD_GET_PARAM)
         return getParam(request, answer);
-    if (id == sim::CMD_PUT_PARAM)
+    if (id == tarnevel::CMD_PUT_PARAM)
         return putParam(request);
-    if (id == sim::CMD_GET_ASSEMBLY) {
-        answer.addParam(sim::PARAM_ASSEMBLY, assemblyText);
+    if (id == tarnevel::CMD_GET_ASSEMBLY) {
+        answer.addParam(tarnevel::PARAM_ASSEMBLY, assemblyText);
         return FC_OK;
     }
-    if (id == sim::CMD_PUT_ASSEMBLY) {
+    if (id == tarnevel::CMD_PUT_ASSEMBLY) {
         std::string text;
-        if (request.getParam(sim::PARAM_ASSEMBLY, text) == 0)
+        if (request.getParam(tarnevel::PARAM_ASSEMBLY, text) == 0)
             return FC_BODY_ERROR;
         assemblyText = text;
-        recordedWrites.push_back(std::string(sim::PARAM_ASSEMBLY) + "=" + text);
+        recordedWrites.push_back(std::string(tarnevel::PARAM_ASSEMBLY) + "=" + text);
         return FC_OK;
     }
-    if (id == sim::CMD_GET_BRANCH_STATE) {
+    if (id == tarnevel::CMD_GET_BRANCH_STATE) {
         std::string branch;
-        if (request.getParam(sim::PARAM_BRANCH, branch) == 0)
+        if (request.getParam(tarnevel::PARAM_BRANCH, branch) == 0)
             return FC_BODY_ERROR;
         auto found = branches.find(branch);
-        answer.addParam(sim::PARAM_BRANCH_STATE, found == branches.end() ? sim::BRANCH_STOP : found->second);
+        answer.addParam(tarnevel::PARAM_BRANCH_STATE, found == branches.end() ? tarnevel::BRANCH_STOP : found->second);
         return FC_OK;
     }
-    if (id == sim::CMD_STORE_STATE)
+    if (id == tarnevel::CMD_STORE_STATE)
         return FC_OK;
-    if (id == sim::CMD_START_BRANCH || id == sim::CMD_STOP_BRANCH)
-        return changeBranch(request, id == sim::CMD_START_BRANCH, events);
+    if (id == tarnevel::CMD_START_BRANCH || id == tarnevel::CMD_STOP_BRANCH)
+        return changeBranch(request, id == tarnevel::CMD_START_BRANCH, events);
     return FC_NO_SUCH_NAME;
 }
 
@@ -105,8 +106,8 @@ Fcodes MediatorModel::serve(const MessageCommand& request, MessageCommand& answe
 // (leading-number conversion of the stored text), otherwise "TextValue".
 Fcodes MediatorModel::getParam(const MessageCommand& request, MessageCommand& answer) const {
     bool missing = false;
-    const std::string component = requiredParam(request, sim::PARAM_COMPONENT, missing);
-    const std::string parameter = requiredParam(request, sim::PARAM_PARAMETER, missing);
+    const std::string component = requiredParam(request, tarnevel::PARAM_COMPONENT, missing);
+    const std::string parameter = requiredParam(request, tarnevel::PARAM_PARAMETER, missing);
     if (missing)
         return FC_BODY_ERROR;
     auto found = params.find(component);
@@ -116,10 +117,10 @@ Fcodes MediatorModel::getParam(const MessageCommand& request, MessageCommand& an
     if (value == found->second.end())
         return FC_NO_SUCH_NAME;
     std::string unused;
-    if (request.getParam(sim::PARAM_INT_VALUE, unused) != 0)
-        answer.addParam(sim::PARAM_INT_VALUE, std::to_string(tagToInt(value->second)));
+    if (request.getParam(tarnevel::PARAM_INT_VALUE, unused) != 0)
+        answer.addParam(tarnevel::PARAM_INT_VALUE, std::to_string(tagToInt(value->second)));
     else
-        answer.addParam(sim::PARAM_TEXT_VALUE, value->second);
+        answer.addParam(tarnevel::PARAM_TEXT_VALUE, value->second);
     return FC_OK;
 }
 
@@ -127,12 +128,13 @@ Fcodes MediatorModel::getParam(const MessageCommand& request, MessageCommand& an
 // and a later read returns what was written.
 Fcodes MediatorModel::putParam(const MessageCommand& request) {
     bool missing = false;
-    const std::string component = requiredParam(request, sim::PARAM_COMPONENT, missing);
-    const std::string parameter = requiredParam(request, sim::PARAM_PARAMETER, missing);
+    const std::string component = requiredParam(request, tarnevel::PARAM_COMPONENT, missing);
+    const std::string parameter = requiredParam(request, tarnevel::PARAM_PARAMETER, missing);
     if (missing)
         return FC_BODY_ERROR;
     std::string value;
-    if (request.getParam(sim::PARAM_TEXT_VALUE, value) == 0 && request.getParam(sim::PARAM_INT_VALUE, value) == 0)
+    if (request.getParam(tarnevel::PARAM_TEXT_VALUE, value) == 0 &&
+        request.getParam(tarnevel::PARAM_INT_VALUE, value) == 0)
         return FC_BODY_ERROR;
     params[component][parameter] = value;
     recordedWrites.push_back(component + "/" + parameter + "=" + value);
@@ -141,9 +143,9 @@ Fcodes MediatorModel::putParam(const MessageCommand& request) {
 
 Fcodes MediatorModel::changeBranch(const MessageCommand& request, bool start, std::vector<MessageEvent>& events) {
     std::string branch;
-    if (request.getParam(sim::PARAM_BRANCH, branch) == 0 || branch.empty())
+    if (request.getParam(tarnevel::PARAM_BRANCH, branch) == 0 || branch.empty())
         return FC_BODY_ERROR;
-    branches[branch] = start ? sim::BRANCH_RUN : sim::BRANCH_STOP;
+    branches[branch] = start ? tarnevel::BRANCH_RUN : tarnevel::BRANCH_STOP;
     MessageEvent event;
     event.id = start ? sim::EVT_BRANCH_STARTED : sim::EVT_BRANCH_STOPPED;
     event.source = branch;
@@ -161,7 +163,7 @@ void MediatorModel::setParam(const std::string& component, const std::string& pa
 std::string MediatorModel::branchState(const std::string& branch) const {
     std::lock_guard<std::mutex> guard(mutex);
     auto found = branches.find(branch);
-    return found == branches.end() ? sim::BRANCH_STOP : found->second;
+    return found == branches.end() ? tarnevel::BRANCH_STOP : found->second;
 }
 
 std::vector<std::string> MediatorModel::writes() const {

@@ -5,6 +5,7 @@
 
 #include "AtomicFile.h"
 #include "SimVocabulary.h"
+#include "TarnevelWire.h"
 
 bool readHostFile(const std::string& hostPath, std::string& text) {
     std::ifstream in(hostPath, std::ios::binary);
@@ -25,8 +26,8 @@ Fcodes MediatorService::serveControl(const MessageCommand& request) {
     if (request.getId() != sim::CMD_SIM_SET_PARAM)
         return FC_NO_SUCH_NAME;
     std::string component, parameter, value;
-    if (request.getParam(sim::PARAM_COMPONENT, component) == 0 ||
-        request.getParam(sim::PARAM_PARAMETER, parameter) == 0 || request.getParam(sim::PARAM_VALUE, value) == 0)
+    if (request.getParam(tarnevel::PARAM_COMPONENT, component) == 0 ||
+        request.getParam(tarnevel::PARAM_PARAMETER, parameter) == 0 || request.getParam(sim::PARAM_VALUE, value) == 0)
         return FC_BODY_ERROR;
     mediator.setParam(component, parameter, value);
     return FC_OK;

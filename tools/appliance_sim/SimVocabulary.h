@@ -11,24 +11,7 @@ constexpr const char* SOCK_SEND_MEDIATOR = "/tmp/sockSendTarnevelMediator";
 constexpr const char* SOCK_SEND_DEV = "/tmp/sockSendDev";
 constexpr const char* SOCK_SEND_SAP = "/tmp/sockSendSap";
 
-// Mediator commands, their parameters and events.
-constexpr const char* CMD_GET_PARAM = "Tarnevel Get Param";
-constexpr const char* CMD_PUT_PARAM = "Tarnevel Put Param";
-constexpr const char* CMD_GET_ASSEMBLY = "Tarnevel Get Assembly";
-constexpr const char* CMD_PUT_ASSEMBLY = "Tarnevel Put Assembly";
-constexpr const char* CMD_GET_BRANCH_STATE = "Tarnevel Get Branch State";
-constexpr const char* CMD_STORE_STATE = "Tarnevel Store State";
-constexpr const char* CMD_START_BRANCH = "Tarnevel Start Branch";
-constexpr const char* CMD_STOP_BRANCH = "Tarnevel Stop Branch";
-constexpr const char* PARAM_COMPONENT = "Component";
-constexpr const char* PARAM_PARAMETER = "Parameter";
-constexpr const char* PARAM_TEXT_VALUE = "TextValue";
-constexpr const char* PARAM_INT_VALUE = "IntValue";
-constexpr const char* PARAM_ASSEMBLY = "Assembly";
-constexpr const char* PARAM_BRANCH = "Branch";
-constexpr const char* PARAM_BRANCH_STATE = "Branch State";
-constexpr const char* BRANCH_RUN = "RUN";
-constexpr const char* BRANCH_STOP = "STOP";
+// Mediator events (its commands and parameters are in TarnevelWire.h).
 constexpr const char* EVT_BRANCH_STARTED = "Tarnevel Branch Started";
 constexpr const char* EVT_BRANCH_STOPPED = "Tarnevel Branch Stopped";
 

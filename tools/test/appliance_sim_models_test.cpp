@@ -6,6 +6,7 @@
 #include "MediatorModel.h"
 #include "PeerModels.h"
 #include "SimVocabulary.h"
+#include "TarnevelWire.h"
 #include "TrafficLog.h"
 
 namespace {
@@ -48,7 +49,7 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
         MessageCommand answer;
         std::vector<MessageEvent> events;
         Fcodes code =
-            model.serve(makeCommand(sim::CMD_GET_PARAM,
+            model.serve(makeCommand(tarnevel::CMD_GET_PARAM,
                                     {{"Component", row.component}, {"Parameter", row.parameter}, {row.answerName, ""}}),
                         answer, events);
         EXPECT_EQ(row.code, code) << row.component << "/" << row.parameter;
@@ -63,13 +64,13 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
 
     MessageCommand answer;
     std::vector<MessageEvent> events;
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_PUT_PARAM,
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_PUT_PARAM,
                                              {{"Component", "Device"}, {"Parameter", "Error LED"}, {"IntValue", "1"}}),
                                  answer, events));
     EXPECT_EQ(FC_BODY_ERROR,
-              model.serve(makeCommand(sim::CMD_PUT_PARAM, {{"Component", "Device"}, {"Parameter", "Error LED"}}),
+              model.serve(makeCommand(tarnevel::CMD_PUT_PARAM, {{"Component", "Device"}, {"Parameter", "Error LED"}}),
                           answer, events));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_GET_PARAM,
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_GET_PARAM,
                                              {{"Component", "Device"}, {"Parameter", "Error LED"}, {"TextValue", ""}}),
                                  answer, events));
     std::string value;
@@ -88,18 +89,19 @@ TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
     MessageCommand answer;
     std::vector<MessageEvent> events;
     auto state = [&](const std::string& branch) {
-        EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_GET_BRANCH_STATE, {{"Branch", branch}}), answer, events));
+        EXPECT_EQ(FC_OK,
+                  model.serve(makeCommand(tarnevel::CMD_GET_BRANCH_STATE, {{"Branch", branch}}), answer, events));
         std::string value;
         answer.getParam("Branch State", value);
         return value;
     };
     EXPECT_EQ("STOP", state("UDP CH0"));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_BRANCH,
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_START_BRANCH,
                                              {{"Branch", "UDP CH0"}, {"Sync", "true"}, {"Timeout sec", "30"}}),
                                  answer, events));
     EXPECT_EQ("RUN", state("UDP CH0"));
     EXPECT_EQ("STOP", state("SRT CH1"));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_BRANCH, {{"Branch", "UDP CH0"}}), answer, events));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_STOP_BRANCH, {{"Branch", "UDP CH0"}}), answer, events));
     EXPECT_EQ("STOP", model.branchState("UDP CH0"));
     ASSERT_EQ(2u, events.size());
     EXPECT_EQ("Tarnevel Branch Started", events[0].id);
@@ -108,11 +110,11 @@ TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
     EXPECT_EQ("UDP CH0", events[1].source);
 
     events.clear();
-    EXPECT_EQ(FC_BODY_ERROR, model.serve(makeCommand(sim::CMD_START_BRANCH, {}), answer, events));
+    EXPECT_EQ(FC_BODY_ERROR, model.serve(makeCommand(tarnevel::CMD_START_BRANCH, {}), answer, events));
     EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand("Tarnevel Start Branch ", {{"Branch", "b"}}), answer, events));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_PUT_ASSEMBLY, {{"Assembly", "A\nB\n"}}), answer, events));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_PUT_ASSEMBLY, {{"Assembly", "A\nB\n"}}), answer, events));
     EXPECT_EQ("A\nB\n", model.assembly());
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STORE_STATE, {}), answer, events));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_STORE_STATE, {}), answer, events));
     EXPECT_TRUE(events.empty());
 }
 
@@ -202,43 +204,37 @@ TEST(FailureRules, RulesAreParsedUsedUpInOrderAndRefusedWhenMalformed) {
 }
 
 TEST(TrafficLog, OneLinePerMessageNamesDirectionServiceTypeIdAndCode) {
-    MessageHeader command;
-    command.Type = "COMMAND";
-    command.ID = 7;
-    EXPECT_EQ("IN  mediator COMMAND #7 \"Tarnevel Start Branch\" Branch=\"UDP CH0\" Sync=\"true\"",
-              TrafficLog::formatLine("IN", "mediator", command,
-                                     "<BODY>\n\t<Command ID=\"Tarnevel Start Branch\" >\n"
-                                     "\t<Parameter Name=\"Sync\" Value=\"true\" />\n"
-                                     "\t<Parameter Name=\"Branch\" Value=\"UDP CH0\" />\n</Command>\n</BODY>\n"));
-
-    MessageHeader ack = command;
-    ack.Type = "ACK";
-    EXPECT_EQ("OUT sap ACK #7 \"Sim Report\" Report=\"a\\nb\\n\" Fcode=0x10000 (OK)",
-              TrafficLog::formatLine("OUT", "sap", ack,
-                                     "<BODY><Command ID=\"Sim Report\" >\n"
-                                     "\t<Parameter Name=\"Report\" Value=\"a\nb\n\" />\n</Command></BODY>"))
-        << "line breaks of values are shown, not printed";
-
-    MessageHeader nack;
-    nack.Type = "NACK";
-    nack.ID = 8;
-    nack.Fcode = FC_NO_SUCH_NAME;
-    EXPECT_EQ("OUT sap NACK #8 Fcode=0x10008 (" + fcodeText(FC_NO_SUCH_NAME) + ")",
-              TrafficLog::formatLine("OUT", "sap", nack, ""));
-
-    MessageHeader event;
-    event.Type = "EVENT";
-    event.ID = 3;
-    EXPECT_EQ("OUT mediator EVENT #3 \"Data Stream\" Source=\"H.264\" Status=\"None\" Bitrate=\"5\" Fcode=0x10000 (OK)",
-              TrafficLog::formatLine("OUT", "mediator", event,
-                                     "<BODY>\n<Event ID=\"Data Stream\" Source=\"H.264\" >\n"
-                                     "\t<Parameter Name=\"Bitrate\" Value=\"5\" />\n</Event>\n</BODY>\n"));
-
-    MessageHeader get;
-    get.Type = "GET";
-    get.ID = 9;
-    EXPECT_EQ("IN  device GET #9 <DataSet ID=\"DeviceDataSet\" ><Item Name=\"TZ\" /></DataSet>",
-              TrafficLog::formatLine("IN", "device", get,
-                                     "<BODY>\n\t<DataSet ID=\"DeviceDataSet\" >\n\t\t<Item Name=\"TZ\" />\n"
-                                     "</DataSet>\n</BODY>\n"));
+    struct Row {
+        const char* direction;
+        const char* service;
+        const char* type;
+        Fcodes code;
+        const char* body;
+        std::string expected;
+    } rows[] = {
+        {"IN", "mediator", "COMMAND", FC_OK,
+         "<BODY>\n\t<Command ID=\"Tarnevel Start Branch\" >\n\t<Parameter Name=\"Sync\" Value=\"true\" />\n"
+         "\t<Parameter Name=\"Branch\" Value=\"UDP CH0\" />\n</Command>\n</BODY>\n",
+         "IN  mediator COMMAND #7 \"Tarnevel Start Branch\" Branch=\"UDP CH0\" Sync=\"true\""},
+        // Line breaks of values are shown, not printed.
+        {"OUT", "sap", "ACK", FC_OK,
+         "<BODY><Command ID=\"Sim Report\" >\n\t<Parameter Name=\"Report\" Value=\"a\nb\n\" />\n</Command></BODY>",
+         "OUT sap ACK #7 \"Sim Report\" Report=\"a\\nb\\n\" Fcode=0x10000 (OK)"},
+        {"OUT", "sap", "NACK", FC_NO_SUCH_NAME, "",
+         "OUT sap NACK #7 Fcode=0x10008 (" + fcodeText(FC_NO_SUCH_NAME) + ")"},
+        {"OUT", "mediator", "EVENT", FC_OK,
+         "<BODY>\n<Event ID=\"Data Stream\" Source=\"H.264\" >\n\t<Parameter Name=\"Bitrate\" Value=\"5\" />\n"
+         "</Event>\n</BODY>\n",
+         "OUT mediator EVENT #7 \"Data Stream\" Source=\"H.264\" Status=\"None\" Bitrate=\"5\" Fcode=0x10000 (OK)"},
+        {"IN", "device", "GET", FC_OK,
+         "<BODY>\n\t<DataSet ID=\"DeviceDataSet\" >\n\t\t<Item Name=\"TZ\" />\n</DataSet>\n</BODY>\n",
+         "IN  device GET #7 <DataSet ID=\"DeviceDataSet\" ><Item Name=\"TZ\" /></DataSet>"},
+    };
+    for (const Row& row : rows) {
+        MessageHeader header;
+        header.Type = row.type;
+        header.ID = 7;
+        header.Fcode = row.code;
+        EXPECT_EQ(row.expected, TrafficLog::formatLine(row.direction, row.service, header, row.body)) << row.type;
+    }
 }
