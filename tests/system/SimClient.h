@@ -47,31 +47,15 @@ public:
         });
     }
 
-    // Sends a command (one try, 5 s) and returns the peer's verdict; `answer`
-    // receives the Command element of the reply when there is one.
+    // Sends a command (one try) and returns the peer's verdict.
     Fcodes command(const std::string& peer, const std::string& id, const MessageParams::ParamMap& params,
-                   MessageCommand* answer = nullptr, unsigned timeoutSec = 5) {
+                   unsigned timeoutSec = 5) {
         MessageCommand request;
         request.setId(id);
         request.params = params;
         std::string text, reply;
         request.toString(text);
-        Fcodes code = engine.requestCommand(peer, text, reply, timeoutSec, 1);
-        if (answer != nullptr) {
-            const size_t start = reply.find("<Command");
-            if (start != std::string::npos)
-                answer->initFromString(reply.substr(start));
-        }
-        return code;
-    }
-    // The value of one parameter of a command's answer ("" when missing).
-    std::string ask(const std::string& peer, const std::string& id, const MessageParams::ParamMap& params,
-                    const std::string& answerName, Fcodes& code) {
-        MessageCommand answer;
-        code = command(peer, id, params, &answer);
-        std::string value;
-        answer.getParam(answerName, value);
-        return value;
+        return engine.requestCommand(peer, text, reply, timeoutSec, 1);
     }
 
     DataCommunicator engine;
