@@ -141,14 +141,10 @@ void SimService::serveRequest(MessageHeader& header, const std::string& body, so
     std::string replyBody;
     DataCommunicator& engine = *getDataCommunicator();
     Fcodes code = engine.treatMsg(header, body, reply, replyBody);
-    if (header.Type == msgtype::SET) {
-        // A device manager applies a setting at once: what was set is what a
-        // later GET reads.
-        if (isOk(code))
-            afterSet();
-        else
-            rollbackChanges();
-    }
+    // A device manager applies a setting at once: what was set is what a later
+    // GET reads. (A refused SET the engine has already rolled back.)
+    if (header.Type == msgtype::SET && isOk(code))
+        afterSet();
     // A refused command is answered with an ACK carrying the code, as the
     // mediator answers, so that the requester learns the code itself; a
     // refused GET or SET with a NACK, as the engine answers it.
