@@ -1,0 +1,52 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Fcodes.h"
+#include "MessageCommand.h"
+#include "MessageEvent.h"
+
+// What the simulated media mediator knows: the state of each branch, the
+// parameters of its components, the writes it received and its assembly. It
+// serves the eight "Tarnevel ..." commands; the caller sends the answer and
+// the events.
+// Thread-safe: the serving thread and the control commands share it.
+class MediatorModel {
+public:
+    // Loads the parameter table from its JSON text: an object of components,
+    // each an object of parameters whose values are texts, integers or
+    // booleans. Replaces the table and the assembly. "Bad Value" with `error`
+    // set when the text is not such an object.
+    Fcodes loadParams(const std::string& jsonText, std::string& error);
+
+    // Serves one request. `answer` starts as a copy of the request and gets
+    // the answer parameter of a read; `events` receives the events to send to
+    // the subscribers. "Message Body Error" for missing parameters, "No Such
+    // Name" for an unknown command, component or parameter.
+    Fcodes serve(const MessageCommand& request, MessageCommand& answer, std::vector<MessageEvent>& events);
+
+    // Sets a parameter as the mediator itself would (control command).
+    void setParam(const std::string& component, const std::string& parameter, const std::string& value);
+    // "RUN" or "STOP"; a branch never started is "STOP".
+    std::string branchState(const std::string& branch) const;
+    // The writes received, in order, as `Component/Parameter=value`.
+    std::vector<std::string> writes() const;
+    std::string assembly() const;
+    // Running branches and recorded writes, one a line (for "Sim Report").
+    std::string report() const;
+
+private:
+    Fcodes getParam(const MessageCommand& request, MessageCommand& answer) const;
+    Fcodes putParam(const MessageCommand& request);
+    Fcodes changeBranch(const MessageCommand& request, bool start, std::vector<MessageEvent>& events);
+
+    mutable std::mutex mutex;
+    std::map<std::string, std::map<std::string, std::string>> params;
+    std::map<std::string, std::string> branches;
+    std::vector<std::string> recordedWrites;
+    // One component name a line, in name order, unless a client put another.
+    std::string assemblyText;
+};

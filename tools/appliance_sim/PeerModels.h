@@ -1,0 +1,46 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Fcodes.h"
+#include "MessageCommand.h"
+
+// The SAP announcer's state: the streams it announces, by channel name,
+// destination address and port, each with the parameters of its START_SAP.
+// Thread-safe.
+class SapModel {
+public:
+    // "START_SAP" (re)announces, "STOP_SAP" withdraws one stream (a stream not
+    // announced is no error: the result is the same), "STOP ALL SAP" withdraws
+    // all. "Message Body Error" when a stream's name, address or port is
+    // missing, "No Such Name" for another command.
+    Fcodes serve(const MessageCommand& request);
+    // "ChannelName DestinationIp:DestinationPort" of each announced stream, sorted.
+    std::vector<std::string> streams() const;
+    std::string report() const;
+
+private:
+    mutable std::mutex mutex;
+    std::map<std::string, MessageParams::ParamMap> announced;
+};
+
+// The device manager's commands: answered and recorded; "Toggle KLVoSDI
+// Input" needs "KLV Source" and "ChannelID". Thread-safe.
+class DeviceCommandModel {
+public:
+    // "No Such Name" for a command the device manager does not have.
+    Fcodes serve(const MessageCommand& request);
+    // Each command served, as `ID name=value ...`, in order.
+    std::vector<std::string> commands() const;
+    std::string report() const;
+
+private:
+    mutable std::mutex mutex;
+    std::vector<std::string> served;
+};
+
+// `name=value` pairs in name order, separated by blanks.
+std::string paramsText(const MessageParams& params);

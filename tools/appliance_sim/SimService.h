@@ -1,0 +1,89 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "DataHolder.h"
+#include "FailureRules.h"
+#include "MessageCommand.h"
+#include "MessageEvent.h"
+
+class TrafficLog;
+
+// One simulated peer service of the appliance: a data holder whose engine
+// sockets are served by the simulator's own loop, so that every message in
+// and out is printed, and injected failures can answer with a code, a NACK or
+// not at all. The engine still treats what passes (SUBSCRIBE, GET, SET, and
+// the commands, through execute); events go to the engine's subscribers.
+//
+// Every service also serves the control commands "Sim Fail", "Sim Emit
+// Event" and "Sim Report" (SimVocabulary.h); a derived service serves its own
+// commands in serveCommand.
+//
+// Lifetime: made, started and destroyed by the main thread. Threads: the
+// serving loop alone calls execute and treats messages; the models and the
+// failure rules guard their own state.
+class SimService : public DataHolder {
+public:
+    SimService(std::string serviceName, TrafficLog& traffic);
+    // Stops serving, then the holder's worker; removes the socket files.
+    ~SimService() override;
+
+    // Initialises the holder and binds the engine's sockets (a failure ends the
+    // process, as for every service of the appliance), then starts serving.
+    // False when the serving thread could not start.
+    bool start(const std::string& receivePath, const std::string& sendPath);
+    // Ends the serving loop and waits for it.
+    void stop();
+
+    // Serves a command synchronously: the control commands, then the
+    // service's own. The events it raises are sent after the answer.
+    Fcodes execute(const std::string& command, std::string& result) override;
+    // Events sent to a simulated service are printed when they arrive and
+    // otherwise ignored.
+    Fcodes doHandle(MessageEvent* event) override;
+
+    const std::string& serviceName() const { return shortName; }
+
+protected:
+    // Serves one of the service's own commands. `answer` starts as a copy of
+    // the request and is sent back when it gained parameters; raised events
+    // go into `events`.
+    virtual Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
+                                std::vector<MessageEvent>& events) = 0;
+    // A further control command of this service; "No Such Name" when unknown.
+    virtual Fcodes serveControl(const MessageCommand& request);
+    // What the service recorded, one entry a line.
+    virtual std::string report() const = 0;
+    // Called after a "SET" succeeded.
+    virtual void afterSet() {}
+
+private:
+    static void* run(void* self);
+    void serveLoop();
+    void serveRequest(MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
+    // Answers with an injected failure; false when no rule covers the request.
+    bool injectFailure(const MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
+    void send(MessageHeader& reply, const std::string& body, sockaddr* from, socklen_t fromLength);
+    void emitPending();
+
+    const std::string shortName;
+    TrafficLog& traffic;
+    FailureRules failures;
+    // Raised while serving a request; sent once its answer is out (serving
+    // thread only).
+    std::vector<MessageEvent> pendingEvents;
+    pthread_t thread{};
+    bool running = false;
+    bool bound = false;  // the engine's sockets exist
+    std::atomic<bool> stopping{false};
+};
+
+// The event of a "Sim Emit Event" command: Event, Source, Status, Description
+// and Severity fill the event's fields, Fcode (hex with 0x, or decimal) its
+// code, every other parameter travels as an
+// event parameter. "Message Body Error" without Event.
+Fcodes eventFromCommand(const MessageCommand& command, MessageEvent& event);

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "MediatorModel.h"
+#include "PeerModels.h"
+#include "SimService.h"
+
+// The media mediator: the "Tarnevel ..." commands over MediatorModel, and the
+// control command "Sim Set Param".
+class MediatorService : public SimService {
+public:
+    explicit MediatorService(TrafficLog& traffic) : SimService("mediator", traffic) {}
+    MediatorModel& model() { return mediator; }
+
+protected:
+    Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
+                        std::vector<MessageEvent>& events) override;
+    Fcodes serveControl(const MessageCommand& request) override;
+    std::string report() const override { return mediator.report(); }
+
+private:
+    MediatorModel mediator;
+};
+
+// The device manager: "GET" and "SET" of its "DeviceDataSet" through the
+// holder's JSON store (a SET takes effect at once), and its commands.
+class DeviceService : public SimService {
+public:
+    explicit DeviceService(TrafficLog& traffic) : SimService("device", traffic) {}
+    // Copies the data set's file into the device manager's place under the
+    // root and loads it from there. Call after start(). `error` says why not.
+    Fcodes loadDataSetFile(const std::string& hostPath, std::string& error);
+
+protected:
+    Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
+                        std::vector<MessageEvent>& events) override;
+    std::string report() const override { return commands.report(); }
+    void afterSet() override { commit(); }
+
+private:
+    DeviceCommandModel commands;
+};
+
+// The SAP announcer: the streams it announces.
+class SapService : public SimService {
+public:
+    explicit SapService(TrafficLog& traffic) : SimService("sap", traffic) {}
+
+protected:
+    Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
+                        std::vector<MessageEvent>& events) override;
+    std::string report() const override { return sap.report(); }
+
+private:
+    SapModel sap;
+};
+
+// The whole text of a file at a host path; false when it cannot be read.
+bool readHostFile(const std::string& hostPath, std::string& text);

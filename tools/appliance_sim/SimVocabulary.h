@@ -1,0 +1,62 @@
+#pragma once
+
+// The words the appliance's peer services speak with the channel manager, as
+// the simulator serves them, and the simulator's own control commands. Texts
+// are compared whole and case-sensitively.
+namespace sim {
+
+// Send sockets of the three simulated services (their receive sockets are
+// the peers' well-known paths in WireConstants.h).
+constexpr const char* SOCK_SEND_MEDIATOR = "/tmp/sockSendTarnevelMediator";
+constexpr const char* SOCK_SEND_DEV = "/tmp/sockSendDev";
+constexpr const char* SOCK_SEND_SAP = "/tmp/sockSendSap";
+
+// Mediator events (its commands and parameters are in TarnevelWire.h).
+constexpr const char* EVT_BRANCH_STARTED = "Tarnevel Branch Started";
+constexpr const char* EVT_BRANCH_STOPPED = "Tarnevel Branch Stopped";
+
+// Device manager: its data set and commands.
+constexpr const char* DEVICE_DATA_SET = "DeviceDataSet";
+constexpr const char* DEVICE_DATA_SET_PATH = "/etc/sysmgt/device_data_set.json";
+constexpr const char* CMD_TOGGLE_KLVOSDI_INPUT = "Toggle KLVoSDI Input";
+constexpr const char* CMD_RESET_KLVOSDI_STATS = "Reset KLVoSDI Statistics";
+constexpr const char* CMD_RESET_KLVOIP_STATS = "Reset KLVoIP Statistics";
+constexpr const char* CMD_RESET_KLV_STATS = "Reset KLV Statistics";
+constexpr const char* PARAM_KLV_SOURCE = "KLV Source";
+constexpr const char* PARAM_CHANNEL_ID = "ChannelID";
+
+// SAP announcer commands and the parameters that name a stream.
+constexpr const char* CMD_START_SAP = "START_SAP";
+constexpr const char* CMD_STOP_SAP = "STOP_SAP";
+constexpr const char* CMD_STOP_ALL_SAP = "STOP ALL SAP";
+constexpr const char* PARAM_CHANNEL_NAME = "ChannelName";
+constexpr const char* PARAM_DESTINATION_IP = "DestinationIp";
+constexpr const char* PARAM_DESTINATION_PORT = "DestinationPort";
+
+// Control commands, served on every socket of the simulator.
+// "Sim Fail": Command=ID [Count=N (1)] [Mode=Fcode|NACK|Silent (Fcode)]
+//             [Fcode=code, hex with 0x or decimal (0x10100)]
+constexpr const char* CMD_SIM_FAIL = "Sim Fail";
+// "Sim Set Param" (mediator): Component, Parameter, Value.
+constexpr const char* CMD_SIM_SET_PARAM = "Sim Set Param";
+// "Sim Emit Event": Event=ID [Source] [Status] [Description] [Severity], every
+// other parameter travels as a parameter of the event.
+constexpr const char* CMD_SIM_EMIT_EVENT = "Sim Emit Event";
+// "Sim Report": answers "Report" = what the service recorded, one entry a line.
+constexpr const char* CMD_SIM_REPORT = "Sim Report";
+constexpr const char* PARAM_COMMAND = "Command";
+constexpr const char* PARAM_COUNT = "Count";
+constexpr const char* PARAM_MODE = "Mode";
+constexpr const char* PARAM_FCODE = "Fcode";
+constexpr const char* PARAM_VALUE = "Value";
+constexpr const char* PARAM_EVENT = "Event";
+constexpr const char* PARAM_SOURCE = "Source";
+constexpr const char* PARAM_STATUS = "Status";
+constexpr const char* PARAM_DESCRIPTION = "Description";
+constexpr const char* PARAM_SEVERITY = "Severity";
+constexpr const char* PARAM_REPORT = "Report";
+constexpr const char* MODE_FCODE = "Fcode";
+constexpr const char* MODE_NACK = "NACK";
+constexpr const char* MODE_SILENT = "Silent";
+
+}  // namespace sim
