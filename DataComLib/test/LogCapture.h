@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "DbgPrintClient.h"
+#include "system/DbgPrintClient.h"
 
 // Points the process-wide debug log at a pipe of the test while it lives, so
 // a test can check the lines an operation logs. Single-threaded tests only;

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "Fcodes.h"
+#include "records/Fcodes.h"
 
 class IDataHolder;
 

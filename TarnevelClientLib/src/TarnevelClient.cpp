@@ -1,12 +1,12 @@
 #include <string>
 
-#include "DbgPrintClient.h"
-#include "IDataHolder.h"
+#include "system/DbgPrintClient.h"
+#include "engine/IDataHolder.h"
 #include "ITarnevelClient.h"
-#include "MessageCommand.h"
-#include "TagText.h"
+#include "records/MessageCommand.h"
+#include "records/TagText.h"
 #include "TarnevelWire.h"
-#include "WireConstants.h"
+#include "records/WireConstants.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <functional>
 #include <future>
 
-#include "EngineTestSupport.h"
+#include "engine/EngineTestSupport.h"
 #include "ITarnevelClient.h"
 #include "LogCapture.h"
-#include "WireConstants.h"
+#include "records/WireConstants.h"
 
 namespace {
 

@@ -25,12 +25,12 @@
 #include <string>
 #include <vector>
 
-#include "DataCommunicator.h"
-#include "DbgPrintClient.h"
-#include "LocalAddress.h"
-#include "MessageCommand.h"
-#include "MessageTypes.h"
-#include "NullDataHolder.h"
+#include "engine/DataCommunicator.h"
+#include "system/DbgPrintClient.h"
+#include "engine/LocalAddress.h"
+#include "records/MessageCommand.h"
+#include "records/MessageTypes.h"
+#include "engine/NullDataHolder.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "DataSets.h"
+#include "json/DataSets.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "DataCommunicator.h"
-#include "MessageCommand.h"
-#include "MessageEvent.h"
-#include "NullDataHolder.h"
+#include "engine/DataCommunicator.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
+#include "engine/NullDataHolder.h"
 
 // The test's side of the conversation with appliance_sim: an engine on its
 // own sockets whose holder keeps the events that arrive, for the test to wait

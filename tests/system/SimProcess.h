@@ -11,7 +11,7 @@
 #include <string>
 #include <thread>
 
-#include "SysmgtRoot.h"
+#include "system/SysmgtRoot.h"
 #include "ToolCommand.h"
 
 // Polls `ready` every 20 ms until it holds or `limitSec` passed; its last answer.

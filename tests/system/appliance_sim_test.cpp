@@ -7,7 +7,7 @@
 
 #include "SimClient.h"
 #include "SimProcess.h"
-#include "WireConstants.h"
+#include "records/WireConstants.h"
 
 namespace {
 

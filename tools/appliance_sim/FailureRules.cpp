@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "MessageCommand.h"
+#include "records/MessageCommand.h"
 #include "SimVocabulary.h"
 
 namespace {

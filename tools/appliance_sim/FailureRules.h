@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "Fcodes.h"
+#include "records/Fcodes.h"
 
 class MessageCommand;
 

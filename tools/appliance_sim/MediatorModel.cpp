@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "SimVocabulary.h"
-#include "TagText.h"
+#include "records/TagText.h"
 #include "TarnevelWire.h"
 
 namespace {

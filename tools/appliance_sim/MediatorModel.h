@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "Fcodes.h"
-#include "MessageCommand.h"
-#include "MessageEvent.h"
+#include "records/Fcodes.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
 
 // What the simulated media mediator knows: the state of each branch, the
 // parameters of its components, the writes it received and its assembly. It

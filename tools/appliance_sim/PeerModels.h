@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "Fcodes.h"
-#include "MessageCommand.h"
+#include "records/Fcodes.h"
+#include "records/MessageCommand.h"
 
 // The SAP announcer's state: the streams it announces, by channel name,
 // destination address and port, each with the parameters of its START_SAP.

@@ -7,14 +7,14 @@
 #include <cstdlib>
 #include <utility>
 
-#include "DataCommunicator.h"
-#include "DbgPrintClient.h"
-#include "MessageTypes.h"
+#include "engine/DataCommunicator.h"
+#include "system/DbgPrintClient.h"
+#include "records/MessageTypes.h"
 #include "SimVocabulary.h"
-#include "SysmgtRoot.h"
-#include "TagText.h"
+#include "system/SysmgtRoot.h"
+#include "records/TagText.h"
 #include "TrafficLog.h"
-#include "WireConstants.h"
+#include "records/WireConstants.h"
 
 namespace {
 

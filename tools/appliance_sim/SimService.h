@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "DataHolder.h"
+#include "holder/DataHolder.h"
 #include "FailureRules.h"
-#include "MessageCommand.h"
-#include "MessageEvent.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
 
 class TrafficLog;
 

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "AtomicFile.h"
+#include "system/AtomicFile.h"
 #include "SimVocabulary.h"
 #include "TarnevelWire.h"
 

@@ -4,11 +4,11 @@
 #include <iomanip>
 #include <sstream>
 
-#include "MessageCommand.h"
-#include "MessageEvent.h"
-#include "MessageTypes.h"
-#include "TagText.h"
-#include "WireConstants.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
+#include "records/MessageTypes.h"
+#include "records/TagText.h"
+#include "records/WireConstants.h"
 
 namespace {
 

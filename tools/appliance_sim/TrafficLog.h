@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "MessageHeader.h"
+#include "records/MessageHeader.h"
 
 // The simulator's traffic printer: one readable line per message, written to
 // standard output and, when a file is open, also to that file (flushed per

@@ -15,7 +15,7 @@
 #include "SimServices.h"
 #include "SimVocabulary.h"
 #include "TrafficLog.h"
-#include "WireConstants.h"
+#include "records/WireConstants.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "Fcodes.h"
+#include "records/Fcodes.h"
 
 // What one chanctl invocation asks for: the action, its words and its options.
 enum class ChanctlAction { Help, Command, Get, Set, Listen, Event, Status };

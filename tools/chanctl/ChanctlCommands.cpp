@@ -4,12 +4,12 @@
 #include <memory>
 
 #include "ChanctlFormat.h"
-#include "DataCommunicator.h"
-#include "MessageCommand.h"
-#include "MessageEvent.h"
-#include "MessageTypes.h"
-#include "TagText.h"
-#include "WireConstants.h"
+#include "engine/DataCommunicator.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
+#include "records/MessageTypes.h"
+#include "records/TagText.h"
+#include "records/WireConstants.h"
 
 namespace {
 

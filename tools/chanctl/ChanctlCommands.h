@@ -6,8 +6,8 @@
 #include <string>
 
 #include "ChanctlArgs.h"
-#include "Fcodes.h"
-#include "NullDataHolder.h"
+#include "records/Fcodes.h"
+#include "engine/NullDataHolder.h"
 
 class DataCommunicator;
 

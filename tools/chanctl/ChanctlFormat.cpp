@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "MessageCommand.h"
-#include "MessageEvent.h"
-#include "TagText.h"
-#include "WireConstants.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
+#include "records/TagText.h"
+#include "records/WireConstants.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Fcodes.h"
+#include "records/Fcodes.h"
 
 class MessageEvent;
 

@@ -15,9 +15,9 @@
 
 #include "ChanctlArgs.h"
 #include "ChanctlCommands.h"
-#include "DataCommunicator.h"
-#include "DbgPrintClient.h"
-#include "SysmgtRoot.h"
+#include "engine/DataCommunicator.h"
+#include "system/DbgPrintClient.h"
+#include "system/SysmgtRoot.h"
 
 namespace {
 

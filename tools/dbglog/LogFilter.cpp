@@ -2,7 +2,7 @@
 
 #include <strings.h>
 
-#include "DbgPrintClient.h"
+#include "system/DbgPrintClient.h"
 
 int LogFilter::parseSeverity(const std::string& text) {
     static const char* const kNames[] = {"INFO", "WARN", "ERROR", "FATAL", "SYS"};

@@ -16,7 +16,7 @@
 #include <string>
 
 #include "LogFilter.h"
-#include "SysmgtRoot.h"
+#include "system/SysmgtRoot.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 
 #include "ChanctlArgs.h"
 #include "ChanctlFormat.h"
-#include "EngineTestSupport.h"
-#include "MessageEvent.h"
-#include "SysmgtRoot.h"
+#include "engine/EngineTestSupport.h"
+#include "records/MessageEvent.h"
+#include "system/SysmgtRoot.h"
 #include "ToolCommand.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <thread>
 
-#include "DbgPrintClient.h"
+#include "system/DbgPrintClient.h"
 #include "LogFilter.h"
-#include "SysmgtRoot.h"
+#include "system/SysmgtRoot.h"
 #include "ToolCommand.h"
 
 TEST(LogFilter, SplitsChunksAndKeepsContinuationsWithTheirLine) {

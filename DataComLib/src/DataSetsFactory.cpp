@@ -1,7 +1,0 @@
-#include "DataSetsFactory.h"
-
-#include "DataSets.h"
-
-IDataSets* DataSetsFactory::createDataSets() {
-    return new DataSets();
-}

@@ -1,0 +1,180 @@
+// Socket set-up and the transfer primitives: one message per datagram.
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+
+#include "engine/DataCommunicator.h"
+#include "engine/DataCommunicatorInternal.h"
+#include "system/DbgPrintClient.h"
+#include "engine/LocalAddress.h"
+#include "system/SysmgtRoot.h"
+#include "records/WireConstants.h"
+
+namespace {
+
+// True when the receive time-out could be set.
+bool setTimeouts(int sock) {
+    const timeval oneSecond{1, 0};
+    bool receiveBounded = setsockopt(sock, SOL_SOCKET, SO_RCVTIMEO, &oneSecond, sizeof oneSecond) == 0;
+    if (!receiveBounded)
+        DBG(DBG_ERROR) << "init: setsockopt SO_RCVTIMEO failed";
+    if (setsockopt(sock, SOL_SOCKET, SO_SNDTIMEO, &oneSecond, sizeof oneSecond) != 0)
+        DBG(DBG_ERROR) << "init: setsockopt SO_SNDTIMEO failed";
+    return receiveBounded;
+}
+
+[[noreturn]] void endProcess() {
+    // Deliberately the success status: the supervisor must not restart a
+    // process whose sockets cannot exist.
+    std::exit(0);
+}
+
+}  // namespace
+
+DataCommunicator::DataCommunicator() = default;
+
+DataCommunicator::~DataCommunicator() {
+    stop();
+    for (int fd : {receiveSocket, sendSocket})
+        if (fd >= 0)
+            close(fd);
+}
+
+Fcodes DataCommunicator::makeSocket(int& sock, const std::string& path, const char* createFailure) {
+    if (sock >= 0)
+        close(sock);
+    sock = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (sock < 0) {
+        DBG(DBG_FATAL) << createFailure;
+        return FC_COMM_ERROR;
+    }
+    const std::string hostPath = sysmgtPath(path);
+    unlink(hostPath.c_str());
+    receivesBounded = setTimeouts(sock) && receivesBounded;
+    LocalAddress address;
+    int bound =
+        address.setHostPath(hostPath) ? bind(sock, address.get(), address.length()) : (errno = ENAMETOOLONG, -1);
+    if (bound != 0) {
+        DBG(DBG_FATAL) << "init: Socket bind failed to " << path << " errno=" << errno;
+        return FC_COMM_ERROR;
+    }
+    chmod(hostPath.c_str(), 0777);
+    return FC_OK;
+}
+
+void DataCommunicator::init(IDataHolder* holder, const std::string& receivePath, const std::string& sendPath,
+                            const std::string& taskName) {
+    name = taskName;
+    dataHolder = holder;
+    sockName = receivePath;
+    sendSockName = sendPath;
+    receivesBounded = true;
+    if (!isOk(makeSocket(sendSocket, sendSockName, "init: Send Socket create failed")))
+        endProcess();
+    if (!isOk(makeSocket(receiveSocket, sockName, "init: Socket create failed")))
+        endProcess();
+}
+
+Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
+                                 unsigned timeoutSec, unsigned /*spare*/) {
+    ssize_t readSize = -1;
+    const bool ownSocket = sock == sendSocket || sock == receiveSocket;
+    switch (receiveWithin(sock, from, fromLen, timeoutSec, ownSocket && receivesBounded, readSize)) {
+        case WaitResult::Failed:
+            DBG(DBG_ERROR) << "readMsg: select failed errno=" << errno;
+            return FC_COMM_ERROR;
+        case WaitResult::TimedOut:
+            DBG(DBG_WARN) << "readMsg: Time out" << timeoutSec << " sec. for sock=" << sock;
+            return FC_COMM_ERROR;
+        case WaitResult::NotReadable:
+            return FC_OK;
+        case WaitResult::Readable:
+            break;
+    }
+    DBG(DBG_INFO) << "readMsg: recvfrom sock=" << sock << " senderlen=" << (fromLen ? *fromLen : 0)
+                  << " readSize=" << readSize;
+    return parseDatagram(sock, readSize, header, body);
+}
+
+Fcodes DataCommunicator::sendMessage(int sock, MessageHeader& header, const std::string& body, const sockaddr* to,
+                                     socklen_t toLen, unsigned delaySec, unsigned tries) {
+    thread_local std::string text;
+    text.clear();
+    header.toString(text);
+    text += body;
+
+    // NO_WAIT: the caller (an event to a subscriber) must never block, not
+    // even for the socket's 1-second send time-out.
+    const int flags = MSG_NOSIGNAL | (delaySec == wire::NO_WAIT ? MSG_DONTWAIT : 0);
+    Fcodes result = FC_COMM_ERROR;
+    while (result != FC_OK && tries > 0) {
+        DBG(DBG_INFO) << "sendMessage: Sending msg via sockfd=" << sock;
+        if (sendto(sock, text.data(), text.size(), flags, to, toLen) >= 0) {
+            result = FC_OK;
+        } else if (errno == EINTR) {
+            continue;  // interrupted before anything was queued: the same try again
+        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+            DBG(DBG_ERROR) << "sendMessage: in writing msg body to sock=" << sock << " tries left=" << tries - 1;
+            if (delaySec != wire::NO_WAIT)
+                sleep(delaySec == 0 ? wire::DEFAULT_RETRY_DELAY_SEC : delaySec);
+            result = FC_COMM_ERROR;
+        } else {
+            DBG(DBG_ERROR) << "sendMessage: in writing msg body to sock=" << sock << " errno=" << errno
+                           << " Stop sending.";
+            result = FC_COMM_ERROR;
+            break;
+        }
+        --tries;
+    }
+    return result;
+}
+
+Fcodes DataCommunicator::sendEvent(const std::string& peer, MessageHeader& header, const std::string& body) {
+    LocalAddress address;
+    if (!address.setLogicalPath(peer)) {
+        DBG(DBG_ERROR) << "sendEvent: Error in sending to sock:" << peer;
+        return FC_COMM_ERROR;
+    }
+    std::string headerText;
+    header.toString(headerText);
+    if (sendto(sendSocket, headerText.data(), headerText.size(), MSG_NOSIGNAL, address.get(), address.length()) < 0) {
+        DBG(DBG_ERROR) << "sendEvent: in writing msg header to sock=" << peer << " errno=" << errno;
+        DBG(DBG_ERROR) << "sendEvent: Error in sending to sock:" << peer;
+        return FC_COMM_ERROR;
+    }
+    if (header.Size >= 1 && !body.empty() &&
+        sendto(sendSocket, body.data(), body.size(), MSG_NOSIGNAL, address.get(), address.length()) < 0) {
+        DBG(DBG_ERROR) << "sendEvent: in writing msg body to sock=" << peer << " errno=" << errno;
+        DBG(DBG_ERROR) << "sendEvent: Error in sending to sock:" << peer;
+        return FC_COMM_ERROR;
+    }
+    return FC_OK;
+}
+
+Fcodes DataCommunicator::readline(int sock, std::string& line, unsigned timeoutSec) {
+    for (;;) {
+        switch (waitReadable(sock, timeoutSec)) {
+            case WaitResult::Failed:
+                DBG(DBG_ERROR) << "readLine: select failed for sock=" << sock << " errno=" << errno;
+                return FC_COMM_ERROR;
+            case WaitResult::TimedOut:
+                DBG(DBG_WARN) << "readLine: Time out" << timeoutSec << " sec. for sock=" << sock;
+                return FC_COMM_ERROR;
+            case WaitResult::NotReadable:
+            case WaitResult::Readable:
+                break;
+        }
+        char byte = 0;
+        if (read(sock, &byte, 1) != 1) {
+            DBG(DBG_ERROR) << "readLine: read error from sock=" << sock << " errno=" << errno;
+            DBG(DBG_ERROR) << "readLine: Till now read:" << line;
+            return FC_COMM_ERROR;
+        }
+        if (byte == '\n')
+            return FC_OK;
+        line += byte;
+    }
+}

@@ -1,0 +1,7 @@
+#include "json/DataSetsFactory.h"
+
+#include "json/DataSets.h"
+
+IDataSets* DataSetsFactory::createDataSets() {
+    return new DataSets();
+}

@@ -1,0 +1,260 @@
+// DataSets: the typed parameter family (get, getNew, set, init; int, text,
+// bool; index and key forms) with its type and enumeration checks.
+#include <ostream>
+
+#include "json/DataSets.h"
+#include "json/JsonDataSetKeys.h"
+
+using dsjson::member;
+using dsjson::Selector;
+
+namespace {
+
+// Streams the parameter path of a log line: "<op>: dataset=d comp=c param=p ind=s".
+struct ParamPath {
+    const char* op;
+    const std::string& dataSet;
+    const std::string& component;
+    const std::string& property;
+    const Selector& selector;
+};
+
+std::ostream& operator<<(std::ostream& out, const ParamPath& path) {
+    return out << path.op << ": dataset=" << path.dataSet << " comp=" << path.component << " param=" << path.property
+               << " ind=" << path.selector.text();
+}
+
+// The library's convertibility test for the requested kind, and delivery.
+bool convertible(const Json::Value& v, const int&) {
+    return v.isConvertibleTo(Json::intValue);
+}
+bool convertible(const Json::Value& v, const std::string&) {
+    return v.isConvertibleTo(Json::stringValue);
+}
+bool convertible(const Json::Value& v, const bool&) {
+    return v.isConvertibleTo(Json::booleanValue);
+}
+void deliver(const Json::Value& v, int& out) {
+    out = v.asInt();
+}
+void deliver(const Json::Value& v, std::string& out) {
+    out = v.asString();
+}
+void deliver(const Json::Value& v, bool& out) {
+    out = v.asBool();
+}
+
+// True when `node` is absent, null, or of the kind a pending path needs.
+bool fitsOrAbsent(const Json::Value* node, Json::ValueType kind) {
+    return !node || node->isNull() || node->type() == kind;
+}
+
+}  // namespace
+
+const Json::Value* DataSets::pendingValue(const std::string& dataSet, const std::string& component,
+                                          const std::string& property, const Selector& selector) const {
+    const Json::Value* pending = pendingComponent(dataSet, component);
+    if (!pending)
+        return nullptr;
+    const Json::Value* instance = dsjson::instanceOf(*pending, selector);
+    const Json::Value* value = instance ? member(*instance, property) : nullptr;
+    return value && !value->isNull() ? value : nullptr;
+}
+
+template <typename T>
+Fcodes DataSets::readCommitted(const char* op, const std::string& dataSet, const std::string& component,
+                               const std::string& property, const Selector& selector, T& value) {
+    return guarded(op, [&] {
+        const Json::Value* comp = committedComponent(dataSet, component);
+        const Json::Value* instance = comp ? dsjson::instanceOf(*comp, selector) : nullptr;
+        const Json::Value* found = instance ? member(*instance, property) : nullptr;
+        if (!found) {
+            if (gDbgLevel <= DBG_WARN)
+                DBG(DBG_ERROR) << ParamPath{op, dataSet, component, property, selector} << " No such name.";
+            return FC_NO_SUCH_NAME;
+        }
+        if (!convertible(*found, value)) {
+            DBG(DBG_ERROR) << ParamPath{op, dataSet, component, property, selector} << " wrong type.";
+            return FC_WRONG_TYPE;
+        }
+        deliver(*found, value);
+        return FC_OK;
+    });
+}
+
+// Takes the pending value when there is one, else the committed read through
+// the virtual interface (the lock is recursive, so that nests).
+template <typename T, typename Fallback>
+Fcodes DataSets::readPending(const char* op, const std::string& dataSet, const std::string& component,
+                             const std::string& property, const Selector& selector, T& value,
+                             Fallback&& committedRead) {
+    bool pending = false;
+    Fcodes result = guarded(op, [&] {
+        const Json::Value* found = pendingValue(dataSet, component, property, selector);
+        if (!found)
+            return FC_OK;
+        pending = true;
+        if (!convertible(*found, value)) {
+            DBG(DBG_ERROR) << ParamPath{op, dataSet, component, property, selector} << " wrong type.";
+            return FC_WRONG_TYPE;
+        }
+        deliver(*found, value);
+        return FC_OK;
+    });
+    return pending || !isOk(result) ? result : committedRead();
+}
+
+// Decides whether `offered` may be written to a property of this definition
+// and committed value, and what is stored; logs the refusal.
+Fcodes DataSets::admit(const char* op, const Json::Value& definition, const Json::Value* committedValue,
+                       const Json::Value& offered, Json::Value& stored, const std::string& dataSet,
+                       const std::string& component, const std::string& property, const Selector& selector) const {
+    const Json::Value* typeNode = member(definition, jsonkeys::TYPE);
+    const std::string type = typeNode && typeNode->isString() ? typeNode->asString() : std::string();
+    // A defined property without a value in this instance is judged by its type alone.
+    auto committedIs = [&](bool (Json::Value::*test)() const) { return !committedValue || (committedValue->*test)(); };
+    const ParamPath path{op, dataSet, component, property, selector};
+
+    if (type == jsonkeys::TYPE_ENUM && !offered.isBool()) {
+        const Json::Value* values = member(definition, jsonkeys::VALUES);
+        if (values && values->isArray()) {
+            for (const Json::Value& entry : *values) {
+                bool match = offered.isString() ? (entry.isString() && entry.asString() == offered.asString()) ||
+                                                      (entry.isInt() && entry.asString() == offered.asString())
+                                                : entry.isInt() && offered.isInt() && entry.asInt() == offered.asInt();
+                if (match) {
+                    stored = entry;
+                    return FC_OK;
+                }
+            }
+        }
+        DBG(DBG_ERROR) << path << " absent in enum";
+        return FC_BAD_VALUE;
+    }
+    if (offered.isInt() && type == jsonkeys::TYPE_INTEGER && committedIs(&Json::Value::isInt)) {
+        stored = offered;
+        return FC_OK;
+    }
+    if (offered.isBool() && type == jsonkeys::TYPE_BOOLEAN && committedIs(&Json::Value::isBool)) {
+        stored = offered;
+        return FC_OK;
+    }
+    if (offered.isString()) {
+        const std::string text = offered.asString();
+        if (type == jsonkeys::TYPE_STRING && committedIs(&Json::Value::isString)) {
+            stored = offered;
+            return FC_OK;
+        }
+        if (type == jsonkeys::TYPE_INTEGER && committedIs(&Json::Value::isInt)) {
+            int number = 0;
+            if (!dsjson::parseInt(text, number)) {
+                DBG(DBG_ERROR) << path << " not an integer=" << text;
+                return FC_BAD_VALUE;
+            }
+            stored = number;
+            DBG(DBG_INFO) << path << " set as int=" << number;
+            return FC_OK;
+        }
+        if (type == jsonkeys::TYPE_BOOLEAN && committedIs(&Json::Value::isBool)) {
+            stored = text == "true";
+            DBG(DBG_INFO) << path << " set as bool=" << (text == "true" ? "true" : "false");
+            return FC_OK;
+        }
+    }
+    DBG(DBG_ERROR) << path << " wrong expected type:" << dsjson::compactText(typeNode ? *typeNode : Json::Value());
+    return FC_WRONG_TYPE;
+}
+
+// Every node the pending write would pass through must be absent or of the
+// right kind, so that the write cannot throw half-way.
+bool DataSets::pendingPathFits(const std::string& dataSet, const std::string& component,
+                               const Selector& selector) const {
+    const Json::Value* ds = member(changes, dataSet);
+    const Json::Value* comps = member(ds, jsonkeys::COMPONENTS);
+    const Json::Value* comp = member(comps, component);
+    if (!fitsOrAbsent(ds, Json::objectValue) || !fitsOrAbsent(comps, Json::objectValue) ||
+        !fitsOrAbsent(comp, Json::objectValue))
+        return false;
+    if (selector.isSingle())
+        return fitsOrAbsent(member(comp, jsonkeys::INSTANCE), Json::objectValue);
+    const Json::Value* instances = member(comp, jsonkeys::INSTANCES);
+    if (selector.isIndex())
+        return fitsOrAbsent(instances, Json::arrayValue) &&
+               fitsOrAbsent(dsjson::element(instances, selector.index), Json::objectValue);
+    return fitsOrAbsent(instances, Json::objectValue) &&
+           fitsOrAbsent(member(instances, *selector.key), Json::objectValue);
+}
+
+Json::Value& DataSets::pendingInstance(const std::string& dataSet, const std::string& component,
+                                       const Selector& selector) {
+    Json::Value& comp = changes[dataSet][jsonkeys::COMPONENTS][component];
+    if (selector.isSingle())
+        return comp[jsonkeys::INSTANCE];
+    if (selector.isIndex()) {
+        Json::Value& instances = comp[jsonkeys::INSTANCES];
+        if (instances.isNull())
+            instances = Json::Value(Json::arrayValue);
+        return instances[static_cast<Json::ArrayIndex>(selector.index)];
+    }
+    return comp[jsonkeys::INSTANCES][*selector.key];
+}
+
+Fcodes DataSets::writeParam(const char* op, bool pending, const std::string& dataSet, const std::string& component,
+                            const std::string& property, const Selector& selector, const Json::Value& offered) {
+    return guarded(op, [&] {
+        const ParamPath path{op, dataSet, component, property, selector};
+        Json::Value* comp = writableComponent(dataSet, component);
+        Json::Value* instance = comp ? const_cast<Json::Value*>(dsjson::instanceOf(*comp, selector)) : nullptr;
+        const Json::Value* definition = comp ? member(member(*comp, jsonkeys::PROPERTIES), property) : nullptr;
+        if (!instance || !definition) {
+            DBG(DBG_ERROR) << path << " No such name.";
+            return FC_NO_SUCH_NAME;
+        }
+        Json::Value stored;
+        Fcodes admitted = admit(op, *definition, member(*instance, property), offered, stored, dataSet, component,
+                                property, selector);
+        if (!isOk(admitted))
+            return admitted;
+        if (!pending) {
+            (*instance)[property].swap(stored);
+            return FC_OK;
+        }
+        if (!pendingPathFits(dataSet, component, selector)) {
+            DBG(DBG_ERROR) << path << " pending values of a different shape.";
+            return FC_WRONG_TYPE;
+        }
+        pendingInstance(dataSet, component, selector)[property].swap(stored);
+        return FC_OK;
+    });
+}
+
+// ---- the public family: one line each ----
+
+#define DS_READ(NAME, T, SEL_T, SEL)                                                                         \
+    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T& v, SEL_T s) { \
+        return readCommitted(#NAME, d, c, p, SEL(s), v);                                                     \
+    }
+#define DS_READ_NEW(NAME, BASE, T, SEL_T, SEL)                                                               \
+    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T& v, SEL_T s) { \
+        return readPending(#NAME, d, c, p, SEL(s), v, [&] { return BASE(d, c, p, v, s); });                  \
+    }
+#define DS_WRITE(NAME, PENDING, T, SEL_T, SEL)                                                              \
+    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T v, SEL_T s) { \
+        return writeParam(#NAME, PENDING, d, c, p, SEL(s), Json::Value(v));                                 \
+    }
+#define DS_BOTH_FORMS(MACRO, ...)              \
+    MACRO(__VA_ARGS__, int, Selector::byIndex) \
+    MACRO(__VA_ARGS__, const std::string&, Selector::byKey)
+
+DS_BOTH_FORMS(DS_READ, getIntParam, int)
+DS_BOTH_FORMS(DS_READ, getTextParam, std::string)
+DS_BOTH_FORMS(DS_READ, getBoolParam, bool)
+DS_BOTH_FORMS(DS_READ_NEW, getNewIntParam, getIntParam, int)
+DS_BOTH_FORMS(DS_READ_NEW, getNewTextParam, getTextParam, std::string)
+DS_BOTH_FORMS(DS_READ_NEW, getNewBoolParam, getBoolParam, bool)
+DS_BOTH_FORMS(DS_WRITE, setIntParam, true, int)
+DS_BOTH_FORMS(DS_WRITE, setTextParam, true, const std::string&)
+DS_BOTH_FORMS(DS_WRITE, setBoolParam, true, bool)
+DS_BOTH_FORMS(DS_WRITE, initIntParam, false, int)
+DS_BOTH_FORMS(DS_WRITE, initTextParam, false, const std::string&)
+DS_BOTH_FORMS(DS_WRITE, initBoolParam, false, bool)

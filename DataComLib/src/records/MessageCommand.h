@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "records/Fcodes.h"
+#include "records/MessageParams.h"
+
+// A named request with named text parameters, carried in a "COMMAND" body.
+class MessageCommand : public MessageParams {
+public:
+    const std::string& getId() const { return id; }
+    void setId(const std::string& newId) { id = newId; }
+
+    // Replaces `out` with the command's tag text. One indent level less than
+    // an event's: the requester adds a tab in front when it wraps the body.
+    void toString(std::string& out) const;
+    // Requires ID (0x10002 when missing); parameters are merged, not cleared first.
+    Fcodes initFromString(const std::string& text);
+
+    std::string id = "NULL";
+};

@@ -1,0 +1,67 @@
+#include "system/AtomicFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "system/SysmgtRoot.h"
+
+int (*gAtomicFileBeforeRename)(const std::string& tempPath) = nullptr;
+
+namespace {
+
+int writeAll(int fd, const std::string& content) {
+    size_t done = 0;
+    while (done < content.size()) {
+        ssize_t wrote = write(fd, content.data() + done, content.size() - done);
+        if (wrote < 0) {
+            if (errno == EINTR)
+                continue;
+            return errno;
+        }
+        done += static_cast<size_t>(wrote);
+    }
+    return 0;
+}
+
+std::string directoryOf(const std::string& path) {
+    size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+}  // namespace
+
+int writeFileAtomically(const std::string& logicalPath, const std::string& content) {
+    const std::string target = sysmgtPath(logicalPath);
+    std::string temp = target + ".tmpXXXXXX";
+    int fd = mkstemp(&temp[0]);
+    if (fd < 0)
+        return errno;
+    fchmod(fd, 0644);
+
+    int error = writeAll(fd, content);
+    if (error == 0 && fsync(fd) != 0)
+        error = errno;
+    if (close(fd) != 0 && error == 0)
+        error = errno;
+    if (error == 0 && gAtomicFileBeforeRename != nullptr)
+        error = gAtomicFileBeforeRename(temp);
+    if (error == 0 && rename(temp.c_str(), target.c_str()) != 0)
+        error = errno;
+    if (error != 0) {
+        unlink(temp.c_str());
+        return error;
+    }
+
+    int dirFd = open(directoryOf(target).c_str(), O_RDONLY | O_DIRECTORY);
+    if (dirFd >= 0) {
+        fsync(dirFd);  // the rename is durable once the directory is
+        close(dirFd);
+    }
+    return 0;
+}

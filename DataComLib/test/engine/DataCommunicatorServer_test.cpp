@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "system/DbgPrintClient.h"
+#include "engine/EngineTestSupport.h"
+#include "records/WireConstants.h"
+
+namespace {
+
+// A COMMAND datagram as a peer writes it.
+std::string commandDatagram(int id, const std::string& command) {
+    const std::string body = "<BODY>\n\t" + command + "\n</BODY>\n";
+    return wireHeader(id, "COMMAND", FC_OK, static_cast<int>(body.size())) + body;
+}
+
+// Waits (bounded) until `done` holds.
+template <typename Condition>
+bool eventually(Condition done) {
+    for (int i = 0; i < 300 && !done(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return done();
+}
+
+TEST(DataCommunicatorServer, CommandRoundTripCarriesIdFcodeAndPayload) {
+    EnginePair engines;
+    engines.holder.setExecuteAnswer("<Result>ok</Result>", FC_OK);
+    const std::string command = "<Command ID=\"Play\" >\n\t<Parameter Name=\"RowID\" Value=\"HEVC\" />\n</Command>";
+    std::string replyBody;
+    EXPECT_EQ(engines.client.requestCommand(EnginePair::SERVER, command, replyBody, 2, 1), FC_OK);
+    EXPECT_EQ(replyBody, "<BODY><Result>ok</Result></BODY>");
+    ASSERT_EQ(engines.holder.calls().size(), 1u);
+    EXPECT_EQ(engines.holder.calls()[0], "execute " + command);  // the whole Command segment
+
+    // Byte for byte: the ACK's Size is the payload's length without BODY tags.
+    RawPeer peer("/tmp/sockPeer");
+    ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, commandDatagram(77, command)));
+    std::string reply;
+    ASSERT_TRUE(peer.receive(reply));
+    EXPECT_EQ(reply,
+              "<HEADER ID=\"77\" Type=\"ACK\" Fcode=\"10000\" Size=\"19\" >\n</HEADER>\n"
+              "<BODY><Result>ok</Result></BODY>");
+}
+
+TEST(DataCommunicatorServer, RefusalsAreNacksWithTheCodeAndNoBody) {
+    EnginePair engines;
+    engines.holder.setExecuteAnswer("", FC_NO_SUCH_NAME);
+    RawPeer peer("/tmp/sockPeer");
+    const struct {
+        const char* name;
+        std::string datagram;
+        const char* fcode;
+    } cases[] = {
+        {"unknown type", wireHeader(5, "PING", FC_OK, 0), "10001"},
+        {"no Command", commandDatagram(5, "<Other />"), "10002"},
+        {"Command without ID", commandDatagram(5, "<Command Name=\"x\" >\n</Command>"), "10002"},
+        {"SUBSCRIBE without SockName",
+         commandDatagram(5, "<Command ID=\"SUBSCRIBE\" >\n\t<Parameter Name=\"Sock\" Value=\"/tmp/x\" />\n</Command>"),
+         "10002"},
+        {"Add Row without Table", commandDatagram(5, "<Command ID=\"Add Row\" >\n</Command>"), "10002"},
+        {"holder refuses", commandDatagram(5, "<Command ID=\"Nope\" >\n</Command>"), "10008"},
+    };
+    for (const auto& row : cases) {
+        ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, row.datagram)) << row.name;
+        std::string reply;
+        ASSERT_TRUE(peer.receive(reply)) << row.name;
+        EXPECT_EQ(reply,
+                  std::string("<HEADER ID=\"5\" Type=\"NACK\" Fcode=\"") + row.fcode + "\" Size=\"0\" >\n</HEADER>\n")
+            << row.name;
+    }
+}
+
+TEST(DataCommunicatorServer, BadDatagramsAreNotAnsweredAndServingGoesOn) {
+    EnginePair engines;
+    RawPeer peer("/tmp/sockPeer");
+    // Too large, a positive Size without a body, and a reply: none is answered.
+    ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, std::string(wire::MAX_DATAGRAM, 'x')));
+    ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, wireHeader(6, "COMMAND", FC_OK, 3)));
+    ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, wireHeader(4242, "ACK", FC_BAD_VALUE, 0)));
+    ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, commandDatagram(8, "<Command ID=\"StopDbgPrint\" >\n</Command>")));
+    std::string reply;
+    ASSERT_TRUE(peer.receive(reply));
+    EXPECT_EQ(reply, "<HEADER ID=\"8\" Type=\"ACK\" Fcode=\"10000\" Size=\"0\" >\n</HEADER>\n");
+    EXPECT_FALSE(peer.receive(reply, 200)) << "unexpected answer: " << reply;
+
+    // The reply was filed in the history with its sender.
+    std::string header, body, sender;
+    EXPECT_TRUE(engines.server.getResponse(4242, header, body, sender));
+    EXPECT_EQ(header, wireHeader(4242, "ACK", FC_BAD_VALUE, 0));
+    EXPECT_EQ(sender, peer.hostPath());
+    EXPECT_EQ(gDbgLevel.load(), wire::DBG_LEVEL_SILENT);
+    ASSERT_TRUE(peer.sendTo(EnginePair::SERVER, commandDatagram(9, "<Command ID=\"StartDbgPrint\" >\n</Command>")));
+    ASSERT_TRUE(peer.receive(reply));
+    EXPECT_EQ(gDbgLevel.load(), wire::DBG_LEVEL_VERBOSE);
+}
+
+TEST(DataCommunicatorServer, RowCommandsCallTheHolderAndReplyWithTheCodeOnly) {
+    EnginePair engines;
+    const struct {
+        std::string command;
+        const char* call;
+    } cases[] = {
+        {"<Command ID=\"Add Row\" >\n\t<Parameter Name=\"Table\" Value=\"T\" />\n</Command>", "appendNewRow T"},
+        {"<Command ID=\"Add Row\" >\n\t<Parameter Name=\"Row\" Value=\"5\" />\n\t<Parameter Name=\"Table\" "
+         "Value=\"T\" />\n</Command>",
+         "newRow T 5"},
+        {"<Command ID=\"Get Next Row\" >\n\t<Parameter Name=\"Table\" Value=\"T\" />\n</Command>",
+         "getFirstRowIndex T"},
+        {"<Command ID=\"Get Next Row\" >\n\t<Parameter Name=\"Row\" Value=\"2\" />\n\t<Parameter Name=\"Table\" "
+         "Value=\"T\" />\n</Command>",
+         "getNextRowIndex T 2"},
+    };
+    for (const auto& row : cases) {
+        std::string replyBody = "untouched";
+        EXPECT_EQ(engines.client.requestCommand(EnginePair::SERVER, row.command, replyBody, 2, 1), FC_OK) << row.call;
+        EXPECT_EQ(replyBody, "untouched") << row.call << ": no body in the ACK";
+        ASSERT_FALSE(engines.holder.calls().empty());
+        EXPECT_EQ(engines.holder.calls().back(), row.call);
+    }
+}
+
+TEST(DataCommunicatorServer, SubscriptionsAndNotifyNeverStallTheSender) {
+    EnginePair engines;
+    DataCommunicator other;
+    other.init(nullptr, "/tmp/sockOther", "/tmp/sockOtherSend", "tOther");
+    ASSERT_EQ(engines.client.requestSubscribe(EnginePair::SERVER), FC_OK);
+    ASSERT_EQ(other.requestSubscribe(EnginePair::SERVER), FC_OK);
+    ASSERT_EQ(engines.client.requestSubscribe(EnginePair::SERVER), FC_OK);
+    EXPECT_EQ(engines.server.getObservers(), (std::vector<std::string>{"/tmp/sockOther", EnginePair::CLIENT}));
+
+    // A live subscriber gets the event stamped with the local time.
+    engines.server.subscribe("/tmp/sockGone");
+    MessageEvent event;
+    event.id = "Channel Played";
+    auto start = std::chrono::steady_clock::now();
+    engines.server.notify(event);
+    EXPECT_LT(secondsSince(start), 0.5);
+    MessageHeader header;
+    std::string body;
+    LocalAddress from;
+    ASSERT_EQ(other.readMsg(other.getReceiveSocket(), header, body, from.get(), &from.length(), 2, 0), FC_OK);
+    EXPECT_EQ(header.Type, "EVENT");
+    EXPECT_NE(body.find("<Event ID=\"Channel Played\""), std::string::npos) << body;
+    EXPECT_EQ(event.time.size(), std::string("22-Nov-26  02:26:06").size()) << event.time;
+    EXPECT_NE(body.find("Time=\"" + event.time + "\""), std::string::npos) << body;
+
+    // A subscriber that never reads: its queue fills, every send returns at once.
+    start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 25; ++i)
+        engines.server.notify(event);
+    EXPECT_LT(secondsSince(start), 1.0) << "notify blocked on a full subscriber";
+    EXPECT_EQ(engines.server.getObservers().size(), 3u) << "failed subscribers stay";
+}
+
+TEST(DataCommunicatorServer, EventsGoToTheHolderWithTheHeaderFcode) {
+    EnginePair engines;
+    MessageEvent event;
+    event.id = "Branch Started";
+    event.fcode = static_cast<Fcodes>(0x20002);
+    ASSERT_EQ(engines.client.requestEvent(EnginePair::SERVER, event, 1, 1), FC_OK);
+    ASSERT_TRUE(eventually([&] { return !engines.holder.calls().empty(); }));
+    EXPECT_EQ(engines.holder.calls()[0], "handle Branch Started " + std::to_string(0x20002));
+}
+
+TEST(DataCommunicatorServer, HistoryKeepsTenAndEvictsById) {
+    DataCommunicator engine;
+    std::string header, body, sender;
+    for (int id = 1; id <= 11; ++id)
+        engine.storeResponse(id, "h" + std::to_string(id), "b", "s");
+    EXPECT_FALSE(engine.getResponse(1, header, body, sender));
+    for (int id = 2; id <= 11; ++id)
+        EXPECT_TRUE(engine.getResponse(id, header, body, sender)) << id;
+    EXPECT_EQ(header, "h11");
+
+    // An ID that recurs within the window: evicting its old occurrence
+    // erases the entry just stored too.
+    engine.storeResponse(2, "again", "b", "s");
+    EXPECT_FALSE(engine.getResponse(2, header, body, sender));
+    EXPECT_TRUE(engine.getResponse(3, header, body, sender));
+}
+
+}  // namespace

@@ -1,0 +1,196 @@
+#include <dirent.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <clocale>
+#include <locale>
+
+#include "system/AtomicFile.h"
+#include "json/DataSetsTestSupport.h"
+
+using dstest::readText;
+using dstest::writeText;
+
+namespace {
+
+const std::string kSet = "ChannelDataSet";
+
+int filesIn(const std::string& logicalDir) {
+    DIR* dir = opendir(sysmgtPath(logicalDir).c_str());
+    int count = 0;
+    while (dir && readdir(dir))
+        ++count;
+    if (dir)
+        closedir(dir);
+    return count - 2;
+}
+
+int failBeforeRename(const std::string&) {
+    return EIO;
+}
+
+// A decimal comma and a thousands dot, as a German locale has them.
+struct CommaDecimal : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+}  // namespace
+
+TEST(DataSetsDocuments, ReadsOfMissingNamesLeaveTheDocumentByteIdentical) {
+    DataSets store;
+    ASSERT_TRUE(dstest::loadChannelDoc(store));
+    ASSERT_EQ(store.storeDataSet(kSet, "/data/settings/before.json"), FC_OK);
+
+    int number = 0;
+    std::string text;
+    bool flag = false;
+    std::vector<std::string> list;
+    EXPECT_NE(store.getIntParam(kSet, "NoComp", "Port", number, "k"), FC_OK);
+    EXPECT_NE(store.getIntParam(kSet, "ChannelsTable", "NoProp", number, "HEVC"), FC_OK);
+    EXPECT_NE(store.getTextParam(kSet, "ChannelsTable", "Name", text, "NoKey"), FC_OK);
+    EXPECT_NE(store.getBoolParam(kSet, "ChannelsTable", "Enabled", flag, ""), FC_OK);
+    EXPECT_NE(store.getNewIntParam(kSet, "Targets", "Port", number, 9), FC_OK);
+    EXPECT_NE(store.getNewBoolParam(kSet, "Device", "NoProp", flag, ""), FC_OK);
+    EXPECT_FALSE(store.hasInstance(kSet, "NoComp", "x") || store.isChangedProperty(kSet, "NoComp", "x", "y"));
+    EXPECT_NE(store.getInstances(kSet, "NoComp", list), FC_OK);
+    EXPECT_NE(store.getComponentPropertyDefault(kSet, "Device", "NoProp", text), FC_OK);
+    EXPECT_NE(store.setIntParam(kSet, "Targets", "Port", 1, 7), FC_OK);
+
+    ASSERT_EQ(store.storeDataSet(kSet, "/data/settings/after.json"), FC_OK);
+    EXPECT_EQ(readText("/data/settings/after.json"), readText("/data/settings/before.json"));
+    EXPECT_FALSE(store.isChanged());
+}
+
+TEST(DataSetsDocuments, MalformedAndWronglyShapedFilesAreRefused) {
+    std::string deep = "{\"dataset\": \"ChannelDataSet\", \"components\": {\"C\": ";
+    for (int i = 0; i < 100000; ++i)
+        deep += "[";
+    struct Row {
+        const char* name;
+        std::string text;
+    } rows[] = {
+        {"not JSON", "dataset = ChannelDataSet"},
+        {"truncated", std::string(dstest::kChannelDoc).substr(0, 200)},
+        {"no dataset member", "{\"components\": {}}"},
+        {"dataset not a string", "{\"dataset\": {\"a\": 1}, \"components\": {}}"},
+        {"array root", "[1, 2]"},
+        {"components not an object", "{\"dataset\": \"ChannelDataSet\", \"components\": [1]}"},
+        {"deeply nested", deep},
+        {"empty file", ""},
+    };
+    DataSets store;
+    ASSERT_TRUE(dstest::loadChannelDoc(store));
+    for (const Row& row : rows) {
+        writeText("/etc/sysmgt/bad.json", row.text);
+        EXPECT_NE(store.loadDataSet("/etc/sysmgt/bad.json"), FC_OK) << row.name;
+        EXPECT_EQ(dstest::valueAt<int>(store, "ChannelsTable", "Bitrate", "HEVC"), 6000) << row.name;
+    }
+    EXPECT_EQ(store.loadDataSet("/etc/sysmgt/missing.json"), FC_NO_SUCH_NAME);
+    // A named load needs no "dataset" member, but still an object.
+    writeText("/etc/sysmgt/named.json", "{\"components\": {}} // comment kept");
+    EXPECT_EQ(store.loadDataSet("Named", "/etc/sysmgt/named.json"), FC_OK);
+    writeText("/etc/sysmgt/named.json", "[]");
+    EXPECT_NE(store.loadDataSet("Named", "/etc/sysmgt/named.json"), FC_OK);
+}
+
+// The data model holds integers, booleans and texts; integers are read and
+// written without any locale. A real (outside the model) is written by jsoncpp
+// through the C locale with its comma fixed back to a dot.
+TEST(DataSetsDocuments, CommaDecimalLocaleDoesNotChangeNumbers) {
+    auto roundTrip = [&](const char* where, bool withReal) {
+        writeText("/etc/sysmgt/locale.json",
+                  std::string(R"({"dataset": "L", "components": {"C": {"properties": {}, "instance": )") +
+                      (withReal ? R"({"Gain": 2.5, "Rate": 1234567, "Low": -20000}}}})"
+                                : R"({"Rate": 1234567, "Low": -20000}}}})"));
+        DataSets store;
+        ASSERT_EQ(store.loadDataSet("/etc/sysmgt/locale.json"), FC_OK) << where;
+        int rate = 0;
+        std::string low;
+        EXPECT_EQ(store.getIntParam("L", "C", "Rate", rate, ""), FC_OK) << where;
+        EXPECT_EQ(rate, 1234567) << where;
+        EXPECT_EQ(store.getTextParam("L", "C", "Low", low, ""), FC_OK) << where;
+        EXPECT_EQ(low, "-20000") << where;
+        ASSERT_EQ(store.storeDataSet("L", "/data/settings/locale.json"), FC_OK) << where;
+        const std::string stored = readText("/data/settings/locale.json");
+        EXPECT_NE(stored.find("1234567"), std::string::npos) << where << "\n" << stored;
+        if (withReal) {
+            std::string gain;
+            EXPECT_EQ(store.getTextParam("L", "C", "Gain", gain, ""), FC_OK) << where;
+            EXPECT_EQ(gain, "2.5") << where;
+            EXPECT_NE(stored.find("2.5"), std::string::npos) << where << "\n" << stored;
+        }
+    };
+    std::locale previous = std::locale::global(std::locale(std::locale::classic(), new CommaDecimal));
+    roundTrip("C++ global locale", false);
+    std::locale::global(previous);
+
+    const char* candidates[] = {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "nl_NL.UTF-8", "ru_RU.UTF-8"};
+    for (const char* name : candidates) {
+        if (setlocale(LC_ALL, name)) {
+            roundTrip(name, true);
+            setlocale(LC_ALL, "C");
+            return;
+        }
+    }
+    GTEST_SKIP() << "no comma-decimal C locale installed; the C++ locale part ran";
+}
+
+TEST(DataSetsDocuments, InterruptedStoreLeavesTheOldFile) {
+    DataSets store;
+    ASSERT_TRUE(dstest::loadChannelDoc(store));
+    ASSERT_EQ(store.storeDataSet(kSet, "/data/settings/channels.json"), FC_OK);
+    const std::string before = readText("/data/settings/channels.json");
+    const int files = filesIn("/data/settings");
+
+    ASSERT_EQ(store.initIntParam(kSet, "ChannelsTable", "Bitrate", 1, "HEVC"), FC_OK);
+    gAtomicFileBeforeRename = failBeforeRename;
+    EXPECT_EQ(store.storeDataSet(kSet, "/data/settings/channels.json"), FC_UNAVAILABLE);
+    gAtomicFileBeforeRename = nullptr;
+    EXPECT_EQ(readText("/data/settings/channels.json"), before);
+    EXPECT_EQ(filesIn("/data/settings"), files) << "no temporary file left";
+
+    ASSERT_EQ(store.storeDataSet(kSet, "/data/settings/channels.json"), FC_OK);
+    EXPECT_NE(readText("/data/settings/channels.json"), before);
+    EXPECT_EQ(store.storeDataSet(kSet, "/no/such/dir/x.json"), FC_UNAVAILABLE);
+}
+
+TEST(DataSetsDocuments, DataSetsAndComponents) {
+    DataSets store;
+    ASSERT_TRUE(dstest::loadChannelDoc(store));
+    ASSERT_EQ(store.addDataSet("Stats"), FC_OK);
+    EXPECT_EQ(store.addDataSet("Stats"), FC_BAD_VALUE);
+    ASSERT_EQ(store.addComponent("Stats", "Counters"), FC_OK);
+    EXPECT_EQ(store.addComponent("Stats", "Counters"), FC_BAD_VALUE);
+    EXPECT_EQ(store.addComponent("NoSet", "Counters"), FC_NO_SUCH_NAME);
+
+    std::string found;
+    EXPECT_EQ(store.findDataSetWithComponent(found, "Counters"), FC_OK);
+    EXPECT_EQ(found, "Stats");
+    EXPECT_EQ(store.findDataSetWithComponent(found, "Nope"), FC_NO_SUCH_NAME);
+
+    EXPECT_EQ(store.loadComponent("Stats", "Counters",
+                                  "{\"properties\": {\"N\": {\"type\": \"integer\"}}, "
+                                  "\"instance\": {\"N\": 3}}"),
+              FC_OK);
+    int n = 0;
+    EXPECT_EQ(store.getIntParam("Stats", "Counters", "N", n, ""), FC_OK);
+    EXPECT_EQ(n, 3);
+    EXPECT_NE(store.loadComponent("Stats", "Counters", "[1]"), FC_OK);
+
+    ASSERT_EQ(store.setIntParam("Stats", "Counters", "N", 4, ""), FC_OK);
+    ASSERT_EQ(store.deleteComponent("Stats", "Counters"), FC_OK);
+    EXPECT_FALSE(store.isChanged()) << "pending values go with their component";
+    EXPECT_EQ(store.deleteComponent("Stats", "Counters"), FC_NO_SUCH_NAME);
+    ASSERT_EQ(store.deleteDataSet("Stats"), FC_OK);
+
+    // Reloading a dataset drops pending values of the old document.
+    ASSERT_EQ(store.setIntParam(kSet, "Device", "Port", 1, ""), FC_OK);
+    ASSERT_TRUE(dstest::loadChannelDoc(store));
+    EXPECT_FALSE(store.isChanged());
+
+    Json::Value response;
+    EXPECT_EQ(store.getParams(Json::Value(), response), FC_UNSUPPORTED);
+    EXPECT_EQ(response["fcode"].asUInt(), static_cast<unsigned>(FC_UNSUPPORTED));
+}

@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include "records/Fcodes.h"
+#include "records/TagText.h"
+
+TEST(Fcodes, TextsAndMerging) {
+    const std::pair<Fcodes, const char*> rows[] = {
+        {FC_OK, "OK"},
+        {FC_HEADER_ERROR, "Message Header Error"},
+        {FC_BODY_ERROR, "Message Body Error"},
+        {FC_ACCESS_DENIED, "Access Denied"},
+        {FC_NO_SUCH_NAME, "No Such Name"},
+        {FC_WRONG_TYPE, "Wrong Type"},
+        {FC_BAD_VALUE, "Bad Value"},
+        {FC_COMM_ERROR, "Communication Error"},
+        {FC_UNSUPPORTED, "Unsupported Request"},
+        {FC_UNAVAILABLE, "Unavailable"},
+        {FC_DATA_STREAM, "Data Stream"},
+        {FC_LOS, "LOS"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(fcodeText(row.first), row.second) << std::hex << row.first;
+
+    Fcodes merged = FC_OK;
+    merged |= FC_NO_SUCH_NAME;
+    merged |= FC_BAD_VALUE;
+    EXPECT_EQ(merged, 0x10028u);
+    EXPECT_FALSE(isOk(merged));
+    EXPECT_EQ(fcodeText(merged), "No Such Name, Bad Value");
+    EXPECT_EQ(fcodeText(static_cast<Fcodes>(0)), "Unknown Fcode 0x0");
+    EXPECT_EQ(fcodeText(static_cast<Fcodes>(0x20002)), "Unknown Fcode 0x20002");
+}
+
+TEST(TagText, GetPropertyValue) {
+    std::string value = "untouched";
+    // Plain substring key: "ID" matches the tail of "RowID" when that comes first.
+    const std::string text = "<Item RowID=\"7\" ID=\"3\" Value=\"\" Name=\"open />";
+    EXPECT_EQ(getPropertyValue(text, 0, "ID", value), 14);
+    EXPECT_EQ(value, "7");
+    EXPECT_EQ(getPropertyValue(text, 14, "ID", value), 21);
+    EXPECT_EQ(value, "3");
+    // An empty value: the index of its closing quote and an empty text.
+    EXPECT_EQ(getPropertyValue(text, 0, "Value", value), 30);
+    EXPECT_EQ(value, "");
+    // No closing quote, or no key: -1 and the value is left alone.
+    value = "kept";
+    EXPECT_EQ(getPropertyValue(text, 0, "Name", value), -1);
+    EXPECT_EQ(getPropertyValue(text, 0, "Missing", value), -1);
+    EXPECT_EQ(getPropertyValue(text, 25, "ID", value), -1);
+    EXPECT_EQ(value, "kept");
+}
+
+TEST(TagText, GetSegmentWalksSiblingsWithoutNesting) {
+    const std::string list =
+        "<Command ID=\"x\" >\n\t<Parameter Name=\"a\" Value=\"1\" />\n"
+        "\t<Parameter Name=\"b\" Value=\"2\"></Parameter>\n</Command>\n";
+    std::string segment;
+    int next = getSegment(list, 0, "Parameter", segment);
+    EXPECT_EQ(segment, "<Parameter Name=\"a\" Value=\"1\" />");
+    EXPECT_EQ(next, static_cast<int>(list.find("/>") + 2));
+    next = getSegment(list, next, "Parameter", segment);
+    EXPECT_EQ(segment, "<Parameter Name=\"b\" Value=\"2\"></Parameter>");
+    EXPECT_EQ(getSegment(list, next, "Parameter", segment), -1);
+
+    // The tag must be followed by a blank or '>': "Parameters" is not "Parameter".
+    EXPECT_EQ(getSegment("<Parameters x=\"1\"></Parameters>", 0, "Parameter", segment), -1);
+    // A bare opening tag is found when no "<tag " exists.
+    EXPECT_EQ(getSegment("<BODY>abc</BODY>", 0, "BODY", segment), 16);
+    EXPECT_EQ(segment, "<BODY>abc</BODY>");
+    // The first closing tag ends the element, even one inside a value.
+    const std::string body = "<BODY><Item Value=\"</BODY>\" /></BODY>";
+    EXPECT_EQ(getSegment(body, 0, "BODY", segment), 26);
+    EXPECT_EQ(segment, "<BODY><Item Value=\"</BODY>");
+    // Missing '>' or missing closing tag.
+    EXPECT_EQ(getSegment("<Row ID=\"1\"", 0, "Row", segment), -1);
+    EXPECT_EQ(getSegment("<Row ID=\"1\"><Item/>", 0, "Row", segment), -1);
+}
+
+TEST(TagText, GetTokenTreatsWhitespaceDelimitersAlike) {
+    std::string token;
+    // Start "\t" accepts a blank, end "\n" accepts a tab.
+    EXPECT_EQ(getToken("cmd arg1\targ2", 0, "\t", "\n", token), 8);
+    EXPECT_EQ(token, "arg1");
+    EXPECT_EQ(getToken("key=value;rest", 0, "=", ";", token), 9);
+    EXPECT_EQ(token, "value");
+    EXPECT_EQ(getToken("a b", 0, " ", "\n", token), -1);
+    EXPECT_EQ(getToken("nothing", 0, "=", ";", token), -1);
+    EXPECT_EQ(getToken("x=1;", 5, "=", ";", token), -1);
+}
+
+TEST(TagText, NumberConversionsAreTheSameOnEveryTarget) {
+    EXPECT_EQ(tagToInt("42abc"), 42);
+    EXPECT_EQ(tagToInt("-7"), -7);
+    EXPECT_EQ(tagToInt("abc"), 0);
+    EXPECT_EQ(tagToInt("99999999999"), 2147483647);
+    EXPECT_EQ(tagToInt("-99999999999"), -2147483647 - 1);
+    EXPECT_EQ(tagToHex("10040"), 0x10040u);
+    EXPECT_EQ(tagToHex("1ffffffff"), 0xffffffffu);
+    EXPECT_EQ(tagToHex("zz"), 0u);
+}

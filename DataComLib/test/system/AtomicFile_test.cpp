@@ -1,0 +1,56 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
+#include <sstream>
+
+#include "system/AtomicFile.h"
+#include "system/SysmgtRoot.h"
+
+namespace {
+
+std::string readHostFile(const std::string& logicalPath) {
+    std::ifstream in(sysmgtPath(logicalPath));
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+int countEntries(const std::string& logicalDir) {
+    std::string command = "ls -A '" + sysmgtPath(logicalDir) + "' | wc -l";
+    FILE* pipe = popen(command.c_str(), "r");
+    int count = -1;
+    if (pipe) {
+        if (fscanf(pipe, "%d", &count) != 1)
+            count = -1;
+        pclose(pipe);
+    }
+    return count;
+}
+
+int failBeforeRename(const std::string&) {
+    return EIO;
+}
+
+}  // namespace
+
+TEST(AtomicFile, ReplacesWholeFileOrLeavesTheOldOne) {
+    mkdir(sysmgtPath("/data/settings/atomic").c_str(), 0777);
+    const std::string path = "/data/settings/atomic/channels.json";
+    ASSERT_EQ(writeFileAtomically(path, "first version\n"), 0);
+    EXPECT_EQ(readHostFile(path), "first version\n");
+    ASSERT_EQ(writeFileAtomically(path, "second"), 0);
+    EXPECT_EQ(readHostFile(path), "second");
+
+    // Interrupted before the rename: the old file stays whole, no temporary is left.
+    gAtomicFileBeforeRename = failBeforeRename;
+    EXPECT_EQ(writeFileAtomically(path, std::string(100000, 'x')), EIO);
+    gAtomicFileBeforeRename = nullptr;
+    EXPECT_EQ(readHostFile(path), "second");
+    EXPECT_EQ(countEntries("/data/settings/atomic"), 1);
+
+    // A directory that does not exist: the error, and nothing written.
+    EXPECT_EQ(writeFileAtomically("/data/settings/missing/x.json", "x"), ENOENT);
+}
