@@ -65,7 +65,7 @@ TEST(ChanctlWithSim, MediatorCommandsParametersAndBranchEvents) {
     ToolRun read =
         chanctl(MEDIATOR + "command 'Tarnevel Get Param' Component=SDI_RECEIVER 'Parameter=Video Format' TextValue=");
     EXPECT_EQ(0, read.status);
-    EXPECT_NE(std::string::npos, read.output.find("TextValue=1920x1080p @ 60\n")) << read.output;
+    EXPECT_NE(std::string::npos, read.output.find("TextValue=1920x1080i @ 25\n")) << read.output;
     EXPECT_EQ(0,
               chanctl(MEDIATOR + "command 'Tarnevel Put Param' Component=Device 'Parameter=Streaming LED' IntValue=1")
                   .status);

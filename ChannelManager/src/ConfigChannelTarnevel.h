@@ -1,0 +1,145 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "records/Fcodes.h"
+#include "records/MessageEvent.h"
+
+class DataHolder;
+class IChannelEvents;
+
+// The channel configuration logic: the state machine of the two channels
+// ("H.264" = channel 0, "HEVC" = channel 1), their whole pipeline
+// configuration in the mediator, bitrates, input-format validation, stream
+// statistics, data-stream events, SAP, KLV, target probes, LEDs and the
+// tracking of the video sources.
+//
+// A working object: made on the stack for one operation and dropped. It keeps
+// no state of its own; every decision reads and writes the channel rows of
+// the holder's JSON datasets, every media action goes to the mediator through
+// ITarnevelClient on the holder's engine, and events go out through
+// IChannelEvents. The default constructor uses the channel manager singleton
+// for both; tests pass a holder and an event recorder of their own.
+//
+// Locking: playChannel, stopChannel, handleTarnevelBranchEvent and
+// handleDataStreamEvent hold the holder's recursive lock for their whole run;
+// execute holds it around a forced stop. Other operations rely on the stores'
+// own locks. Any thread may use an object; one object is not shared between
+// threads.
+//
+// Results are Fcodes OR-merged over every step, "OK" (0x10000) when all
+// steps succeeded.
+//
+// The implementation is split by concern: ConfigChannelLifecycle.cpp (command
+// entry, state machine, row and branch mappings), ConfigChannelInputFormat.cpp
+// (format tables and validation), ConfigChannelBitrates.cpp, the pipeline
+// sections (ConfigChannelPipeline*.cpp), ConfigChannelStatistics.cpp,
+// ConfigChannelSideActions.cpp (SAP, KLV, probes, LEDs) and
+// ConfigChannelVideoSources.cpp.
+class ConfigChannelTarnevel {
+public:
+    ConfigChannelTarnevel();
+    ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events);
+    ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
+    ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
+
+    // ---- Command entry and state machine (ConfigChannelLifecycle.cpp) ----
+
+    // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
+    // statistics commands, with "RowID" naming a channel, "ALL" or "0".
+    Fcodes execute(const std::string& commandText, std::string& response);
+    Fcodes playChannel(const std::string& rowId);
+    // A second stop of a stopped or stopping channel does nothing.
+    Fcodes stopChannel(const std::string& rowId);
+    // Raises "Channel Error" when a playing channel's video input is gone.
+    Fcodes updateChannelStatus(const std::string& rowId);
+    // Copies the effective encoder and multiplexer values into the summary.
+    Fcodes updateChannel(const std::string& rowId);
+    // Start-up: configures both channels, replays those that were playing.
+    Fcodes configChannels();
+    Fcodes reconfigChannelFormat(const std::string& rowId);
+    // Polls the branch every 5 ms; running out of time is not a failure.
+    Fcodes waitWhileInTransition(const std::string& branch, const std::string& wantedState, int timeoutMs);
+    // Borrows the event; checks it against the channel state, changes nothing.
+    Fcodes handleTarnevelBranchEvent(MessageEvent* event);
+    Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
+    Fcodes getRowId(const std::string& branch, std::string& rowId);
+    // Instances of a component whose `keyProperty` equals `keyValue`, in
+    // document order (a channel's targets or audio rows by "Channel ID").
+    Fcodes getChildInstances(const std::string& dataSet, const std::string& component,
+                             const std::string& keyProperty, const std::string& keyValue,
+                             std::vector<std::string>& instances);
+    // The same search over a component whose instances are an array: the
+    // first matching index at or after 0, or after `index`; -1 when none.
+    int getFirstChildRowId(const std::string& dataSet, const std::string& component,
+                           const std::string& keyProperty, const std::string& keyValue);
+    int getNextChildRowId(const std::string& dataSet, const std::string& component, const std::string& keyProperty,
+                          const std::string& keyValue, int index);
+    // Writes the non-zero backup bitrates back, then clears the backup.
+    Fcodes restoreChannelParameters(const std::string& rowId);
+    Fcodes clearChannelParametersBackup(const std::string& rowId);
+
+    // ---- Input format validation (ConfigChannelInputFormat.cpp) ----
+
+    // "Unavailable" when the detected input cannot feed the channel's
+    // encoding format at its frame sampling, or breaks the HEVC GOP rule.
+    Fcodes validateInputFormat(const std::string& rowId);
+
+    // ---- Bitrates (ConfigChannelBitrates.cpp) ----
+
+    // totalBitrate 0 on entry: the total from videoBitrate; otherwise the
+    // video bitrate from the total. audioBitrate and klvBitrate are outputs.
+    Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
+                        int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
+    Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
+    // Reads back what the encoder chose by itself into the encoder settings.
+    Fcodes updateAutomaticParams(const std::string& rowId);
+
+    // ---- Pipeline configuration (ConfigChannelPipeline*.cpp) ----
+
+    // The channel's rows turned into the parameters of its mediator components.
+    Fcodes configChannel(const std::string& rowId);
+    // "Brightness", "Contrast", "Saturation", "Hue" of "ChannelAVSettings".
+    Fcodes configAVSettings(const std::string& rowId);
+    // "Audio Gain" of an audio row ("H.264 Audio1" ...).
+    Fcodes configAudioGain(const std::string& audioRowId);
+
+    // ---- Stream statistics and data-stream events (ConfigChannelStatistics.cpp) ----
+
+    // `targetRowId` is a target row ("HEVC Target1" ... "H.264 Target2").
+    Fcodes updateZixiStatistics(const std::string& targetRowId);
+    Fcodes updateSrtStatistics(const std::string& targetRowId);
+    // The number in front of `key` in a comma-separated statistics text; 0 without.
+    static unsigned long parseZixiStat(const std::string& text, const std::string& key);
+    // "Data Stream", "Zixi Connection Failed", "Zixi Change Bitrate Request",
+    // "Srt New Client Request"; borrows the event.
+    Fcodes handleDataStreamEvent(MessageEvent* event);
+
+    // ---- SAP, KLV, target probes and LEDs (ConfigChannelSideActions.cpp) ----
+
+    // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
+    Fcodes sapAction(const std::string& rowId);
+    // Starts the channel's KLV branch while it plays, stops it otherwise.
+    Fcodes klvAction(const std::string& rowId);
+    // Starts a bounded probe thread per enabled unicast target.
+    Fcodes testConnectionToTarget(const std::string& rowId);
+    // "ping -c 1", then "traceroute -I"; sends "Target Connection OK" or "...Failed".
+    void traceroute(const std::string& rowId, const std::string& address);
+    // Sets the integer LED parameter `led` of the mediator's "Device".
+    Fcodes setLed(const std::string& led, int value);
+    Fcodes updateStreamAndErrorLeds();
+
+    // ---- Video sources (ConfigChannelVideoSources.cpp) ----
+
+    // Refreshes one source ("VideoSourceDataSet" row) and re-validates the
+    // channels that use it.
+    Fcodes updateVideoSource(const std::string& videoSource);
+    // The same for an "Auto Detection Event" (Source = the source row); borrows it.
+    Fcodes updateVideoSource(MessageEvent* event);
+    Fcodes triggerVideoSource(const std::string& videoSource);
+
+private:
+    DataHolder& holder;
+    IChannelEvents& events;
+};
