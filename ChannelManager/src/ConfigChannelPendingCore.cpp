@@ -67,10 +67,6 @@ Fcodes ConfigChannelTarnevel::clearChannelParametersBackup(const std::string&) {
     return unsupported("clearChannelParametersBackup");
 }
 
-Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string&) {
-    return unsupported("validateInputFormat");
-}
-
 Fcodes ConfigChannelTarnevel::calcBitrates(const std::string&, int&, int&, float, int&, int&, bool) {
     return unsupported("calcBitrates");
 }
