@@ -12,145 +12,90 @@ namespace {
 // The format matrix keeps its size and the rows the appliance relies on,
 // including the ones that look like slips but are deliberate.
 TEST(VideoFormatTables, KeepTheApplianceMatrix) {
-    EXPECT_EQ(38u, videoformat::inputResMaxOutputFrameratesRows);
-    EXPECT_EQ(5u, videoformat::encHevcResMaxOutputFrameratesRows);
-    EXPECT_EQ(9u, videoformat::encH264ResMaxOutputFrameratesRows);
-    EXPECT_EQ(39u, videoformat::outputFromInputRows);
-    EXPECT_EQ(31u, videoformat::encFormatToDefGenlockRows);
-
-    struct RateRow {
+    using namespace videoformat;
+    EXPECT_EQ(38u, inputResMaxOutputFrameratesRows);
+    EXPECT_EQ(5u, encHevcResMaxOutputFrameratesRows);
+    EXPECT_EQ(9u, encH264ResMaxOutputFrameratesRows);
+    EXPECT_EQ(39u, outputFromInputRows);
+    EXPECT_EQ(31u, encFormatToDefGenlockRows);
+    struct {
         bool (*lookup)(const std::string&, int&);
         const char* format;
         int expected;  // -1: no row
     } rates[] = {
-        {videoformat::maxInputFrameRate, "1920x1080p @ 60", 60},
-        {videoformat::maxInputFrameRate, "1920x1080p @ 59.94", 60},
-        {videoformat::maxInputFrameRate, "1280x720p @ 30", 60},  // deliberate
-        {videoformat::maxInputFrameRate, "1280x720p @ 29.97", 30},
-        {videoformat::maxInputFrameRate, "1600x1200p @ 85", 60},
-        {videoformat::maxInputFrameRate, "720x480p @ 59.94", 60},
-        {videoformat::maxInputFrameRate, "1600x1200p @ 60", -1},
-        {videoformat::maxInputFrameRate, "800x600p @ 60", -1},
-        {videoformat::maxHevcFrameRate, "1600x1200p", 30},
-        {videoformat::maxHevcFrameRate, "1280x1024p", 30},
-        {videoformat::maxHevcFrameRate, "1920x1080p", -1},
-        {videoformat::maxH264FrameRate, "1920x1080i", 30},
-        {videoformat::maxH264FrameRate, "1280x1024p", 30},
-        {videoformat::maxH264FrameRate, "1280x720p", -1},
+        {maxInputFrameRate, "1920x1080p @ 59.94", 60}, {maxInputFrameRate, "1280x720p @ 30", 60},  // deliberate
+        {maxInputFrameRate, "1280x720p @ 29.97", 30},  {maxInputFrameRate, "1600x1200p @ 85", 60},
+        {maxInputFrameRate, "1600x1200p @ 60", -1},    {maxHevcFrameRate, "1280x1024p", 30},
+        {maxHevcFrameRate, "1920x1080p", -1},          {maxH264FrameRate, "1920x1080i", 30},
+        {maxH264FrameRate, "1280x720p", -1},
     };
-    for (const RateRow& row : rates) {
+    for (const auto& row : rates) {
         int max = -1;
         row.lookup(row.format, max);
         EXPECT_EQ(row.expected, max) << row.format;
     }
-
-    struct InputRow {
+    struct {
         const char* encoding;
         const char* input;
         bool allowed;
     } inputs[] = {
-        {"720x480p", "1600x1200p @ 60", true},  // deliberate
-        {"352x480p", "1600x1200p @ 60", true},  // deliberate
-        {"352x240", "1600x1200p @ 60", true},   // deliberate
-        {"704x480p", "1600x1200p @ 60", false},
-        {"720x480p", "1920x1080p @ 50", false},
-        {"1280x720p", "1280x800p @ 50", true},
-        {"1280x720i", "1280x720p @ 60", false},
-        {"800x600p", "800x600p @ 60", true},
-        {"800x600p", "800x600p @ 50", false},
-        {"720x576p", "720x576p @ 50", true},
-        {"704x576p", "720x576p @ 50", false},
-        // A plain substring search: a fragment of a listed format matches.
-        {"1920x1080p", "1920x1080p @ 5", true},
-        {"640x480p", "640x480p @ 60", false},  // no row
+        {"720x480p", "1600x1200p @ 60", true}, {"352x480p", "1600x1200p @ 60", true},  // deliberate
+        {"352x240", "1600x1200p @ 60", true},  {"704x480p", "1600x1200p @ 60", false},
+        {"1280x720i", "1280x720p @ 60", false}, {"800x600p", "800x600p @ 60", true},
+        {"704x576p", "720x576p @ 50", false},   {"640x480p", "640x480p @ 60", false},
+        {"1920x1080p", "1920x1080p @ 5", true},  // a plain substring search
     };
-    for (const InputRow& row : inputs)
-        EXPECT_EQ(row.allowed, videoformat::inputAllowed(row.encoding, row.input)) << row.encoding << " / " << row.input;
-
-    struct GenlockRow {
-        const char* encoding;
-        const char* genlock;
-    } genlocks[] = {
-        {"1920x1080p", "1920x1080p @ 60"}, {"1280x720i", "1280x720p @ 60"}, {"352x240", "720x480i @ 29.97"},
-        {"352x288", "720x576i @ 25"},      {"704x480p", "720x480p @ 59.94"}, {"1600x1200p", ""},
-    };
-    for (const GenlockRow& row : genlocks) {
-        std::string genlock;
-        videoformat::defaultGenlock(row.encoding, genlock);
-        EXPECT_EQ(row.genlock, genlock) << row.encoding;
-    }
+    for (const auto& row : inputs)
+        EXPECT_EQ(row.allowed, inputAllowed(row.encoding, row.input)) << row.encoding << " / " << row.input;
+    std::string genlock;
+    EXPECT_TRUE(defaultGenlock("352x240", genlock));
+    EXPECT_EQ("720x480i @ 29.97", genlock);
+    EXPECT_TRUE(defaultGenlock("1280x720i", genlock));
+    EXPECT_EQ("1280x720p @ 60", genlock);
+    EXPECT_FALSE(defaultGenlock("1600x1200p", genlock));
 }
 
-// validateInputFormat over the edges of the matrix, the encoder limits and
-// their exemptions, and the HEVC 1080p GOP rule. Each row sets the channel's
-// source input, encoding, frame sampling, profile and GOP on the factory data.
+// The matrix edges, the encoder limits with their exemptions (low latency;
+// HEVC GOP "I"/"IP") and the HEVC 1080p GOP rule, on the factory sources.
 TEST(ChannelInputFormat, ValidatesTheDetectedInputAgainstTheEncoding) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
+    const char *H = row::H264, *V = row::HEVC, *B = value::PROFILE_BROADCAST, *L = value::PROFILE_ULL;
+    const Fcodes OK = FC_OK, NO = FC_UNAVAILABLE;
     struct Row {
-        const char* channel;
-        const char* input;  // "Input Detected" of the channel's factory source
-        const char* encoding;
+        const char *channel, *input, *encoding;
         int frameSampling;
-        const char* profile;
-        const char* gop;
+        const char *profile, *gop;
         Fcodes expected;
     } rows[] = {
-        {row::H264, "1920x1080i @ 25", "1920x1080i", 25, value::PROFILE_BROADCAST, "IBBP", FC_OK},
-        {row::H264, "1920x1080i @ 25", "1920x1080i", 30, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::H264, "1920x1080p @ 50", "1920x1080p", 50, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::H264, "1920x1080p @ 50", "1920x1080p", 50, value::PROFILE_ULL, "IBBP", FC_OK},
-        {row::H264, "1920x1080p @ 50", "1920x1080p", 60, value::PROFILE_ULL, "IBBP", FC_UNAVAILABLE},
-        {row::H264, "1920x1080p @ 50", "1920x1080p", 30, value::PROFILE_ISR, "I", FC_OK},
-        {row::H264, "1280x720p @ 30", "1280x720p", 60, value::PROFILE_BROADCAST, "IBBP", FC_OK},
-        {row::H264, "1280x720p @ 29.97", "1280x720p", 60, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::H264, "1600x1200p @ 60", "720x480p", 30, value::PROFILE_BROADCAST, "IBBP", FC_OK},
-        {row::H264, "1600x1200p @ 60", "704x480p", 30, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::H264, "1920x1080i @ 25", "800x480p", 25, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::H264, "None", "800x480p", 60, value::PROFILE_BROADCAST, "IBBP", FC_OK},
-        {row::HEVC, "1280x720p @ 50", "1280x720p", 50, value::PROFILE_BROADCAST, "IBBP", FC_OK},
-        {row::HEVC, "1600x1200p @ 50", "1600x1200p", 50, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::HEVC, "1600x1200p @ 50", "1600x1200p", 50, value::PROFILE_BROADCAST, "I", FC_OK},
-        {row::HEVC, "1600x1200p @ 50", "1600x1200p", 50, value::PROFILE_BROADCAST, "IP", FC_OK},
-        {row::HEVC, "1600x1200p @ 50", "1600x1200p", 50, value::PROFILE_ULL, "IBBP", FC_OK},
-        {row::HEVC, "1600x1200p @ 85", "1600x1200p", 85, value::PROFILE_ULL, "I", FC_UNAVAILABLE},
-        {row::HEVC, "1920x1080p @ 30", "1920x1080p", 30, value::PROFILE_BROADCAST, "IBBP", FC_OK},
-        // The 1080p rule: allowed by the matrix, refused for any GOP but "IP".
-        {row::HEVC, "1920x1080p @ 50", "1920x1080p", 50, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::HEVC, "1920x1080p @ 59.94", "1920x1080p", 60, value::PROFILE_ULL, "I", FC_UNAVAILABLE},
-        {row::HEVC, "1920x1080p @ 60", "1920x1080p", 60, value::PROFILE_BROADCAST, "IP", FC_OK},
-        // ... and when the matrix refuses as well.
-        {row::HEVC, "1920x1080p @ 50", "1280x720i", 50, value::PROFILE_BROADCAST, "IBBP", FC_UNAVAILABLE},
-        {row::HEVC, "None", "1920x1080p", 60, value::PROFILE_BROADCAST, "IBBP", FC_OK},
+        {H, "1920x1080i @ 25", "1920x1080i", 25, B, "IBBP", OK},  {H, "1920x1080i @ 25", "1920x1080i", 30, B, "IBBP", NO},
+        {H, "1920x1080p @ 50", "1920x1080p", 50, B, "IBBP", NO},  {H, "1920x1080p @ 50", "1920x1080p", 50, L, "IBBP", OK},
+        {H, "1920x1080p @ 50", "1920x1080p", 60, L, "IBBP", NO},  {H, "1280x720p @ 30", "1280x720p", 60, B, "IBBP", OK},
+        {H, "1600x1200p @ 60", "720x480p", 30, B, "IBBP", OK},    {H, "1600x1200p @ 60", "704x480p", 30, B, "IBBP", NO},
+        {H, "1920x1080i @ 25", "800x480p", 25, B, "IBBP", NO},    {H, "None", "800x480p", 60, B, "IBBP", OK},
+        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "IBBP", NO},  {V, "1600x1200p @ 50", "1600x1200p", 50, B, "I", OK},
+        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "IP", OK},    {V, "1600x1200p @ 50", "1600x1200p", 50, L, "IBBP", OK},
+        {V, "1600x1200p @ 85", "1600x1200p", 85, L, "I", NO},     {V, "1920x1080p @ 30", "1920x1080p", 30, B, "IBBP", OK},
+        {V, "1920x1080p @ 50", "1920x1080p", 50, B, "IBBP", NO},  {V, "1920x1080p @ 59.94", "1920x1080p", 60, L, "I", NO},
+        {V, "1920x1080p @ 60", "1920x1080p", 60, B, "IP", OK},    {V, "None", "1920x1080p", 60, B, "IBBP", OK},
     };
     for (const Row& r : rows) {
-        const char* encoder = std::string(r.channel) == row::HEVC ? tbl::HEVC_ENCODER : tbl::H264_ENCODER;
+        const char* encoder = std::string(r.channel) == V ? tbl::HEVC_ENCODER : tbl::H264_ENCODER;
         std::string source;
-        ASSERT_EQ(FC_OK, h.holder->getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, r.channel));
-        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, r.input,
-                                                 source));
-        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, r.encoding,
-                                                 r.channel));
-        ASSERT_EQ(FC_OK, h.holder->initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, r.frameSampling,
-                                                r.channel));
-        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, r.profile,
-                                                 r.channel));
-        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, encoder, prop::GOP_STRUCTURE, r.gop, ""));
+        DataHolder& d = *h.holder;
+        ASSERT_EQ(OK, d.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, r.channel));
+        ASSERT_EQ(OK, d.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, r.input, source));
+        ASSERT_EQ(OK, d.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, r.encoding, r.channel));
+        ASSERT_EQ(OK, d.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, r.frameSampling, r.channel));
+        ASSERT_EQ(OK, d.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, r.profile, r.channel));
+        ASSERT_EQ(OK, d.initTextParam(ds::CHANNEL, encoder, prop::GOP_STRUCTURE, r.gop, ""));
         EXPECT_EQ(r.expected, h.channel().validateInputFormat(r.channel))
-            << r.channel << " input=" << r.input << " enc=" << r.encoding << " fr=" << r.frameSampling
-            << " profile=" << r.profile << " gop=" << r.gop;
+            << r.channel << " " << r.input << " -> " << r.encoding << " @ " << r.frameSampling << " " << r.profile
+            << " GOP " << r.gop;
     }
-}
-
-// A source without a row in the video sources skips the matrix and reports
-// the failed read; it is not a format failure.
-TEST(ChannelInputFormat, FailedReadsSkipTheMatrix) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
-    ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, "SD-SDI", row::H264));
-    ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, "800x480p",
-                                             row::H264));
-    EXPECT_EQ(FC_OK | FC_NO_SUCH_NAME, h.channel().validateInputFormat(row::H264));
+    // A source without a row skips the matrix and reports the failed read.
+    ASSERT_EQ(OK, h.holder->initTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, "SD-SDI", H));
+    EXPECT_EQ(OK | FC_NO_SUCH_NAME, h.channel().validateInputFormat(H));
 }
 
 }  // namespace

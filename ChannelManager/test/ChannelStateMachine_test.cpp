@@ -13,16 +13,6 @@ using namespace vocab;
 
 namespace {
 
-std::string commandText(const std::string& id, const std::vector<std::pair<std::string, std::string>>& params) {
-    MessageCommand command;
-    command.setId(id);
-    for (const auto& [name, value] : params)
-        command.addParam(name, value);
-    std::string text;
-    command.toString(text);
-    return text;
-}
-
 // Makes the simulated mediator refuse the next request of `commandId` with "Unavailable".
 void failNext(ChannelHarness& h, const std::string& commandId) {
     std::string result;
@@ -127,13 +117,6 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
         {"play: no enabled target", [](ChannelHarness& h) { setTarget(h, T1, false, value::UDP_TS); },
          command(cmd::PLAY, H), FC_OK, true, {{H, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"}, {}},
-        {"play: HEVC with the ultra-low-latency profile",
-         [](ChannelHarness& h) {
-             h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, value::PROFILE_ULL, V);
-         },
-         command(cmd::PLAY, V), FC_OK, true, {{V, state::PLAYING}, {H, state::STOPPED}},
-         {played + "HEVC 0x20000", closed + "HEVC 0x20000"},
-         {"Get Branch State UDP CH1 ULL", "Start Branch UDP CH1 ULL sync=20"}},
         {"play: a last target without a branch reports Unavailable and plays",
          [](ChannelHarness& h) { setTarget(h, T2, true, "HTTP"); }, command(cmd::PLAY, H), FC_UNAVAILABLE, true,
          {{H, state::PLAYING}}, {played + "H.264 0x20000", closed + "H.264 0x20000"},
@@ -200,10 +183,6 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
          [](ChannelHarness& h) { setChannel(h, H, state::PLAYED, cond::DATA_STREAM); }, stopChannel(H), FC_OK, true,
          {{H, state::STOPPING}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0"}},
-        {"stop: a Zixi condition holds the channel in Stopping",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYING, cond::ZIXI_CONNECTION); }, stopChannel(H), FC_OK,
-         true, {{H, state::STOPPING}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0"}},
         {"stop: a lost input does not hold the channel",
          [](ChannelHarness& h) { setChannel(h, H, state::PLAYING, cond::CHANNEL_ERROR); }, stopChannel(H), FC_OK,
          true, {{H, state::STOPPED}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
@@ -224,8 +203,6 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
          {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
         {"RowID 2 is refused", none, command(cmd::PLAY, "2"), FC_BAD_VALUE, false,
          {{H, state::STOPPED}, {V, state::STOPPED}}, {}, {}},
-        {"RowID 2 of a statistics command is answered OK", none, command(cmd::UPDATE_SRT_STATISTICS, "2"), FC_OK,
-         false, {{H, state::STOPPED}}, {}, {}},
         {"a statistics command on a channel does nothing", none, command(cmd::UPDATE_ZIXI_STATISTICS, H), FC_OK,
          false, {{H, state::STOPPED}}, {}, {}},
     };

@@ -8,6 +8,17 @@
 
 #include "ChannelHarness.h"
 
+// A command's text as the manager forwards it, e.g. commandText("Play", {{"RowID", "HEVC"}}).
+inline std::string commandText(const std::string& id, const std::vector<std::pair<std::string, std::string>>& params) {
+    MessageCommand command;
+    command.setId(id);
+    for (const auto& [name, value] : params)
+        command.addParam(name, value);
+    std::string text;
+    command.toString(text);
+    return text;
+}
+
 // The requests the simulated mediator received, read back from the traffic
 // file of a harness. Lines are read after the request was answered, so a
 // transcript taken after an operation returned holds all its requests.
@@ -39,7 +50,8 @@ public:
                 continue;
             std::regex_search(request, branchMatch, branch);
             std::string line = idMatch[1].str() + " " + (branchMatch.empty() ? "?" : branchMatch[1].str());
-            if (request.find(" Sync=\"true\"") != std::string::npos && std::regex_search(request, timeoutMatch, timeout))
+            if (request.find(" Sync=\"true\"") != std::string::npos &&
+                std::regex_search(request, timeoutMatch, timeout))
                 line += " sync=" + timeoutMatch[1].str();
             out.push_back(line);
         }
