@@ -87,7 +87,8 @@ Fcodes ConfigChannelTarnevel::activateRow(const std::string& rowId, const Messag
     DBG(0) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
     Fcodes result = holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
     const Fcodes configured = configChannel(rowId);
-    DBG(0) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex << static_cast<uint32_t>(configured);
+    DBG(0) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
+           << static_cast<uint32_t>(configured);
     const Fcodes updated = updateChannel(rowId);
     DBG(0) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex << static_cast<uint32_t>(updated);
     result |= configured | updated;

@@ -98,7 +98,8 @@ TEST(ChannelBitrates, CalcBitratesModelsTheTransportStream) {
     for (const Row& r : rows) {
         apply(h, r.in);
         int total = r.total, video = r.video, audio = -1, klv = -1;
-        const Fcodes code = h.channel().calcBitrates(r.in.channel, total, video, r.frameRate, audio, klv, r.pcrOnVideoPid);
+        const Fcodes code =
+            h.channel().calcBitrates(r.in.channel, total, video, r.frameRate, audio, klv, r.pcrOnVideoPid);
         EXPECT_EQ(*r.in.protocol ? FC_OK : FC_OK | FC_UNAVAILABLE, code) << r.name;
         EXPECT_EQ(r.expectTotal, total) << r.name;
         EXPECT_EQ(r.expectVideo, video) << r.name;

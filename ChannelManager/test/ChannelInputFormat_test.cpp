@@ -68,16 +68,26 @@ TEST(ChannelInputFormat, ValidatesTheDetectedInputAgainstTheEncoding) {
         const char *profile, *gop;
         Fcodes expected;
     } rows[] = {
-        {H, "1920x1080i @ 25", "1920x1080i", 25, B, "IBBP", OK},  {H, "1920x1080i @ 25", "1920x1080i", 30, B, "IBBP", NO},
-        {H, "1920x1080p @ 50", "1920x1080p", 50, B, "IBBP", NO},  {H, "1920x1080p @ 50", "1920x1080p", 50, L, "IBBP", OK},
-        {H, "1920x1080p @ 50", "1920x1080p", 60, L, "IBBP", NO},  {H, "1280x720p @ 30", "1280x720p", 60, B, "IBBP", OK},
-        {H, "1600x1200p @ 60", "720x480p", 30, B, "IBBP", OK},    {H, "1600x1200p @ 60", "704x480p", 30, B, "IBBP", NO},
-        {H, "1920x1080i @ 25", "800x480p", 25, B, "IBBP", NO},    {H, "None", "800x480p", 60, B, "IBBP", OK},
-        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "IBBP", NO},  {V, "1600x1200p @ 50", "1600x1200p", 50, B, "I", OK},
-        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "IP", OK},    {V, "1600x1200p @ 50", "1600x1200p", 50, L, "IBBP", OK},
-        {V, "1600x1200p @ 85", "1600x1200p", 85, L, "I", NO},     {V, "1920x1080p @ 30", "1920x1080p", 30, B, "IBBP", OK},
-        {V, "1920x1080p @ 50", "1920x1080p", 50, B, "IBBP", NO},  {V, "1920x1080p @ 59.94", "1920x1080p", 60, L, "I", NO},
-        {V, "1920x1080p @ 60", "1920x1080p", 60, B, "IP", OK},    {V, "None", "1920x1080p", 60, B, "IBBP", OK},
+        {H, "1920x1080i @ 25", "1920x1080i", 25, B, "IBBP", OK},
+        {H, "1920x1080i @ 25", "1920x1080i", 30, B, "IBBP", NO},
+        {H, "1920x1080p @ 50", "1920x1080p", 50, B, "IBBP", NO},
+        {H, "1920x1080p @ 50", "1920x1080p", 50, L, "IBBP", OK},
+        {H, "1920x1080p @ 50", "1920x1080p", 60, L, "IBBP", NO},
+        {H, "1280x720p @ 30", "1280x720p", 60, B, "IBBP", OK},
+        {H, "1600x1200p @ 60", "720x480p", 30, B, "IBBP", OK},
+        {H, "1600x1200p @ 60", "704x480p", 30, B, "IBBP", NO},
+        {H, "1920x1080i @ 25", "800x480p", 25, B, "IBBP", NO},
+        {H, "None", "800x480p", 60, B, "IBBP", OK},
+        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "IBBP", NO},
+        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "I", OK},
+        {V, "1600x1200p @ 50", "1600x1200p", 50, B, "IP", OK},
+        {V, "1600x1200p @ 50", "1600x1200p", 50, L, "IBBP", OK},
+        {V, "1600x1200p @ 85", "1600x1200p", 85, L, "I", NO},
+        {V, "1920x1080p @ 30", "1920x1080p", 30, B, "IBBP", OK},
+        {V, "1920x1080p @ 50", "1920x1080p", 50, B, "IBBP", NO},
+        {V, "1920x1080p @ 59.94", "1920x1080p", 60, L, "I", NO},
+        {V, "1920x1080p @ 60", "1920x1080p", 60, B, "IP", OK},
+        {V, "None", "1920x1080p", 60, B, "IBBP", OK},
     };
     for (const Row& r : rows) {
         const char* encoder = std::string(r.channel) == V ? tbl::HEVC_ENCODER : tbl::H264_ENCODER;
