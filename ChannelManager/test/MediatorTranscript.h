@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -40,25 +39,33 @@ public:
     // The branch requests since the mark: "Get Branch State UDP CH0",
     // "Start Branch UDP CH0 sync=20", "Stop Branch ZIXI CH0" (asynchronous).
     std::vector<std::string> branchCommands() const {
-        static const std::regex id("^\"Tarnevel (Get Branch State|Start Branch|Stop Branch)\"");
-        static const std::regex branch(" Branch=\"([^\"]*)\"");
-        static const std::regex timeout(" Timeout sec=\"([^\"]*)\"");
+        static const std::string prefix = "\"Tarnevel ";
         std::vector<std::string> out;
         for (const std::string& request : requests()) {
-            std::smatch idMatch, branchMatch, timeoutMatch;
-            if (!std::regex_search(request, idMatch, id))
+            if (request.compare(0, prefix.size(), prefix) != 0)
                 continue;
-            std::regex_search(request, branchMatch, branch);
-            std::string line = idMatch[1].str() + " " + (branchMatch.empty() ? "?" : branchMatch[1].str());
-            if (request.find(" Sync=\"true\"") != std::string::npos &&
-                std::regex_search(request, timeoutMatch, timeout))
-                line += " sync=" + timeoutMatch[1].str();
+            const std::string id = request.substr(prefix.size(), request.find('"', 1) - prefix.size());
+            if (id != "Get Branch State" && id != "Start Branch" && id != "Stop Branch")
+                continue;
+            std::string line = id + " " + param(request, "Branch");
+            if (param(request, "Sync") == "true")
+                line += " sync=" + param(request, "Timeout sec");
             out.push_back(line);
         }
         return out;
     }
 
 private:
+    // The value of ` name="value"` in a request line; "" without it.
+    static std::string param(const std::string& request, const std::string& name) {
+        const std::string key = " " + name + "=\"";
+        const size_t start = request.find(key);
+        if (start == std::string::npos)
+            return "";
+        const size_t from = start + key.size();
+        return request.substr(from, request.find('"', from) - from);
+    }
+
     std::vector<std::string> allRequests() const {
         static const std::string prefix = "IN  mediator COMMAND #";
         std::vector<std::string> out;
