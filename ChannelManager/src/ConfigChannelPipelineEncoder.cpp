@@ -74,11 +74,13 @@ void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
             video = minimum;
             total = 0;
             run.result |= calcBitrates(run.rowId, total, video, rate, audio, klv, pcrOnVideo);
-            run.totalBitrate = total;
-            run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, total);
+            if (total > 0) {  // a failed calculation leaves the configured total
+                run.totalBitrate = total;
+                run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, total);
+            }
             int floorTotal = 0, floorVideo = maxFloor;
             run.result |= calcBitrates(run.rowId, floorTotal, floorVideo, rate, audio, klv, pcrOnVideo);
-            if (run.maxBitrate < floorTotal) {
+            if (floorTotal > 0 && run.maxBitrate < floorTotal) {
                 DBG(DBG_WARN) << "configChannel: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
                               << " is greater than prev=" << run.maxBitrate << " inst=" << run.rowId;
                 const std::string description =
