@@ -32,6 +32,12 @@ public:
         return value;
     }
 
+    bool summaryFlag(const char* property, const std::string& rowId) {
+        bool value = false;
+        h.holder->getBoolParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, property, value, rowId);
+        return value;
+    }
+
     // Runs configChannel with the recorded writes cleared first.
     Fcodes configure(const std::string& rowId) {
         h.mediator.model().clearRecords();
