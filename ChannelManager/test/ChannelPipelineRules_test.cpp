@@ -338,3 +338,74 @@ TEST(ChannelPipelineRules, CropFactorsAndSdiOutputAudio) {
         EXPECT_EQ(expected, got) << r.name;
     }
 }
+
+// Section 8 through a whole run: the rows follow the input, the encoder and
+// the summary follow the rows, and the receiver's format is read back once.
+TEST(ChannelPipelineRules, FormatAsDetectedFollowsTheInput) {
+    struct Row {
+        const char* rowId;
+        const char* source;
+        const char* input;
+        const char* format;
+        int sampling;
+        const char* gop;
+        int gopSize;
+        std::vector<std::string> writes;  // among the encoder's and the genlock's
+    } rows[] = {
+        {row::H264, "HD-SDI", "1920x1080p @ 59.94", "1920x1080p", 30, "IBBP", 30,
+         {"GS4911B_CH0/Default Video Format=1920x1080p @ 60", "Video Encoder CH0/Frame Sampling=30",
+          "Video Encoder CH0/GOP Size=30", "Video Encoder CH0/Interlaced/Progressive=Progressive"}},
+        {row::HEVC, "HDMI", "1920x1080p @ 50", "1920x1080p", 50, "IP", 50,
+         {"GS4911B_CH1/Default Video Format=1920x1080p @ 60", "Video Encoder CH1/Frame Sampling=50",
+          "Video Encoder CH1/GOP Size=50", "Video Encoder CH1/GOP Structure=IP",
+          "Video Encoder CH1/Interlaced/Progressive=Progressive"}},
+    };
+    for (const Row& r : rows) {
+        ChannelHarness h;
+        ASSERT_TRUE(h.ready()) << r.input;
+        PipelineBench b(h);
+        b.flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, r.rowId, true);
+        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, r.input,
+                                                 r.source));
+        EXPECT_TRUE(noWriteFailed(b.configure(r.rowId))) << r.input;
+        std::string format, gop;
+        int sampling = 0, gopSize = 0;
+        const char* encoder = channelIndex(r.rowId) == 1 ? tbl::HEVC_ENCODER : tbl::H264_ENCODER;
+        h.holder->getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, format, r.rowId);
+        h.holder->getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, sampling, r.rowId);
+        h.holder->getTextParam(ds::CHANNEL, encoder, prop::GOP_STRUCTURE, gop, "");
+        h.holder->getIntParam(ds::CHANNEL, encoder, prop::GOP_SIZE, gopSize, "");
+        EXPECT_EQ(r.format, format) << r.input;
+        EXPECT_EQ(r.sampling, sampling) << r.input;
+        EXPECT_EQ(r.gop, gop) << r.input;
+        EXPECT_EQ(r.gopSize, gopSize) << r.input;
+        EXPECT_EQ(std::string(r.format) + " @ " + std::to_string(r.sampling), b.summary(prop::RESOLUTION, r.rowId));
+        for (const std::string& w : r.writes)
+            EXPECT_TRUE(anyWrite(b.writes(), w)) << r.input << ": " << w;
+        const std::string receiver = std::string(r.source) == "HDMI" ? "HDMI_RECEIVER" : "SDI_RECEIVER";
+        EXPECT_EQ(std::vector<std::string>{receiver + "/Video Format"}, h.mediator.model().reads()) << r.input;
+        bool changed = false;
+        h.holder->getBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, changed, r.rowId);
+        EXPECT_TRUE(changed) << r.input;
+    }
+}
+
+TEST(ChannelPipelineRules, PictureAdjustmentsAndAnalogueGain) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    PipelineBench b(h);
+    b.integer(tbl::AV_SETTINGS, prop::BRIGHTNESS, row::HEVC, 60)
+        .flag(tbl::AUDIO_SOURCE, prop::ENABLED, "H.264 Audio2", true)
+        .text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, "H.264 Audio2", "Unbalanced analog")
+        .integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, "H.264 Audio2", -6);
+    ASSERT_TRUE(b.ok);
+    h.mediator.model().clearRecords();
+    EXPECT_EQ(FC_OK, h.channel().configAVSettings(row::HEVC));
+    EXPECT_EQ(FC_OK, h.channel().configAudioGain("H.264 Audio1")) << "embedded audio has no gain to set";
+    EXPECT_EQ(FC_OK, h.channel().configAudioGain("H.264 Audio2"));
+    EXPECT_EQ((std::vector<std::string>{"UNBALANCED_AMPLIFIER/Gain Str1=-6", "VIDEO_MIXER_CH1/Brightness=60",
+                                        "VIDEO_MIXER_CH1/Contrast=50", "VIDEO_MIXER_CH1/Hue=0",
+                                        "VIDEO_MIXER_CH1/Saturation=50"}),
+              b.writes());
+    EXPECT_EQ(FC_BAD_VALUE, h.channel().configAVSettings("H.265"));
+}
