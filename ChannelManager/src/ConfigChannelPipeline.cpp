@@ -176,9 +176,9 @@ void ConfigChannelTarnevel::configPrologue(PipelineRun& run) {
     DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId;
     run.readAssembly();
     // The channel's rows that later sections walk: audio streams and targets,
-    // in instance-name order ("...Audio1" before "...Audio2").
+    // in document order ("...Audio1" before "...Audio2").
     std::vector<std::string> ids;
-    run.result |= holder.getInstancesByParameter(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, run.rowId, ids);
+    run.result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, run.rowId, ids);
     for (const std::string& id : ids) {
         PipelineRun::Audio a;
         a.id = id;
@@ -195,7 +195,7 @@ void ConfigChannelTarnevel::configPrologue(PipelineRun& run) {
         run.audio.push_back(a);
     }
     ids.clear();
-    run.result |= holder.getInstancesByParameter(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, run.rowId, ids);
+    run.result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, run.rowId, ids);
     for (const std::string& id : ids) {
         PipelineRun::Target t;
         t.id = id;

@@ -5,6 +5,7 @@
 #include "ConfigChannelPipeline.h"
 #include "ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
+#include "VideoFormatTables.h"
 #include "holder/DataHolder.h"
 #include "system/DbgPrintClient.h"
 
@@ -22,7 +23,7 @@ using namespace vocab;
 //   "Ultra Low Latency - LAN" keeps "1920x1080p" at the full rate; any other
 //   profile keeps "1920x1080p", halved to 30/25 on H.264 whose encoder cannot
 //   run 1080p faster than 30.
-// - The encoders' own limits (30 for the large formats below) halve the rate
+// - The encoders' own limits (the H.264 and HEVC tables) halve the rate
 //   unless the profile is "Ultra Low Latency - LAN" or, on HEVC, the GOP is
 //   "I" or "IP".
 // - HEVC GOP: "IP" for a 1080p input at 50 Hz and above (B pictures at that
@@ -32,20 +33,7 @@ using namespace vocab;
 //   which then becomes "H.264 Main Profile".
 
 namespace {
-// Encoding formats whose frame sampling the encoder limits to 30.
-const char* const h264Limited[] = {"1920x1080p", "1920x1080i", "1440x1080p", "1440x1080i", "1600x1200p",
-                                   "1400x1050p", "1440x900p",  "1366x768p",  "1280x1024p"};
-const char* const hevcLimited[] = {"1600x1200p", "1400x1050p", "1440x900p", "1366x768p", "1280x1024p"};
-constexpr int kLimitedRate = 30;
 constexpr int kMaxRate = 60;
-
-template <size_t N>
-bool listed(const char* const (&names)[N], const std::string& format) {
-    for (const char* name : names)
-        if (format == name)
-            return true;
-    return false;
-}
 
 bool intraOrP(const std::string& gop) {
     return gop == value::GOP_I || gop == value::GOP_IP;
@@ -74,16 +62,16 @@ bool pipeline::chooseEncoding(int channel, const std::string& input, const std::
         else if (ull && !intraOrP(gopStructure))
             choice.gopStructure = value::GOP_I;
     }
+    int limit = 0;
     bool limited = false;
     if (fast1080p && streamProfile == value::PROFILE_ISR)
         choice.encodingFormat = "1280x720p";
     else if (channel == 0)
-        limited = !ull && listed(h264Limited, choice.encodingFormat);
+        limited = !ull && videoformat::maxH264FrameRate(choice.encodingFormat, limit);
     else
-        limited = !ull && !intraOrP(choice.gopStructure) && listed(hevcLimited, choice.encodingFormat);
-    if (limited && choice.frameSampling > kLimitedRate)
-        choice.frameSampling = (choice.frameSampling + 1) / 2 <= kLimitedRate ? (choice.frameSampling + 1) / 2
-                                                                               : kLimitedRate;
+        limited = !ull && !intraOrP(choice.gopStructure) && videoformat::maxHevcFrameRate(choice.encodingFormat, limit);
+    if (limited && choice.frameSampling > limit)
+        choice.frameSampling = (choice.frameSampling + 1) / 2 <= limit ? (choice.frameSampling + 1) / 2 : limit;
     choice.h264MainProfile = channel == 0 && scan == 'i' && choice.encodingFormat.back() == 'i' &&
                              h264Profile == "H.264 Baseline Profile";
     return true;

@@ -99,8 +99,8 @@ void ConfigChannelTarnevel::configVideoInput(PipelineRun& run) {
 void ConfigChannelTarnevel::configGenlock(PipelineRun& run) {
     if (!run.inputParsed)
         return;
-    const char* genlock = defaultGenlockFor(run.encodingFormat);
-    if (!genlock) {
+    std::string genlock;
+    if (!videoformat::defaultGenlock(run.encodingFormat, genlock)) {
         run.unknown("Encoding Format", run.encodingFormat);
         return;
     }

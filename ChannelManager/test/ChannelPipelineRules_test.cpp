@@ -3,11 +3,13 @@
 // rules the appliance chose where the configuration leaves values open.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 #include "ChannelPipelineSupport.h"
 #include "ConfigChannelPipeline.h"
 #include "LogCapture.h"
+#include "VideoFormatTables.h"
 #include "SimVocabulary.h"
 #include "TarnevelWire.h"
 
@@ -238,6 +240,25 @@ TEST(ChannelPipelineRules, TheEncodingFormatFollowsTheInput) {
     }
     pipeline::FormatChoice c;
     EXPECT_FALSE(pipeline::chooseEncoding(0, "None", value::PROFILE_BROADCAST, false, "IBBP", "", c));
+    // Every detected input of the format matrix, for every profile and codec,
+    // gives a format that the input may feed at the chosen rate.
+    for (size_t i = 0; i < videoformat::inputResMaxOutputFrameratesRows; ++i) {
+        const std::string input = videoformat::inputResMaxOutputFrameratesMatch[i].format;
+        for (const char* profile : {value::PROFILE_ISR, value::PROFILE_BROADCAST, value::PROFILE_ULL})
+            for (int channel : {0, 1}) {
+                const std::string name = input + " " + profile + " " + std::to_string(channel);
+                ASSERT_TRUE(pipeline::chooseEncoding(channel, input, profile, false, "IBBP", "", c)) << name;
+                EXPECT_TRUE(videoformat::inputAllowed(c.encodingFormat, input)) << name;
+                EXPECT_LE(c.frameSampling, videoformat::inputResMaxOutputFrameratesMatch[i].maxFrameRate) << name;
+                int limit = 1000;
+                const bool exempt =
+                    std::string(profile) == value::PROFILE_ULL || (channel == 1 && c.gopStructure == "IP");
+                if (!exempt && (channel == 0 ? videoformat::maxH264FrameRate(c.encodingFormat, limit)
+                                             : videoformat::maxHevcFrameRate(c.encodingFormat, limit))) {
+                    EXPECT_LE(c.frameSampling, limit) << name;
+                }
+            }
+    }
     struct Gop {
         int sampling;
         const char* gop;
@@ -383,7 +404,11 @@ TEST(ChannelPipelineRules, FormatAsDetectedFollowsTheInput) {
         for (const std::string& w : r.writes)
             EXPECT_TRUE(anyWrite(b.writes(), w)) << r.input << ": " << w;
         const std::string receiver = std::string(r.source) == "HDMI" ? "HDMI_RECEIVER" : "SDI_RECEIVER";
-        EXPECT_EQ(std::vector<std::string>{receiver + "/Video Format"}, h.mediator.model().reads()) << r.input;
+        std::vector<std::string> reads = h.mediator.model().reads();
+        EXPECT_EQ(1, std::count(reads.begin(), reads.end(), receiver + "/Video Format")) << r.input;
+        std::sort(reads.begin(), reads.end());
+        EXPECT_EQ(reads.end(), std::adjacent_find(reads.begin(), reads.end())) << r.input << ": a parameter read twice";
+        EXPECT_EQ(FC_OK, h.channel().validateInputFormat(r.rowId)) << r.input << ": the chosen format is valid";
         bool changed = false;
         h.holder->getBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, changed, r.rowId);
         EXPECT_TRUE(changed) << r.input;
