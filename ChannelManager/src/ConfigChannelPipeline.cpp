@@ -91,15 +91,15 @@ bool PipelineRun::present(const std::string& component) const {
 void PipelineRun::put(const std::string& component, const std::string& parameter, const std::string& value) {
     const bool checked = assemblyChecked(component);
     if (checked && !present(component)) {
-        DBG(DBG_INFO) << operation << ": rowId=" << rowId << " comp=" << component << " not in assembly, param="
-                      << parameter << " left alone";
+        DBG(DBG_INFO) << operation << ": rowId=" << rowId << " comp=" << component
+                      << " not in assembly, param=" << parameter << " left alone";
         return;
     }
     const Fcodes code = ITarnevelClient::setTarnevelTextParam(&holder, component, parameter, value);
     if (!isOk(code)) {
         DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Error: val=" << value << " param=" << parameter
-                       << " comp=" << component << (checked ? " assembly=" + assembly : std::string())
-                       << " fcode=0x" << std::hex << static_cast<uint32_t>(code);
+                       << " comp=" << component << (checked ? " assembly=" + assembly : std::string()) << " fcode=0x"
+                       << std::hex << static_cast<uint32_t>(code);
         result |= code;
     }
 }
@@ -107,15 +107,15 @@ void PipelineRun::put(const std::string& component, const std::string& parameter
 void PipelineRun::put(const std::string& component, const std::string& parameter, int value) {
     const bool checked = assemblyChecked(component);
     if (checked && !present(component)) {
-        DBG(DBG_INFO) << operation << ": rowId=" << rowId << " comp=" << component << " not in assembly, param="
-                      << parameter << " left alone";
+        DBG(DBG_INFO) << operation << ": rowId=" << rowId << " comp=" << component
+                      << " not in assembly, param=" << parameter << " left alone";
         return;
     }
     const Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
     if (!isOk(code)) {
         DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Error: val=" << value << " param=" << parameter
-                       << " comp=" << component << (checked ? " assembly=" + assembly : std::string())
-                       << " fcode=0x" << std::hex << static_cast<uint32_t>(code);
+                       << " comp=" << component << (checked ? " assembly=" + assembly : std::string()) << " fcode=0x"
+                       << std::hex << static_cast<uint32_t>(code);
         result |= code;
     }
 }

@@ -1,6 +1,6 @@
-#include <cstdlib>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 
 #include "ChannelVocabulary.h"
 #include "ConfigChannelPipeline.h"

@@ -40,9 +40,8 @@ bool intraOrP(const std::string& gop) {
 }
 }  // namespace
 
-bool pipeline::chooseEncoding(int channel, const std::string& input, const std::string& streamProfile,
-                              bool halfRate, const std::string& gopStructure, const std::string& h264Profile,
-                              FormatChoice& choice) {
+bool pipeline::chooseEncoding(int channel, const std::string& input, const std::string& streamProfile, bool halfRate,
+                              const std::string& gopStructure, const std::string& h264Profile, FormatChoice& choice) {
     int w = 0, h = 0;
     char scan = 'x';
     float rate = 0;
@@ -72,8 +71,8 @@ bool pipeline::chooseEncoding(int channel, const std::string& input, const std::
         limited = !ull && !intraOrP(choice.gopStructure) && videoformat::maxHevcFrameRate(choice.encodingFormat, limit);
     if (limited && choice.frameSampling > limit)
         choice.frameSampling = (choice.frameSampling + 1) / 2 <= limit ? (choice.frameSampling + 1) / 2 : limit;
-    choice.h264MainProfile = channel == 0 && scan == 'i' && choice.encodingFormat.back() == 'i' &&
-                             h264Profile == "H.264 Baseline Profile";
+    choice.h264MainProfile =
+        channel == 0 && scan == 'i' && choice.encodingFormat.back() == 'i' && h264Profile == "H.264 Baseline Profile";
     return true;
 }
 

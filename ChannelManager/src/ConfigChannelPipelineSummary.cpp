@@ -52,9 +52,9 @@ void ConfigChannelTarnevel::configSummary(PipelineRun& run) {
             name = t.name;
             const bool srt = t.protocol == value::SRT;
             const bool rtmp = t.protocol == value::RTMP;
-            address = pipeline::targetAddressText(t.protocol, t.address, t.port,
-                                                  srt ? run.text(tbl::SRT_SETTINGS, prop::MODE, t.id) : "",
-                                                  rtmp ? run.text(tbl::RTMP_SETTINGS, prop::RTMP_SERVER_URL, t.id) : "");
+            address = pipeline::targetAddressText(
+                t.protocol, t.address, t.port, srt ? run.text(tbl::SRT_SETTINGS, prop::MODE, t.id) : "",
+                rtmp ? run.text(tbl::RTMP_SETTINGS, prop::RTMP_SERVER_URL, t.id) : "");
             fec = pipeline::fecText(t.protocol, run.text(tbl::FEC_SETTINGS, prop::MODE, t.id),
                                     srt && run.flag(tbl::SRT_SETTINGS, prop::SRT_FEC, t.id),
                                     srt ? run.integer(tbl::SRT_SETTINGS, prop::ROWS, t.id) : 0);

@@ -17,12 +17,10 @@ const TextTable SOURCE_RECEIVER = {
 
 // The embedded sources ("HDMI Embedded", "SDI Embedded") are completed by
 // their "Audio Track" ("Pair n" -> " Port n") in the audio input section.
-const TextTable AUDIO_INPUT = {{"Unbalanced digital 1", "DIR9001_1 Port 0"},
-                               {"Unbalanced digital 2", "DIR9001_2 Port 0"},
-                               {"Unbalanced analog", "TLV320AIC34_A Port 0"},
-                               {"Balanced analog", "TLV320AIC34_B Port 0"},
-                               {"HDMI Embedded", "HDMI_IN_ITF Port "},
-                               {"SDI Embedded", "SDI_IN_ITF Port "}};
+const TextTable AUDIO_INPUT = {
+    {"Unbalanced digital 1", "DIR9001_1 Port 0"},  {"Unbalanced digital 2", "DIR9001_2 Port 0"},
+    {"Unbalanced analog", "TLV320AIC34_A Port 0"}, {"Balanced analog", "TLV320AIC34_B Port 0"},
+    {"HDMI Embedded", "HDMI_IN_ITF Port "},        {"SDI Embedded", "SDI_IN_ITF Port "}};
 
 const TextTable AUDIO_SAMPLE_RATE = {
     {"8 KHz", "8 kHz"}, {"16 KHz", "16 kHz"}, {"24 KHz", "24 kHz"}, {"32 KHz", "32 kHz"}, {"48 KHz", "48 kHz"}};
@@ -36,7 +34,7 @@ const TextTable SDI_TX_AUDIO = {{"SDI Embedded", "SDI Pair "},
                                 {"Unbalanced digital 1", "Unbalanced digital 1"},
                                 {"Unbalanced digital 2", "Unbalanced digital 2"}};
 
-const TextTable ASPECT_RATIO = {{"3:2", "3:2"}, {"4:3", "4:3"}, {"5:3", "5:3"},
+const TextTable ASPECT_RATIO = {{"3:2", "3:2"}, {"4:3", "4:3"},   {"5:3", "5:3"},
                                 {"5:4", "5:4"}, {"16:9", "16:9"}, {"16:10", "16:10"}};
 
 const TextTable H264_PROFILE = {
@@ -58,7 +56,7 @@ const TextTable HEVC_BIT_DEPTH = {
 
 // The sub-GOP is the distance between reference pictures: the B pictures
 // between two P pictures plus one.
-const TextTable HEVC_GOP_SUB_SIZE = {{"I", "1"},     {"IP", "1"},      {"IBP", "2"},      {"IBBP", "3"},
+const TextTable HEVC_GOP_SUB_SIZE = {{"I", "1"},     {"IP", "1"},     {"IBP", "2"},     {"IBBP", "3"},
                                      {"IBBBP", "4"}, {"I(7B)P", "8"}, {"I(15B)P", "16"}};
 
 const TextTable ERROR_RESILIENCE = {
@@ -90,9 +88,8 @@ const TextTable MULTICAST_INTERFACE = {{"Ethernet 1", "eth0"}, {"Ethernet 2", "e
 
 // The target's "Traffic Shaping" names the sender's shaping mode; "None"
 // sends unshaped.
-const TextTable TRAFFIC_SHAPING = {{"None", "None"},
-                                   {"LINUX HTB", "LINUX HTB"},
-                                   {"LINUX HTB LIMIT MAX BANDWIDTH", "LINUX HTB LIMIT MAX BANDWIDTH"}};
+const TextTable TRAFFIC_SHAPING = {
+    {"None", "None"}, {"LINUX HTB", "LINUX HTB"}, {"LINUX HTB LIMIT MAX BANDWIDTH", "LINUX HTB LIMIT MAX BANDWIDTH"}};
 
 const TextTable SRT_RECEIVER_MODE = {
     {"Caller", "SRT Caller"}, {"Listener", "SRT Listener"}, {"Rendez Vous", "SRT Rendez Vous"}};
@@ -111,11 +108,28 @@ const std::vector<const char*> TS_PROTOCOLS = {"UDP TS", "RTP TS", "Pro-MPEG", "
 // the Zixi, SRT and RTMP senders and the analogue amplifier. Everything else
 // (mixers, receivers, capture, encoders, multiplexers, UDP senders, RTSP) is
 // in every build.
-const std::vector<const char*> ASSEMBLY_CHECKED = {
-    "GS4911B_",      "VIDEO_MIXER_SDI_TX", "SDI_TX_AUDIO_MUX_", "SDI_TRANSMITTER",  "VIDEO_FILTER_",
-    "FB_MUX_",       "SYNCGEN_",           "TIMESTAMP_GENERATOR_", "Video Full Capture ",
-    "Audio Capture Str0 CH1 Low Delay", "Audio Capture Buffer ", "AAC Encoder ", "PCM Converter ",
-    "KLV Switch",    "KLVoSerial Filter",  "RAW KLV",            "KlvoSDI ",         "TS KLV Filter",
-    "AES Encrypt ",  "Zixi Feeder ",       "Srt Sender ",        "Rtmp Server ",     "UNBALANCED_AMPLIFIER"};
+const std::vector<const char*> ASSEMBLY_CHECKED = {"GS4911B_",
+                                                   "VIDEO_MIXER_SDI_TX",
+                                                   "SDI_TX_AUDIO_MUX_",
+                                                   "SDI_TRANSMITTER",
+                                                   "VIDEO_FILTER_",
+                                                   "FB_MUX_",
+                                                   "SYNCGEN_",
+                                                   "TIMESTAMP_GENERATOR_",
+                                                   "Video Full Capture ",
+                                                   "Audio Capture Str0 CH1 Low Delay",
+                                                   "Audio Capture Buffer ",
+                                                   "AAC Encoder ",
+                                                   "PCM Converter ",
+                                                   "KLV Switch",
+                                                   "KLVoSerial Filter",
+                                                   "RAW KLV",
+                                                   "KlvoSDI ",
+                                                   "TS KLV Filter",
+                                                   "AES Encrypt ",
+                                                   "Zixi Feeder ",
+                                                   "Srt Sender ",
+                                                   "Rtmp Server ",
+                                                   "UNBALANCED_AMPLIFIER"};
 
 }  // namespace pipeline

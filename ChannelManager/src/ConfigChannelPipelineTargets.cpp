@@ -42,8 +42,8 @@ bool makeDirectories(const std::string& logical) {
 }
 }  // namespace
 
-int pipeline::htbOverheadPercent(const std::string& protocol, int packetSize, const std::string& fecMode,
-                                 int columns, int rows) {
+int pipeline::htbOverheadPercent(const std::string& protocol, int packetSize, const std::string& fecMode, int columns,
+                                 int rows) {
     if (packetSize <= 0)
         return 0;
     const int headers = kIpUdpHeaders + (protocol == value::UDP_TS ? 0 : kRtpHeader);
@@ -176,7 +176,8 @@ void ConfigChannelTarnevel::configZixiFeeder(PipelineRun& run, size_t target) {
     run.put(s, "FEC overhead (percent)", kZixiFecPercent);
     run.put(s, "FEC block ms", ull ? 20 : 100);
     run.put(s, "Max Delay Packets", ull ? 10 : 100);
-    run.put(s, "Max Data Rate", dynamic ? high : (run.maxBitrate > run.totalBitrate ? run.maxBitrate : run.totalBitrate));
+    run.put(s, "Max Data Rate",
+            dynamic ? high : (run.maxBitrate > run.totalBitrate ? run.maxBitrate : run.totalBitrate));
     run.put(s, "Adjustable bitrate", dynamic);
     run.put(s, "Adjustable bitrate min", low);
     run.put(s, "Adjustable bitrate max", high);

@@ -24,8 +24,8 @@ const char* otherRow(int channel) {
 void ConfigChannelTarnevel::configInputFormat(PipelineRun& run) {
     run.source = run.text(tbl::SOURCE, prop::SOURCE, run.rowId);
     run.inputDetected = state::INPUT_NONE;
-    run.result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, run.inputDetected,
-                                      run.source);
+    run.result |=
+        holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, run.inputDetected, run.source);
     if (run.inputDetected != state::INPUT_NONE && run.inputDetected != state::NO_SIGNAL) {
         run.inputParsed = std::sscanf(run.inputDetected.c_str(), "%dx%d%c @ %f", &run.inputWidth, &run.inputHeight,
                                       &run.inputScan, &run.inputRate) == 4;

@@ -10,9 +10,9 @@
 #include "ChannelPipelineSupport.h"
 #include "ConfigChannelPipeline.h"
 #include "LogCapture.h"
-#include "VideoFormatTables.h"
 #include "SimVocabulary.h"
 #include "TarnevelWire.h"
+#include "VideoFormatTables.h"
 
 using namespace vocab;
 
@@ -77,9 +77,11 @@ TEST(ChannelPipelineRules, UnknownTextsAreLoggedAndTheirParameterLeftAlone) {
          " Unknown Level or Level=7.0", "Video Encoder CH0/Level="},
         {row::H264, [](PipelineBench& b) { b.text(tbl::H264_ENCODER, prop::VLC_MODE, "", "Huffman"); },
          " Unknown VLC Mode=Huffman", "Video Encoder CH0/Entropy Coding="},
-        {row::H264, [](PipelineBench& b) { b.text(tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, "H.264 Audio1", "44.1 KHz"); },
+        {row::H264,
+         [](PipelineBench& b) { b.text(tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, "H.264 Audio1", "44.1 KHz"); },
          " Unknown Audio Sampling=44.1 KHz", "Audio Capture Str0 CH0/Audio Sample Rate="},
-        {row::H264, [](PipelineBench& b) { b.text(tbl::TARGET, prop::NETWORK_INTERFACE, "H.264 Target1", "Ethernet 3"); },
+        {row::H264,
+         [](PipelineBench& b) { b.text(tbl::TARGET, prop::NETWORK_INTERFACE, "H.264 Target1", "Ethernet 3"); },
          " Unknown Network Interface=Ethernet 3", "UDP Sender CH0/Multicast Interface="},
         {row::H264, [](PipelineBench& b) { b.text(tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264, "1366x768q"); },
          " Unknown Encoding Format=1366x768q", "GS4911B_CH0/"},
@@ -132,8 +134,9 @@ TEST(ChannelPipelineRules, ARefusedWriteDoesNotStopTheRest) {
     ErrorLog log;
     const Fcodes code = b.configure(row::H264);
     EXPECT_EQ(FC_NO_SUCH_NAME, code & FC_NO_SUCH_NAME);
-    EXPECT_TRUE(log.logged("configChannel: rowId=H.264 Error: val=Input Full param=Frame Rate Ratio "
-                           "comp=Video Encoder CH0 fcode=0x10008"));
+    EXPECT_TRUE(
+        log.logged("configChannel: rowId=H.264 Error: val=Input Full param=Frame Rate Ratio "
+                   "comp=Video Encoder CH0 fcode=0x10008"));
     std::vector<std::string> expected = all;
     expected.erase(std::find(expected.begin(), expected.end(), "Video Encoder CH0/Frame Rate Ratio=Input Full"));
     EXPECT_EQ(expected, b.writes());
@@ -179,8 +182,8 @@ TEST(ChannelPipelineRules, TheSummaryDescribesTheConfiguredChannel) {
     };
     const std::string h1 = "H.264 Target1", v1 = "HEVC Target1", v2 = "HEVC Target2";
     const std::vector<Row> rows = {
-        {"factory H.264", row::H264, [](PipelineBench&) {}, "239.1.1.1 : 5000", "None", "", "None",
-         "1920x1080i @ 25", false},
+        {"factory H.264", row::H264, [](PipelineBench&) {}, "239.1.1.1 : 5000", "None", "", "None", "1920x1080i @ 25",
+         false},
         {"SRT caller with 2-D FEC", row::H264,
          [&](PipelineBench& b) {
              b.text(tbl::TARGET, prop::STREAMING_PROTOCOL, h1, "SRT").flag(tbl::SRT_SETTINGS, prop::SRT_FEC, h1, true);
@@ -238,11 +241,15 @@ TEST(ChannelPipelineRules, TheEncodingFormatFollowsTheInput) {
         const char* gopAfter;
         bool mainProfile;
     } rows[] = {
-        {0, "1920x1080p @ 59.94", value::PROFILE_BROADCAST, false, "IBBP", "H.264 High Profile", "1920x1080p", 30, "IBBP", false},
+        {0, "1920x1080p @ 59.94", value::PROFILE_BROADCAST, false, "IBBP", "H.264 High Profile", "1920x1080p", 30,
+         "IBBP", false},
         {0, "1920x1080p @ 50", value::PROFILE_ISR, false, "IBBP", "H.264 High Profile", "1280x720p", 50, "IBBP", false},
-        {0, "1920x1080p @ 60", value::PROFILE_ULL, false, "IBBP", "H.264 High Profile", "1920x1080p", 60, "IBBP", false},
-        {0, "720x480i @ 29.97", value::PROFILE_BROADCAST, false, "IP", "H.264 Baseline Profile", "720x480i", 30, "IP", true},
-        {0, "1920x1080i @ 25", value::PROFILE_BROADCAST, true, "IBBP", "H.264 Main Profile", "1920x1080i", 13, "IBBP", false},
+        {0, "1920x1080p @ 60", value::PROFILE_ULL, false, "IBBP", "H.264 High Profile", "1920x1080p", 60, "IBBP",
+         false},
+        {0, "720x480i @ 29.97", value::PROFILE_BROADCAST, false, "IP", "H.264 Baseline Profile", "720x480i", 30, "IP",
+         true},
+        {0, "1920x1080i @ 25", value::PROFILE_BROADCAST, true, "IBBP", "H.264 Main Profile", "1920x1080i", 13, "IBBP",
+         false},
         {1, "1920x1080p @ 50", value::PROFILE_BROADCAST, false, "IBBP", "", "1920x1080p", 50, "IP", false},
         {1, "1280x720p @ 59.94", value::PROFILE_ULL, false, "IBBP", "", "1280x720p", 60, "I", false},
         {1, "1600x1200p @ 85", value::PROFILE_BROADCAST, false, "IBBP", "", "1600x1200p", 30, "IBBP", false},
@@ -299,7 +306,9 @@ TEST(ChannelPipelineRules, TransportValuesFollowTheTargets) {
         const char* protocol;
         const char* fecMode;
         int columns, rows, percent;
-    } htbs[] = {{"UDP TS", "None", 10, 10, 3}, {"RTP TS", "None", 10, 10, 4}, {"Pro-MPEG", "1-D", 10, 10, 14},
+    } htbs[] = {{"UDP TS", "None", 10, 10, 3},
+                {"RTP TS", "None", 10, 10, 4},
+                {"Pro-MPEG", "1-D", 10, 10, 14},
                 {"Pro-MPEG", "2-D", 10, 5, 34}};
     for (const Htb& t : htbs)
         EXPECT_EQ(t.percent, pipeline::htbOverheadPercent(t.protocol, 1316, t.fecMode, t.columns, t.rows))
@@ -343,9 +352,10 @@ TEST(ChannelPipelineRules, CropFactorsAndSdiOutputAudio) {
          },
          {"TS KLV Filter", "KLV Switch CH0"},
          {"KLV Switch CH0/Enable=1", "KLV Switch CH0/Input=TS KLV Filter", "TS KLV Filter/Enable=1",
-          "TS KLV Filter/H Crop Factor (x1000)=500", "TS KLV Filter/Parsing=UAS LDS",
-          "TS KLV Filter/Update LDS Keys=1", "TS KLV Filter/V Crop Factor (x1000)=250"}},
-        {"no crop, serial KLV", [](PipelineBench& b) { b.text(tbl::PROCESSING, prop::INGEST_KLV2, row::H264, "Serial"); },
+          "TS KLV Filter/H Crop Factor (x1000)=500", "TS KLV Filter/Parsing=UAS LDS", "TS KLV Filter/Update LDS Keys=1",
+          "TS KLV Filter/V Crop Factor (x1000)=250"}},
+        {"no crop, serial KLV",
+         [](PipelineBench& b) { b.text(tbl::PROCESSING, prop::INGEST_KLV2, row::H264, "Serial"); },
          {"RAW KLV RS232 Filter", "KLV Switch_2 CH0"},
          {"KLV Switch_2 CH0/Enable=1", "KLV Switch_2 CH0/Input=RAW KLV RS232 Filter", "RAW KLV RS232 Filter/Enable=1",
           "RAW KLV RS232 Filter/H Crop Factor (x1000)=1000", "RAW KLV RS232 Filter/Parsing=Simple",
@@ -392,10 +402,22 @@ TEST(ChannelPipelineRules, FormatAsDetectedFollowsTheInput) {
         int gopSize;
         std::vector<std::string> writes;  // among the encoder's and the genlock's
     } rows[] = {
-        {row::H264, "HD-SDI", "1920x1080p @ 59.94", "1920x1080p", 30, "IBBP", 30,
+        {row::H264,
+         "HD-SDI",
+         "1920x1080p @ 59.94",
+         "1920x1080p",
+         30,
+         "IBBP",
+         30,
          {"GS4911B_CH0/Default Video Format=1920x1080p @ 60", "Video Encoder CH0/Frame Sampling=30",
           "Video Encoder CH0/GOP Size=30", "Video Encoder CH0/Interlaced/Progressive=Progressive"}},
-        {row::HEVC, "HDMI", "1920x1080p @ 50", "1920x1080p", 50, "IP", 50,
+        {row::HEVC,
+         "HDMI",
+         "1920x1080p @ 50",
+         "1920x1080p",
+         50,
+         "IP",
+         50,
          {"GS4911B_CH1/Default Video Format=1920x1080p @ 60", "Video Encoder CH1/Frame Sampling=50",
           "Video Encoder CH1/GOP Size=50", "Video Encoder CH1/GOP Structure=IP",
           "Video Encoder CH1/Interlaced/Progressive=Progressive"}},

@@ -48,9 +48,8 @@ public:
     std::vector<std::string> writes(const std::vector<std::string>& prefixes = {}) const {
         std::vector<std::string> out;
         for (const std::string& w : h.mediator.model().writes())
-            if (prefixes.empty() || std::any_of(prefixes.begin(), prefixes.end(), [&w](const std::string& p) {
-                    return w.compare(0, p.size(), p) == 0;
-                }))
+            if (prefixes.empty() || std::any_of(prefixes.begin(), prefixes.end(),
+                                                [&w](const std::string& p) { return w.compare(0, p.size(), p) == 0; }))
                 out.push_back(w);
         std::sort(out.begin(), out.end());
         return out;

@@ -41,43 +41,90 @@ TEST(ChannelPipeline, FactoryH264ChannelReachesTheMediatorComplete) {
     for (const std::string& w : b.writes())  // bitrates are pinned by the bitrate tests
         if (w.rfind("Video Encoder CH0/Bitrate", 0) != 0)
             got.push_back(w);
-    const std::vector<std::string> expected = {
-        "AES Encrypt CH0/Encryption Mode=Pass Through", "AFW_CH0/Left Enable=Automatic", "AFW_CH0/Left Mode=Silence",
-        "AFW_CH0/Right Enable=Automatic", "AFW_CH0/Right Mode=Silence", "AUDIO_MUX_STR0_CH0/Input=SDI_IN_ITF Port 1",
-        "Audio Capture Str0 CH0/Audio Sample Rate=48 kHz", "Audio Capture Str0 CH0/Enable=1",
-        "Audio Capture Str1 CH0/Enable=0", "Audio Encoder Str0 CH0/Audio Codec=AAC",
-        "Audio Encoder Str0 CH0/Bitrate=128000", "Audio Encoder Str0 CH0/Channel Mode=Stereo",
-        "Audio Encoder Str0 CH0/Object Type=MPEG-4 LC", "Audio Switch Str0 CH0/Input=Audio Encoder Str0 CH0",
-        "GS4911B_CH0/Default Video Format=1920x1080i @ 30", "KLV Switch CH0/Enable=0", "KLV Switch_2 CH0/Enable=0",
-        "KlvoSDI Drop CH0/Enable=1", "TIMESTAMP_GENERATOR_0/MISB Timestamps=0", "TS Multiplexer CH0/Audio PID=261",
-        "TS Multiplexer CH0/Delay Mode=Normal", "TS Multiplexer CH0/Initial Delay=500",
-        "TS Multiplexer CH0/Margin overhead percent=0", "TS Multiplexer CH0/Max Delay=1000",
-        "TS Multiplexer CH0/Output Granularity=7", "TS Multiplexer CH0/PCR PID=258", "TS Multiplexer CH0/PMT PID=256",
-        "TS Multiplexer CH0/Rate Control Mode=CBR", "TS Multiplexer CH0/Round Muxrate=1",
-        "TS Multiplexer CH0/Selected PIDs=256,257,258,261", "TS Multiplexer CH0/Video PID=257",
-        "UDP Sender CH0/Enable=1", "UDP Sender CH0/IP Address=239.1.1.1", "UDP Sender CH0/Max Payload Size=1316",
-        "UDP Sender CH0/Multicast Interface=eth0", "UDP Sender CH0/Refresh Interfaces=1",
-        "UDP Sender CH0/Stream Format=UDP", "UDP Sender CH0/Sync processing=0", "UDP Sender CH0/TTL=16",
-        "UDP Sender CH0/Traffic Shaping=None", "UDP Sender CH0/UDP Port=5000", "VFW_CH0/State=Automatic",
-        "VFW_CH0/Type=Color Bar", "VIDEO_FILTER_CH0/Bypass=1", "VIDEO_FILTER_CH0/Strength=0",
-        "VIDEO_MIXER_CH0/Brightness=50", "VIDEO_MIXER_CH0/Contrast=50", "VIDEO_MIXER_CH0/Hue=0",
-        "VIDEO_MIXER_CH0/Input=SDI_RECEIVER", "VIDEO_MIXER_CH0/Saturation=50",
-        "Video Encoder CH0/Aspect Ratio=Same As Input", "Video Encoder CH0/Closed Caption=CEA-708",
-        "Video Encoder CH0/Closed GOP=1", "Video Encoder CH0/Encoding Height=1080",
-        "Video Encoder CH0/Encoding Resolution=Custom", "Video Encoder CH0/Encoding Width=1920",
-        "Video Encoder CH0/Entropy Coding=CABAC", "Video Encoder CH0/Frame Rate Ratio=Input Full",
-        "Video Encoder CH0/Frame Sampling=25", "Video Encoder CH0/GOP Size=25", "Video Encoder CH0/GOP Structure=IBBP",
-        "Video Encoder CH0/Initial Delay=500", "Video Encoder CH0/Insert AU Delimiters=1",
-        "Video Encoder CH0/Interlaced/Progressive=Interlaced", "Video Encoder CH0/Level=Auto",
-        "Video Encoder CH0/Maximum Delay=1000", "Video Encoder CH0/Picture Coding=Frame Only",
-        "Video Encoder CH0/QP Base=26", "Video Encoder CH0/QP Mode=Manual", "Video Encoder CH0/QP Range Max=51",
-        "Video Encoder CH0/QP Range Min=10", "Video Encoder CH0/Rate Control Mode=CBR",
-        "Video Encoder CH0/SEI Picture Timing=0", "Video Encoder CH0/SEI User Data Unregistred=0",
-        "Video Encoder CH0/SPS per Picture=0", "Video Encoder CH0/SPS/PPS per IDR=1",
-        "Video Encoder CH0/Video Codec Profile=High", "Video Encoder CH1/Frame Rate Ratio=Input Full",
-        "Video Full Capture CH0/Crop Enable=0", "Video Full Capture CH0/Crop Height=1080",
-        "Video Full Capture CH0/Crop Width=1920", "Video Full Capture CH0/Crop X=0", "Video Full Capture CH0/Crop Y=0",
-        "Video Switch CH0/Enable=1"};
+    const std::vector<std::string> expected = {"AES Encrypt CH0/Encryption Mode=Pass Through",
+                                               "AFW_CH0/Left Enable=Automatic",
+                                               "AFW_CH0/Left Mode=Silence",
+                                               "AFW_CH0/Right Enable=Automatic",
+                                               "AFW_CH0/Right Mode=Silence",
+                                               "AUDIO_MUX_STR0_CH0/Input=SDI_IN_ITF Port 1",
+                                               "Audio Capture Str0 CH0/Audio Sample Rate=48 kHz",
+                                               "Audio Capture Str0 CH0/Enable=1",
+                                               "Audio Capture Str1 CH0/Enable=0",
+                                               "Audio Encoder Str0 CH0/Audio Codec=AAC",
+                                               "Audio Encoder Str0 CH0/Bitrate=128000",
+                                               "Audio Encoder Str0 CH0/Channel Mode=Stereo",
+                                               "Audio Encoder Str0 CH0/Object Type=MPEG-4 LC",
+                                               "Audio Switch Str0 CH0/Input=Audio Encoder Str0 CH0",
+                                               "GS4911B_CH0/Default Video Format=1920x1080i @ 30",
+                                               "KLV Switch CH0/Enable=0",
+                                               "KLV Switch_2 CH0/Enable=0",
+                                               "KlvoSDI Drop CH0/Enable=1",
+                                               "TIMESTAMP_GENERATOR_0/MISB Timestamps=0",
+                                               "TS Multiplexer CH0/Audio PID=261",
+                                               "TS Multiplexer CH0/Delay Mode=Normal",
+                                               "TS Multiplexer CH0/Initial Delay=500",
+                                               "TS Multiplexer CH0/Margin overhead percent=0",
+                                               "TS Multiplexer CH0/Max Delay=1000",
+                                               "TS Multiplexer CH0/Output Granularity=7",
+                                               "TS Multiplexer CH0/PCR PID=258",
+                                               "TS Multiplexer CH0/PMT PID=256",
+                                               "TS Multiplexer CH0/Rate Control Mode=CBR",
+                                               "TS Multiplexer CH0/Round Muxrate=1",
+                                               "TS Multiplexer CH0/Selected PIDs=256,257,258,261",
+                                               "TS Multiplexer CH0/Video PID=257",
+                                               "UDP Sender CH0/Enable=1",
+                                               "UDP Sender CH0/IP Address=239.1.1.1",
+                                               "UDP Sender CH0/Max Payload Size=1316",
+                                               "UDP Sender CH0/Multicast Interface=eth0",
+                                               "UDP Sender CH0/Refresh Interfaces=1",
+                                               "UDP Sender CH0/Stream Format=UDP",
+                                               "UDP Sender CH0/Sync processing=0",
+                                               "UDP Sender CH0/TTL=16",
+                                               "UDP Sender CH0/Traffic Shaping=None",
+                                               "UDP Sender CH0/UDP Port=5000",
+                                               "VFW_CH0/State=Automatic",
+                                               "VFW_CH0/Type=Color Bar",
+                                               "VIDEO_FILTER_CH0/Bypass=1",
+                                               "VIDEO_FILTER_CH0/Strength=0",
+                                               "VIDEO_MIXER_CH0/Brightness=50",
+                                               "VIDEO_MIXER_CH0/Contrast=50",
+                                               "VIDEO_MIXER_CH0/Hue=0",
+                                               "VIDEO_MIXER_CH0/Input=SDI_RECEIVER",
+                                               "VIDEO_MIXER_CH0/Saturation=50",
+                                               "Video Encoder CH0/Aspect Ratio=Same As Input",
+                                               "Video Encoder CH0/Closed Caption=CEA-708",
+                                               "Video Encoder CH0/Closed GOP=1",
+                                               "Video Encoder CH0/Encoding Height=1080",
+                                               "Video Encoder CH0/Encoding Resolution=Custom",
+                                               "Video Encoder CH0/Encoding Width=1920",
+                                               "Video Encoder CH0/Entropy Coding=CABAC",
+                                               "Video Encoder CH0/Frame Rate Ratio=Input Full",
+                                               "Video Encoder CH0/Frame Sampling=25",
+                                               "Video Encoder CH0/GOP Size=25",
+                                               "Video Encoder CH0/GOP Structure=IBBP",
+                                               "Video Encoder CH0/Initial Delay=500",
+                                               "Video Encoder CH0/Insert AU Delimiters=1",
+                                               "Video Encoder CH0/Interlaced/Progressive=Interlaced",
+                                               "Video Encoder CH0/Level=Auto",
+                                               "Video Encoder CH0/Maximum Delay=1000",
+                                               "Video Encoder CH0/Picture Coding=Frame Only",
+                                               "Video Encoder CH0/QP Base=26",
+                                               "Video Encoder CH0/QP Mode=Manual",
+                                               "Video Encoder CH0/QP Range Max=51",
+                                               "Video Encoder CH0/QP Range Min=10",
+                                               "Video Encoder CH0/Rate Control Mode=CBR",
+                                               "Video Encoder CH0/SEI Picture Timing=0",
+                                               "Video Encoder CH0/SEI User Data Unregistred=0",
+                                               "Video Encoder CH0/SPS per Picture=0",
+                                               "Video Encoder CH0/SPS/PPS per IDR=1",
+                                               "Video Encoder CH0/Video Codec Profile=High",
+                                               "Video Encoder CH1/Frame Rate Ratio=Input Full",
+                                               "Video Full Capture CH0/Crop Enable=0",
+                                               "Video Full Capture CH0/Crop Height=1080",
+                                               "Video Full Capture CH0/Crop Width=1920",
+                                               "Video Full Capture CH0/Crop X=0",
+                                               "Video Full Capture CH0/Crop Y=0",
+                                               "Video Switch CH0/Enable=1"};
     EXPECT_EQ(join(expected), join(got));
 }
 
@@ -93,7 +140,8 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
         std::vector<std::string> expected;
     };
     const std::vector<Row> rows = {
-        {"Pro-MPEG 1-D, HTB on H.264", row::H264,
+        {"Pro-MPEG 1-D, HTB on H.264",
+         row::H264,
          [&](PipelineBench& b) {
              protocol(h1, "Pro-MPEG")(b);
              b.text(tbl::FEC_SETTINGS, prop::MODE, h1, "1-D").text(tbl::TARGET, prop::TRAFFIC_SHAPING, h1, "LINUX HTB");
@@ -106,10 +154,12 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
           "UDP Sender CH0/Traffic Shaping Bitrate OverHead (HTB only)=14",
           "UDP Sender CH0/Traffic Shaping HTB Max Bandwidth=6000000", "UDP Sender CH0/Traffic Shaping=LINUX HTB",
           "UDP Sender CH0/UDP Port FEC A=5002", "UDP Sender CH0/UDP Port=5000"}},
-        {"Pro-MPEG 2-D on HEVC", row::HEVC,
+        {"Pro-MPEG 2-D on HEVC",
+         row::HEVC,
          [&](PipelineBench& b) {
              protocol(v1, "Pro-MPEG")(b);
-             b.text(tbl::FEC_SETTINGS, prop::MODE, v1, "2-D").text(tbl::TARGET, prop::NETWORK_INTERFACE, v1, "Ethernet 2");
+             b.text(tbl::FEC_SETTINGS, prop::MODE, v1, "2-D")
+                 .text(tbl::TARGET, prop::NETWORK_INTERFACE, v1, "Ethernet 2");
          },
          {"UDP Sender CH1"},
          {"UDP Sender CH1/Enable=1", "UDP Sender CH1/FEC D=10", "UDP Sender CH1/FEC L=10",
@@ -118,17 +168,20 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
           "UDP Sender CH1/Stream Format=RTP + FEC", "UDP Sender CH1/Sync processing=0", "UDP Sender CH1/TTL=16",
           "UDP Sender CH1/Traffic Shaping=None", "UDP Sender CH1/UDP Port FEC A=5002",
           "UDP Sender CH1/UDP Port FEC B=5004", "UDP Sender CH1/UDP Port=5100"}},
-        {"RTP TS on the second H.264 target", row::H264,
+        {"RTP TS on the second H.264 target",
+         row::H264,
          [&](PipelineBench& b) {
              protocol(h2, "RTP TS")(b);
              b.flag(tbl::TARGET, prop::ENABLED, h2, true).flag(tbl::TARGET, prop::ENABLED, h1, false);
          },
          {"UDP Sender CH0"},
-         {"UDP Sender CH0 2/Enable=1", "UDP Sender CH0 2/IP Address=239.1.1.2", "UDP Sender CH0 2/Max Payload Size=1316",
-          "UDP Sender CH0 2/Multicast Interface=eth0", "UDP Sender CH0 2/Refresh Interfaces=1",
-          "UDP Sender CH0 2/Stream Format=RTP", "UDP Sender CH0 2/Sync processing=0", "UDP Sender CH0 2/TTL=16",
-          "UDP Sender CH0 2/Traffic Shaping=None", "UDP Sender CH0 2/UDP Port=5010"}},
-        {"RTP ES on HEVC with both audio streams", row::HEVC,
+         {"UDP Sender CH0 2/Enable=1", "UDP Sender CH0 2/IP Address=239.1.1.2",
+          "UDP Sender CH0 2/Max Payload Size=1316", "UDP Sender CH0 2/Multicast Interface=eth0",
+          "UDP Sender CH0 2/Refresh Interfaces=1", "UDP Sender CH0 2/Stream Format=RTP",
+          "UDP Sender CH0 2/Sync processing=0", "UDP Sender CH0 2/TTL=16", "UDP Sender CH0 2/Traffic Shaping=None",
+          "UDP Sender CH0 2/UDP Port=5010"}},
+        {"RTP ES on HEVC with both audio streams",
+         row::HEVC,
          [&](PipelineBench& b) {
              protocol(v1, "RTP ES")(b);
              b.flag(tbl::AUDIO_SOURCE, prop::ENABLED, "HEVC Audio2", true)
@@ -138,18 +191,23 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
          {"Rtsp Server CH1/Enable=1", "Rtsp Server CH1/Live URIs=1,2,3", "Rtsp Server CH1/Multicast interface=eth0",
           "Rtsp Server CH1/RTP packet size=1316", "Rtsp Server CH1/RTSP port=554",
           "Rtsp Server CH1/SDP directory=/srv/http/webui/sdp/"}},
-        {"RTMP on H.264", row::H264,
+        {"RTMP on H.264",
+         row::H264,
          [&](PipelineBench& b) {
              protocol(h1, "RTMP")(b);
-             b.text(tbl::RTMP_SETTINGS, prop::STREAM_NAME, h1, "live1").text(tbl::RTMP_SETTINGS, prop::USERNAME, h1, "u");
+             b.text(tbl::RTMP_SETTINGS, prop::STREAM_NAME, h1, "live1")
+                 .text(tbl::RTMP_SETTINGS, prop::USERNAME, h1, "u");
          },
          {"Rtmp Server", "UDP Sender"},
          {"Rtmp Server CH0/Enable=1", "Rtmp Server CH0/Name of published stream=live1", "Rtmp Server CH0/Password=",
           "Rtmp Server CH0/RTMP Server URL=rtmp://127.0.0.1/live", "Rtmp Server CH0/Username=u"}},
-        {"RTMP on HEVC: no RTMP server in the assembly", row::HEVC, protocol(v1, "RTMP"),
+        {"RTMP on HEVC: no RTMP server in the assembly",
+         row::HEVC,
+         protocol(v1, "RTMP"),
          {"Rtmp Server", "UDP Sender"},
          {}},
-        {"SRT caller with FEC and AES on H.264", row::H264,
+        {"SRT caller with FEC and AES on H.264",
+         row::H264,
          [&](PipelineBench& b) {
              protocol(h1, "SRT")(b);
              b.flag(tbl::SRT_SETTINGS, prop::SRT_FEC, h1, true)
@@ -164,9 +222,10 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
           "Srt Sender CH0/Latency (ms)=120", "Srt Sender CH0/Max Payload Size=1316",
           "Srt Sender CH0/Network interface=Any (Use route table)",
           "Srt Sender CH0/Packet Filter=fec,cols:4,rows:2,arq:onreq", "Srt Sender CH0/Port=5000",
-          "Srt Sender CH0/Receiver Mode=SRT Caller", "Srt Sender CH0/Server IP=239.1.1.1", "Srt Sender CH0/Stream ID=cam1",
-          "Srt Sender CH0/TTL=16"}},
-        {"Zixi with failover and dynamic bitrate on HEVC", row::HEVC,
+          "Srt Sender CH0/Receiver Mode=SRT Caller", "Srt Sender CH0/Server IP=239.1.1.1",
+          "Srt Sender CH0/Stream ID=cam1", "Srt Sender CH0/TTL=16"}},
+        {"Zixi with failover and dynamic bitrate on HEVC",
+         row::HEVC,
          [&](PipelineBench& b) {
              protocol(v1, "Zixi")(b);
              b.flag(tbl::ZIXI_FEEDER, prop::ENABLE_FAILOVER, v1, true)
@@ -182,7 +241,8 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
           "Zixi Feeder CH1/Failover Broadcaster Port=2088", "Zixi Feeder CH1/Latency=500",
           "Zixi Feeder CH1/Max Data Rate=6000000", "Zixi Feeder CH1/Max Delay Packets=100",
           "Zixi Feeder CH1/Max Packet Size=1316", "Zixi Feeder CH1/Session or Pwd=pw", "Zixi Feeder CH1/Stream ID="}},
-        {"Ultra Low Latency - LAN on HEVC with AAC-ELD", row::HEVC,
+        {"Ultra Low Latency - LAN on HEVC with AAC-ELD",
+         row::HEVC,
          [&](PipelineBench& b) {
              b.text(tbl::PROCESSING, prop::STREAM_PROFILE, row::HEVC, value::PROFILE_ULL)
                  .text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, "HEVC Audio1", "AAC-ELD");
