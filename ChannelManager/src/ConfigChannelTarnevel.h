@@ -9,6 +9,7 @@
 
 class DataHolder;
 class IChannelEvents;
+struct PipelineRun;
 
 // The channel configuration logic: the state machine of the two channels
 // ("H.264" = channel 0, "HEVC" = channel 1), their whole pipeline
@@ -144,6 +145,50 @@ public:
     Fcodes triggerVideoSource(const std::string& videoSource);
 
 private:
+    // ---- configChannel's sections, in the order they run ----
+    // ConfigChannelPipeline.cpp
+    void configPrologue(PipelineRun& run);          // 1: status, assembly
+    void readProcessingSettings(PipelineRun& run);  // 7
+    // ConfigChannelPipelineVideo.cpp
+    void configInputFormat(PipelineRun& run);       // 2
+    void configSharedInput(PipelineRun& run);       // 3
+    void configFrameRateRatio(PipelineRun& run);    // 4
+    void configVideoInput(PipelineRun& run);        // 5
+    void configGenlock(PipelineRun& run);           // 9
+    void configVideoProcessing(PipelineRun& run);   // 13
+    void configCrop(PipelineRun& run);              // 18
+    void configVideoSwitch(PipelineRun& run);       // 21
+    // ConfigChannelPipelineFormat.cpp
+    void configFormatChange(PipelineRun& run);      // 8
+    // ConfigChannelPipelineAudio.cpp
+    void configAudioInput(PipelineRun& run);        // 6
+    void configAudioSampleRate(PipelineRun& run);   // 10
+    void configTestPatterns(PipelineRun& run);      // 11
+    void configSdiOutput(PipelineRun& run);         // 12
+    void configAudioEncoding(PipelineRun& run);     // 19 (HEVC) and 20 (H.264)
+    // ConfigChannelPipelineEncoder.cpp
+    void configEncodingResolution(PipelineRun& run);  // 14
+    void configBitrates(PipelineRun& run);            // 15
+    void configRateControl(PipelineRun& run);         // 16
+    void configGopAndCoding(PipelineRun& run);        // 17
+    void configCodingH264(PipelineRun& run);
+    void configCodingHevc(PipelineRun& run);
+    // ConfigChannelPipelineKlv.cpp
+    void configKlvIngest(PipelineRun& run);         // 22
+    void configKlvOverSdi(PipelineRun& run);        // 23
+    void configEncryption(PipelineRun& run);        // 24
+    // ConfigChannelPipelineMux.cpp
+    void configMultiplexer(PipelineRun& run);       // 25
+    // ConfigChannelPipelineTargets.cpp
+    void configTargets(PipelineRun& run);           // 26
+    void configUdpSender(PipelineRun& run, size_t target);
+    void configRtspServer(PipelineRun& run, size_t target);
+    void configZixiFeeder(PipelineRun& run, size_t target);
+    void configSrtSender(PipelineRun& run, size_t target);
+    void configRtmpServer(PipelineRun& run, size_t target);
+    // ConfigChannelPipelineSummary.cpp
+    void configSummary(PipelineRun& run);           // 27
+
     // ---- Command entry (ConfigChannelExecute.cpp) ----
 
     // One command on one channel row; "ALL" is expanded by execute.

@@ -97,6 +97,16 @@ public:
         if (started) simLoaded |= device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
         holder = std::make_unique<ChannelTestHolder>();
     }
+    // The services' threads end before their models go: a thread still in
+    // its last request must not meet a model already destroyed.
+    ~ChannelHarness() {
+        holder.reset();
+        sap.stop();
+        device.stop();
+        mediator.stop();
+    }
+    ChannelHarness(const ChannelHarness&) = delete;
+    ChannelHarness& operator=(const ChannelHarness&) = delete;
     // True when the simulator and the datasets are all up.
     bool ready() const { return started && isOk(simLoaded) && isOk(holder->loaded); }
     ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(*holder, recorder); }

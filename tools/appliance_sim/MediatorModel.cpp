@@ -110,6 +110,7 @@ Fcodes MediatorModel::getParam(const MessageCommand& request, MessageCommand& an
     const std::string parameter = requiredParam(request, tarnevel::PARAM_PARAMETER, missing);
     if (missing)
         return FC_BODY_ERROR;
+    recordedReads.push_back(component + "/" + parameter);
     auto found = params.find(component);
     if (found == params.end())
         return FC_NO_SUCH_NAME;
@@ -124,8 +125,10 @@ Fcodes MediatorModel::getParam(const MessageCommand& request, MessageCommand& an
     return FC_OK;
 }
 
-// Any component may be written: the channel writes what its settings need,
-// and a later read returns what was written.
+// A component of the parameter table may be written, as the mediator accepts
+// only the components of its assembly: a misspelt name is refused "No Such
+// Name". A new parameter of a known component is accepted, and a later read
+// returns what was written.
 Fcodes MediatorModel::putParam(const MessageCommand& request) {
     bool missing = false;
     const std::string component = requiredParam(request, tarnevel::PARAM_COMPONENT, missing);
@@ -136,7 +139,10 @@ Fcodes MediatorModel::putParam(const MessageCommand& request) {
     if (request.getParam(tarnevel::PARAM_TEXT_VALUE, value) == 0 &&
         request.getParam(tarnevel::PARAM_INT_VALUE, value) == 0)
         return FC_BODY_ERROR;
-    params[component][parameter] = value;
+    auto found = params.find(component);
+    if (found == params.end())
+        return FC_NO_SUCH_NAME;
+    found->second[parameter] = value;
     recordedWrites.push_back(component + "/" + parameter + "=" + value);
     return FC_OK;
 }
@@ -169,6 +175,17 @@ std::string MediatorModel::branchState(const std::string& branch) const {
 std::vector<std::string> MediatorModel::writes() const {
     std::lock_guard<std::mutex> guard(mutex);
     return recordedWrites;
+}
+
+std::vector<std::string> MediatorModel::reads() const {
+    std::lock_guard<std::mutex> guard(mutex);
+    return recordedReads;
+}
+
+void MediatorModel::clearRecords() {
+    std::lock_guard<std::mutex> guard(mutex);
+    recordedWrites.clear();
+    recordedReads.clear();
 }
 
 std::string MediatorModel::assembly() const {

@@ -25,7 +25,8 @@ public:
     // Serves one request. `answer` starts as a copy of the request and gets
     // the answer parameter of a read; `events` receives the events to send to
     // the subscribers. "Message Body Error" for missing parameters, "No Such
-    // Name" for an unknown command, component or parameter.
+    // Name" for an unknown command or component, and for reading an unknown
+    // parameter.
     Fcodes serve(const MessageCommand& request, MessageCommand& answer, std::vector<MessageEvent>& events);
 
     // Sets a parameter as the mediator itself would (control command).
@@ -34,6 +35,10 @@ public:
     std::string branchState(const std::string& branch) const;
     // The writes received, in order, as `Component/Parameter=value`.
     std::vector<std::string> writes() const;
+    // The parameter reads received, in order, as `Component/Parameter`.
+    std::vector<std::string> reads() const;
+    // Forgets the recorded writes and reads.
+    void clearRecords();
     std::string assembly() const;
     // Running branches and recorded writes, one a line (for "Sim Report").
     std::string report() const;
@@ -47,6 +52,7 @@ private:
     std::map<std::string, std::map<std::string, std::string>> params;
     std::map<std::string, std::string> branches;
     std::vector<std::string> recordedWrites;
+    mutable std::vector<std::string> recordedReads;
     // One component name a line, in name order, unless a client put another.
     std::string assemblyText;
 };

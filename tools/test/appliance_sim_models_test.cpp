@@ -20,7 +20,8 @@ MessageCommand makeCommand(const std::string& id, const MessageParams::ParamMap&
 
 const char* const PARAMS_JSON = R"({
   "SDI_RECEIVER": {"Video Format": "1920x1080p @ 60"},
-  "Video Encoder CH0": {"QP Base": 26, "Low Delay": true, "Level": "4.1"}
+  "Video Encoder CH0": {"QP Base": 26, "Low Delay": true, "Level": "4.1"},
+  "Device": {"Error LED": 0}
 })";
 
 }  // namespace
@@ -29,7 +30,7 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
     MediatorModel model;
     std::string error;
     ASSERT_EQ(FC_OK, model.loadParams(PARAMS_JSON, error)) << error;
-    EXPECT_EQ("SDI_RECEIVER\nVideo Encoder CH0\n", model.assembly());
+    EXPECT_EQ("Device\nSDI_RECEIVER\nVideo Encoder CH0\n", model.assembly());
 
     struct Row {
         const char* component;
@@ -70,6 +71,11 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
     EXPECT_EQ(FC_BODY_ERROR,
               model.serve(makeCommand(tarnevel::CMD_PUT_PARAM, {{"Component", "Device"}, {"Parameter", "Error LED"}}),
                           answer, events));
+    EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand(tarnevel::CMD_PUT_PARAM, {{"Component", "Devise"},
+                                                                                 {"Parameter", "Error LED"},
+                                                                                 {"IntValue", "1"}}),
+                                           answer, events))
+        << "a component the mediator lacks is refused";
     EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_GET_PARAM,
                                              {{"Component", "Device"}, {"Parameter", "Error LED"}, {"TextValue", ""}}),
                                  answer, events));
@@ -81,7 +87,7 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
     EXPECT_EQ(FC_BAD_VALUE, model.loadParams("[1, 2]", error));
     EXPECT_EQ(FC_BAD_VALUE, model.loadParams(R"({"A": {"B": [1]}})", error));
     EXPECT_EQ(FC_BAD_VALUE, model.loadParams("{", error));
-    EXPECT_EQ("SDI_RECEIVER\nVideo Encoder CH0\n", model.assembly()) << "a failed load keeps the table";
+    EXPECT_EQ("Device\nSDI_RECEIVER\nVideo Encoder CH0\n", model.assembly()) << "a failed load keeps the table";
 }
 
 TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
