@@ -105,14 +105,16 @@ Kind jsonKind() {
 }
 
 // Forks a child that stores versions 1, 0, 1, ... until it is killed; it
-// writes one byte to `ready` first.
+// writes one byte to `ready` once its first store is done, so that the kills
+// fall among stores however slowly a child gets going (sanitizers, emulator).
 pid_t startStoring(const Kind& kind, int ready) {
     pid_t child = fork();
     if (child == 0) {
+        kind.store(1);
         char byte = 1;
         if (write(ready, &byte, 1) != 1)
             _exit(1);
-        for (int version = 1;; version ^= 1)
+        for (int version = 0;; version ^= 1)
             kind.store(version);
     }
     return child;
