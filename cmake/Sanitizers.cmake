@@ -3,8 +3,12 @@ if(SYSMGT_SANITIZE STREQUAL "address")
   set(_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
 elseif(SYSMGT_SANITIZE STREQUAL "thread")
   set(_san -fsanitize=thread -fno-omit-frame-pointer)
+elseif(SYSMGT_SANITIZE STREQUAL "fuzzer")
+  # The fuzz leg (clang only): coverage for libFuzzer in every object, ASan and
+  # UBSan; fuzz targets add -fsanitize=fuzzer at their link (fuzz/CMakeLists.txt).
+  set(_san -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
 elseif(NOT SYSMGT_SANITIZE STREQUAL "")
-  message(FATAL_ERROR "SYSMGT_SANITIZE must be empty, address or thread")
+  message(FATAL_ERROR "SYSMGT_SANITIZE must be empty, address, thread or fuzzer")
 endif()
 if(_san)
   add_compile_options(${_san})

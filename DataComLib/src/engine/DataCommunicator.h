@@ -110,6 +110,8 @@ public:
 
     // One request-reply exchange with retries; each attempt takes a fresh ID
     // from the process-wide counter. On return request.ID is the last one used.
+    // A reply is the answer when it carries the attempt's ID and comes from
+    // `sockName`, read now or parked earlier; any other is parked.
     Fcodes sendRequest(const std::string& sockName, MessageHeader& request, const std::string& requestBody,
                        MessageHeader& reply, std::string& replyBody, unsigned timeoutSec, unsigned tries);
     // Sends a command (its tag text) and returns the peer's verdict from the ACK.

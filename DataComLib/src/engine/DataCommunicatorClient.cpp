@@ -35,8 +35,19 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
         // Held until the try ends, reads included: a reply read here for
         // another request is parked before that request looks for it.
         std::lock_guard<std::recursive_mutex> guard(historyMutex);
+        // A parked reply answers this try only when the addressed peer sent
+        // it: another peer's reply that happens to carry this ID (IDs come
+        // from each requester's own counter) stays parked.
+        auto parkedFromPeer = [&] {
+            std::string parkedBody;
+            if (!getResponse(request.ID, storedHeader, parkedBody, storedSender) ||
+                storedSender != peerAddress.path())
+                return false;
+            replyBody = parkedBody;
+            return true;
+        };
         for (;;) {
-            if (getResponse(request.ID, storedHeader, replyBody, storedSender)) {
+            if (parkedFromPeer()) {
                 result = reply.initFromString(storedHeader);
                 DBG(DBG_SYS) << "sendRequest: **** found in history *** id=" << request.ID << " sender=" << storedSender
                              << " resp=" << storedHeader;
@@ -45,7 +56,7 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
             sender.clearForReceive();
             Fcodes read = readMsg(sendSocket, reply, replyBody, sender.get(), &sender.length(), timeoutSec, tries);
             if (!isOk(read)) {
-                if (getResponse(request.ID, storedHeader, replyBody, storedSender)) {
+                if (parkedFromPeer()) {
                     result = reply.initFromString(storedHeader);
                     DBG(DBG_SYS) << "sendRequest: **** found in history after read=err *** id=" << request.ID
                                  << " sender=" << storedSender << " resp=" << storedHeader;

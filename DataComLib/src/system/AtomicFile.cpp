@@ -1,11 +1,13 @@
 #include "system/AtomicFile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <mutex>
 
 #include "system/SysmgtRoot.h"
 
@@ -34,10 +36,34 @@ std::string directoryOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+// The temporary files of stores that a power cut or a kill ended before their
+// rename: "<name>.tmp" and six characters, in the target's directory. Only
+// this process writes its files, and it stores one file at a time, so every
+// such file is a leftover once a store of that name has succeeded.
+void removeLeftovers(const std::string& target) {
+    const std::string directory = directoryOf(target);
+    const size_t slash = target.rfind('/');
+    const std::string prefix = (slash == std::string::npos ? target : target.substr(slash + 1)) + ".tmp";
+    DIR* dir = opendir(directory.c_str());
+    if (dir == nullptr)
+        return;
+    while (dirent* entry = readdir(dir)) {
+        const std::string name = entry->d_name;
+        if (name.size() == prefix.size() + 6 && name.compare(0, prefix.size(), prefix) == 0)
+            unlink((directory + "/" + name).c_str());
+    }
+    closedir(dir);
+}
+
+// One store at a time in this process, so that removeLeftovers never takes
+// the temporary file of a store still under way.
+std::mutex storeMutex;
+
 }  // namespace
 
 int writeFileAtomically(const std::string& logicalPath, const std::string& content) {
     const std::string target = sysmgtPath(logicalPath);
+    std::lock_guard<std::mutex> guard(storeMutex);
     std::string temp = target + ".tmpXXXXXX";
     int fd = mkstemp(&temp[0]);
     if (fd < 0)
@@ -63,5 +89,6 @@ int writeFileAtomically(const std::string& logicalPath, const std::string& conte
         fsync(dirFd);  // the rename is durable once the directory is
         close(dirFd);
     }
+    removeLeftovers(target);
     return 0;
 }

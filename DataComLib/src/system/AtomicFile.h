@@ -7,7 +7,10 @@
 // file in the same directory, which is flushed, fsync'ed and renamed over the
 // target, and the directory is fsync'ed. `logicalPath` is resolved through
 // sysmgtPath. Returns 0, or the errno of the step that failed (the temporary
-// file is then removed and the target left as it was).
+// file is then removed and the target left as it was). A successful store
+// also removes the temporary files that earlier stores of the same file left
+// when the process died before their rename. Stores of one process are
+// serialised; a file is stored by one process only.
 int writeFileAtomically(const std::string& logicalPath, const std::string& content);
 
 // Test seam: when set, called after the temporary file is complete and

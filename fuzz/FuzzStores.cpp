@@ -1,0 +1,123 @@
+#include "FuzzStores.h"
+
+#include <chrono>
+#include <fstream>
+#include <memory>
+
+#include "FuzzSupport.h"
+#include "system/SysmgtRoot.h"
+#include "tabular/DataSet.h"
+
+namespace fuzz {
+
+const char* const kTabularDoc =
+    "<DataSet ID=\"Channels\" Version=\"3\">\n"
+    "\t<Table Name=\"ChannelsTable\">\n"
+    "\t\t<Columns>\n"
+    "\t\t\t<Column Name=\"Bitrate\" Access=\"RW\" Type=\"int\" Value=\"8000\" />\n"
+    "\t\t\t<Column Name=\"Mode\" Access=\"RW\" Type=\"enum\" Value=\"0\"  >\n"
+    "\t\t\t\t<Value Index=\"0\" Text=\"CBR\" />\n"
+    "\t\t\t\t<Value Index=\"1\" Text=\"VBR\" />\n"
+    "\t\t\t</Column>\n"
+    "\t\t\t<Column Name=\"State\" Access=\"RO\" Type=\"str\" Value=\"0\" />\n"
+    "\t\t</Columns>\n"
+    "\t\t\t<Row ID=\"1\" >\n"
+    "\t\t\t<Item Name=\"Bitrate\" Value=\"6000\" />\n"
+    "\t\t\t<Item Name=\"Mode\" Value=\"VBR\" />\n"
+    "\t\t\t<Item Name=\"State\" Value=\"Stopped\" />\n"
+    "\t\t\t</Row>\n"
+    "\t\t\t<Row ID=\"2\" >\n"
+    "\t\t\t<Item Name=\"Bitrate\" Value=\"4000\" />\n"
+    "\t\t\t<Item Name=\"Mode\" Value=\"CBR\" />\n"
+    "\t\t\t<Item Name=\"State\" Value=\"Playing\" />\n"
+    "\t\t\t</Row>\n"
+    "\t</Table>\n"
+    "\t<Table Name=\"Targets\">\n"
+    "\t\t<Columns>\n"
+    "\t\t\t<Column Name=\"Host\" Access=\"WO\" Type=\"str\" Value=\"0\" />\n"
+    "\t\t\t<Column Name=\"Port\" Access=\"RW\" Type=\"int\" Value=\"5004\" />\n"
+    "\t\t</Columns>\n"
+    "\t\t\t<Row ID=\"1\" >\n"
+    "\t\t\t<Item Name=\"Host\" Value=\"239.0.0.9\" />\n"
+    "\t\t\t<Item Name=\"Port\" Value=\"1234\" />\n"
+    "\t\t\t</Row>\n"
+    "\t</Table>\n"
+    "</DataSet>\n";
+
+const char* const kJsonDoc = R"({
+  "dataset": "ChannelDataSet",
+  "components": {
+    "ChannelsTable": {
+      "properties": {
+        "Name": {"type": "string", "default": "", "access": "RW", "description": "channel name"},
+        "Bitrate": {"type": "integer", "default": 4000, "access": "RW", "description": "kbit/s"},
+        "Enabled": {"type": "boolean", "default": false, "access": "RW", "description": ""},
+        "Mode": {"type": "enum", "default": 1, "values": [1, 2, 7], "access": "RW", "description": ""},
+        "Profile": {"type": "enum", "default": "Main", "values": ["Main", "High"], "access": "RO", "description": ""}
+      },
+      "instances": {
+        "H.264": {"Name": "first", "Bitrate": 8000, "Enabled": true, "Mode": 2, "Profile": "High"},
+        "HEVC": {"Name": "second", "Bitrate": 6000, "Enabled": false, "Mode": 1, "Profile": "Main"}
+      }
+    },
+    "Device": {
+      "properties": {"Label": {"type": "string", "default": "enc"}, "Port": {"type": "integer", "default": 5004}},
+      "instance": {"Label": "encoder", "Port": 5004}
+    },
+    "Targets": {
+      "properties": {"Address": {"type": "string", "default": "239.1.1.1"}, "Port": {"type": "integer", "default": 1234}},
+      "instances": [{"Address": "239.1.1.1", "Port": 1234}, {"Address": "127.0.0.1", "Port": 5000}]
+    }
+  }
+})";
+
+Fcodes FuzzHolder::handle(MessageEvent* event) {
+    ++queued;
+    return DataHolder::handle(event);
+}
+
+Fcodes FuzzHolder::execute(const std::string& command, std::string& result) {
+    ++queued;
+    return DataHolder::execute(command, result);
+}
+
+Fcodes FuzzHolder::doHandle(MessageEvent* event) {
+    std::unique_ptr<MessageEvent> owned(event);
+    ran();
+    return FC_OK;
+}
+
+Fcodes FuzzHolder::doExecute(const std::string& command, std::string& result) {
+    Fcodes code = DataHolder::doExecute(command, result);
+    ran();
+    return code;
+}
+
+void FuzzHolder::ran() {
+    std::lock_guard<std::mutex> guard(doneMutex);
+    ++done;
+    doneChanged.notify_all();
+}
+
+bool FuzzHolder::drain() {
+    std::unique_lock<std::mutex> guard(doneMutex);
+    return doneChanged.wait_for(guard, std::chrono::seconds(10), [&] { return done == queued.load(); });
+}
+
+FuzzHolder& servedHolder() {
+    static FuzzHolder* holder = [] {
+        usePrivateRoot();
+        std::ofstream(sysmgtPath("/etc/sysmgt/fuzz_channels.xml")) << kTabularDoc;
+        std::ofstream(sysmgtPath("/etc/sysmgt/fuzz_channels.json")) << kJsonDoc;
+        auto* made = new FuzzHolder();
+        made->init("tFuzz");
+        auto* channels = new DataSet();
+        check(isOk(channels->load("/etc/sysmgt/fuzz_channels.xml")), "the tabular data set loads");
+        made->addDataSet(channels->getId(), channels);
+        check(isOk(made->loadDataSet("/etc/sysmgt/fuzz_channels.json")), "the JSON data set loads");
+        return made;
+    }();
+    return *holder;
+}
+
+}  // namespace fuzz
