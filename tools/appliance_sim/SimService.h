@@ -43,7 +43,7 @@ public:
     // service's own. The events it raises are sent after the answer.
     Fcodes execute(const std::string& command, std::string& result) override;
     // Events sent to a simulated service are printed when they arrive and
-    // otherwise ignored.
+    // otherwise ignored; the holder's worker destroys them afterwards.
     Fcodes doHandle(MessageEvent* event) override;
 
     const std::string& serviceName() const { return shortName; }

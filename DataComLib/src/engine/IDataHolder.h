@@ -41,7 +41,8 @@ public:
     virtual Fcodes acceptChanges() = 0;
     virtual Fcodes deleteRow(const std::string& table, int rowId) = 0;
     virtual Fcodes doExecute(const std::string& command, std::string& result) = 0;
-    // Takes ownership of the event.
+    // Borrows the event: whoever called it (the holder's worker) destroys it
+    // afterwards.
     virtual Fcodes doHandle(MessageEvent* event) = 0;
     // `result` receives the reply payload, without BODY tags.
     virtual Fcodes execute(const std::string& command, std::string& result) = 0;
@@ -60,7 +61,7 @@ public:
     virtual int getRowsNum(const std::string& table) = 0;
     virtual Fcodes getStringParam(const std::string& table, int rowId, const std::string& column,
                                   std::string& value) = 0;
-    // Takes ownership of the event.
+    // Takes ownership of the event (a heap object), whatever the result.
     virtual Fcodes handle(MessageEvent* event) = 0;
     // The new row's id, 0 on failure.
     virtual int newRow(const std::string& table, int rowId) = 0;

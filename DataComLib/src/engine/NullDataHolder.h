@@ -13,10 +13,7 @@ public:
     Fcodes acceptChanges() override { return FC_UNSUPPORTED; }
     Fcodes deleteRow(const std::string&, int) override { return FC_UNSUPPORTED; }
     Fcodes doExecute(const std::string&, std::string&) override { return FC_UNSUPPORTED; }
-    Fcodes doHandle(MessageEvent* event) override {
-        delete event;
-        return FC_UNSUPPORTED;
-    }
+    Fcodes doHandle(MessageEvent*) override { return FC_UNSUPPORTED; }
     Fcodes execute(const std::string&, std::string&) override { return FC_UNSUPPORTED; }
     Fcodes getIntParam(const std::string&, int, const std::string&, int&) override { return FC_UNSUPPORTED; }
     Fcodes getNewIntParam(const std::string&, int, const std::string&, int&) override { return FC_UNSUPPORTED; }

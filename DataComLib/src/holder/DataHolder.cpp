@@ -100,8 +100,8 @@ void DataHolder::dispatch(event_type& item) {
         std::string result;
         doExecute(*static_cast<std::string*>(item.data.get()), result);
     } else if (item.id == event_type::EVENT) {
-        // doHandle takes ownership of the event.
-        doHandle(static_cast<MessageEvent*>(item.data.release()));
+        // doHandle only borrows the event; it is destroyed with the item below.
+        doHandle(static_cast<MessageEvent*>(item.data.get()));
     } else {
         DBG(DBG_ERROR) << "doWork: unknown event arrived id=" << item.id;
     }

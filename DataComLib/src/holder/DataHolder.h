@@ -24,7 +24,8 @@ class DataTable;
 
 // One item of the holder's queue: a command text (id 1, size its length) or
 // an event (id 2, size of the event record). `data` owns the payload; its
-// deleter knows the kind, so whoever drops the item frees it.
+// deleter knows the kind, so whoever drops the item frees it: the worker, once
+// doExecute or doHandle has returned.
 struct event_type {
     enum : int32_t { COMMAND = 1, EVENT = 2 };
     int32_t id;
@@ -74,6 +75,8 @@ public:
     // The worker's command hook: "Accept Changes" and "Rollback Changes" as
     // whole texts, anything else "No Such Name".
     Fcodes doExecute(const std::string& command, std::string& result) override;
+    // The worker's event hook. The event is lent: the worker destroys it when
+    // doHandle returns, so a service keeps a copy of what it needs later.
     Fcodes doHandle(MessageEvent* event) override = 0;
     // Every tabular data set's changes accepted, in name order; the OR of their codes.
     Fcodes acceptChanges() override;
