@@ -25,7 +25,7 @@ void forEachInstance(const Json::Value& component, Visit&& visit) {
 }
 
 // Fills `keys` with the instances of `comp` that `wanted(key, instance)`
-// accepts; an unknown component is logged with `op` and gives 0x10008.
+// accepts; an unknown component is logged with `op` and gives FC_NO_SUCH_NAME.
 template <typename Wanted>
 Fcodes collectInstances(const char* op, const Json::Value* comp, const std::string& dataSet,
                         const std::string& component, std::vector<std::string>& keys, Wanted&& wanted) {
