@@ -214,4 +214,10 @@ public:
                                    const std::string& property, int index) = 0;
     virtual bool isChangedProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, const std::string& key) = 0;
+    // Drops one pending value, so that the committed one is in effect again
+    // (how a refused "SET" undoes what it wrote).
+    virtual Fcodes untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, int index) = 0;
+    virtual Fcodes untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, const std::string& key) = 0;
 };

@@ -220,4 +220,10 @@ public:
     bool isChangedProperty(const std::string&, const std::string&, const std::string&, const std::string&) override {
         return false;
     }
+    Fcodes untouchProperty(const std::string&, const std::string&, const std::string&, int) override {
+        return FC_UNSUPPORTED;
+    }
+    Fcodes untouchProperty(const std::string&, const std::string&, const std::string&, const std::string&) override {
+        return FC_UNSUPPORTED;
+    }
 };

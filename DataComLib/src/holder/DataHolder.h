@@ -224,6 +224,10 @@ public:
                            int index) override;
     bool isChangedProperty(const std::string& dataSet, const std::string& component, const std::string& property,
                            const std::string& key) override;
+    Fcodes untouchProperty(const std::string& dataSet, const std::string& component, const std::string& property,
+                           int index) override;
+    Fcodes untouchProperty(const std::string& dataSet, const std::string& component, const std::string& property,
+                           const std::string& key) override;
 
     // --- Remote family, forwarded to the engine (DataHolderRemote.cpp) ---
 

@@ -278,3 +278,13 @@ bool DataHolder::isChangedProperty(const std::string& dataSet, const std::string
                                    const std::string& property, const std::string& key) {
     return dataSets_json ? dataSets_json->isChangedProperty(dataSet, component, property, key) : false;
 }
+
+Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, int index) {
+    return dataSets_json ? dataSets_json->untouchProperty(dataSet, component, property, index) : FC_UNAVAILABLE;
+}
+
+Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, const std::string& key) {
+    return dataSets_json ? dataSets_json->untouchProperty(dataSet, component, property, key) : FC_UNAVAILABLE;
+}
