@@ -46,9 +46,9 @@
 // "Accept Changes".
 //
 // Refusals (the reply becomes a NACK with the code and Size 0): an unknown data
-// set, component, instance, table, row or item gives "No Such Name"; a missing
-// Name, ID or SET Value, or a body with neither element, "Message Body Error";
-// a value holding a double quote, which the wire cannot carry, "Bad Value"; a
+// set, component, instance, table, row or item gives FC_NO_SUCH_NAME; a missing
+// Name, ID or SET Value, or a body with neither element, FC_BODY_ERROR;
+// a value holding a double quote, which the wire cannot carry, FC_BAD_VALUE; a
 // failed write the holder's code. Every refusal logs a line beginning
 // "treatDataMsg: ". All Items are tried and the codes merged. After a failed SET
 // the holder's rollbackChanges() runs (treatMsg), and for a DataSet body the
@@ -276,7 +276,7 @@ Fcodes DataRequest::serveJsonItem(const std::string& dataSet, const std::string&
 Fcodes DataRequest::readJsonValue(const std::string& dataSet, const std::string& component, const std::string& property,
                                   const Instance& instance, std::string& value) {
     // The text read serves every type in a store that converts; a stricter
-    // store refuses other types as "Wrong Type", and they are read in their own.
+    // store refuses other types as FC_WRONG_TYPE, and they are read in their own.
     Fcodes code = onInstance(instance, [&](const auto& selector) {
         return isSet ? holder.getNewTextParam(dataSet, component, property, value, selector)
                      : holder.getTextParam(dataSet, component, property, value, selector);

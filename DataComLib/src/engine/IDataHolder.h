@@ -25,8 +25,8 @@ class MessageEvent;
 //   instance; one overload each;
 // - remote family: the peer's logical socket path first, then the same
 //   addressing; time-outs in seconds and numbers of tries as in DataCommunicator.
-// Out-values are left untouched on failure. Results are Fcodes: "OK", "No Such
-// Name" for a missing table, row, item, data set, component or instance,
+// Out-values are left untouched on failure. Results are Fcodes: FC_OK,
+// FC_NO_SUCH_NAME for a missing table, row, item, data set, component or instance,
 // otherwise what the store or the messaging engine returned.
 //
 // The engine calls handle, execute, the row operations and rollbackChanges on

@@ -3,7 +3,7 @@
 #include "engine/IDataHolder.h"
 #include "records/MessageEvent.h"
 
-// A data holder without stores: every operation answers "Unsupported Request"
+// A data holder without stores: every operation answers FC_UNSUPPORTED
 // (row operations 0, look-ups nothing) and events handed to it are dropped.
 // The base of processes and test peers that need the messaging engine but
 // only a few of the holder's operations: they override those.

@@ -113,7 +113,7 @@ void DataHolder::enqueue(event_type item, const char* op) {
         std::lock_guard<std::mutex> guard(queueMutex);
         queue.push_back(std::move(item));
     }
-    // A failed post leaves the item queued; the next post runs it. "OK" all the same.
+    // A failed post leaves the item queued; the next post runs it. FC_OK all the same.
     if (sem_post(&semaphore) != 0)
         DBG(DBG_ERROR) << op << ": sem_post failed errno=" << errno;
 }

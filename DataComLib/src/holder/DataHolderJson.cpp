@@ -1,6 +1,6 @@
 // The JSON family: every operation forwarded unchanged to the store made by
 // createDataSets. Without a store (its creation failed and was logged) the
-// operations answer "Unavailable", or false.
+// operations answer FC_UNAVAILABLE, or false.
 #include "holder/DataHolder.h"
 #include "json/DataSetsFactory.h"
 

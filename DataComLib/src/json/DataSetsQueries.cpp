@@ -149,7 +149,7 @@ Fcodes DataSets::getComponentPropertyDefault(const std::string& dataSet, const s
 namespace {
 
 // The JSON request interface has no user on the appliance yet; it answers
-// "Unsupported Request" in the response rather than guess a format.
+// FC_UNSUPPORTED in the response rather than guess a format.
 Fcodes unsupportedRequest(const char* op, Json::Value& response) {
     DBG(DBG_WARN) << op << ": request interface not supported";
     response = Json::Value(Json::objectValue);

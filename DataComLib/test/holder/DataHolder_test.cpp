@@ -192,6 +192,20 @@ TEST(DataHolder, JsonFamilyForwardsToTheStore) {
     EXPECT_EQ(holder.getIntParam("Chan", "ChannelsTable", "Bitrate", number, "HEVC"), FC_OK);
     EXPECT_EQ(number, 7000);
 
+    // A holder handed a store of its own forwards to it.
+    struct OwnStoreHolder : RecordingHolder {
+        IDataSets* createDataSets() override {
+            auto* own = new DataSets();
+            own->addDataSet("Own");
+            own->addComponent("Own", "Mine");
+            return own;
+        }
+    } own;
+    own.init("tOwn");
+    std::string found;
+    EXPECT_EQ(own.findDataSetWithComponent(found, "Mine"), FC_OK);
+    EXPECT_EQ(found, "Own");
+
     RecordingHolder uninitialised;  // no store before init
     EXPECT_EQ(uninitialised.getTextParam("Chan", "ChannelsTable", "Name", text, "HEVC"), FC_UNAVAILABLE);
     EXPECT_FALSE(uninitialised.hasInstance("Chan", "ChannelsTable", "HEVC"));
