@@ -54,7 +54,7 @@ Fcodes FailureRules::addFromCommand(const MessageCommand& command) {
     if (command.getParam(sim::PARAM_MODE, text) != 0 && !parseMode(text, failure.mode))
         return FC_BODY_ERROR;
     unsigned long code = FC_UNAVAILABLE;
-    // A code must carry at least one failure bit over "OK", or the requester
+    // A code must carry at least one failure bit over FC_OK, or the requester
     // would see success.
     if (command.getParam(sim::PARAM_FCODE, text) != 0 &&
         (!parseNumber(text, code) || code > 0xFFFFFFFFul || (code | FC_OK) == FC_OK))

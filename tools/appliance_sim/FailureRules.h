@@ -25,8 +25,8 @@ public:
         Fcodes code = FC_UNAVAILABLE;
     };
 
-    // Adds a rule from the parameters of a "Sim Fail" command. "Message Body
-    // Error" when Command is missing, or Count, Mode or Fcode are not
+    // Adds a rule from the parameters of a "Sim Fail" command. FC_BODY_ERROR
+    // when Command is missing, or Count, Mode or Fcode are not
     // understood (a Count below 1, an Fcode without failure bits).
     Fcodes addFromCommand(const MessageCommand& command);
     void add(const std::string& commandId, int count, const Failure& failure);

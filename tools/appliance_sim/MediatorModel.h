@@ -18,14 +18,14 @@ class MediatorModel {
 public:
     // Loads the parameter table from its JSON text: an object of components,
     // each an object of parameters whose values are texts, integers or
-    // booleans. Replaces the table and the assembly. "Bad Value" with `error`
+    // booleans. Replaces the table and the assembly. FC_BAD_VALUE with `error`
     // set when the text is not such an object.
     Fcodes loadParams(const std::string& jsonText, std::string& error);
 
     // Serves one request. `answer` starts as a copy of the request and gets
     // the answer parameter of a read; `events` receives the events to send to
-    // the subscribers. "Message Body Error" for missing parameters, "No Such
-    // Name" for an unknown command or component, and for reading an unknown
+    // the subscribers. FC_BODY_ERROR for missing parameters, FC_NO_SUCH_NAME
+    // for an unknown command or component, and for reading an unknown
     // parameter.
     Fcodes serve(const MessageCommand& request, MessageCommand& answer, std::vector<MessageEvent>& events);
 

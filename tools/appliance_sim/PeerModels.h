@@ -15,8 +15,8 @@ class SapModel {
 public:
     // "START_SAP" (re)announces, "STOP_SAP" withdraws one stream (a stream not
     // announced is no error: the result is the same), "STOP ALL SAP" withdraws
-    // all. "Message Body Error" when a stream's name, address or port is
-    // missing, "No Such Name" for another command.
+    // all. FC_BODY_ERROR when a stream's name, address or port is
+    // missing, FC_NO_SUCH_NAME for another command.
     Fcodes serve(const MessageCommand& request);
     // "ChannelName DestinationIp:DestinationPort" of each announced stream, sorted.
     std::vector<std::string> streams() const;
@@ -31,7 +31,7 @@ private:
 // Input" needs "KLV Source" and "ChannelID". Thread-safe.
 class DeviceCommandModel {
 public:
-    // "No Such Name" for a command the device manager does not have.
+    // FC_NO_SUCH_NAME for a command the device manager does not have.
     Fcodes serve(const MessageCommand& request);
     // Each command served, as `ID name=value ...`, in order.
     std::vector<std::string> commands() const;

@@ -43,7 +43,7 @@ public:
     // service's own. The events it raises are sent after the answer.
     Fcodes execute(const std::string& command, std::string& result) override;
     // Events sent to a simulated service are printed when they arrive and
-    // otherwise ignored.
+    // otherwise ignored; the holder's worker destroys them afterwards.
     Fcodes doHandle(MessageEvent* event) override;
 
     const std::string& serviceName() const { return shortName; }
@@ -54,7 +54,7 @@ protected:
     // go into `events`.
     virtual Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
                                 std::vector<MessageEvent>& events) = 0;
-    // A further control command of this service; "No Such Name" when unknown.
+    // A further control command of this service; FC_NO_SUCH_NAME when unknown.
     virtual Fcodes serveControl(const MessageCommand& request);
     // What the service recorded, one entry a line.
     virtual std::string report() const = 0;
@@ -85,5 +85,5 @@ private:
 // The event of a "Sim Emit Event" command: Event, Source, Status, Description
 // and Severity fill the event's fields, Fcode (hex with 0x, or decimal) its
 // code, every other parameter travels as an
-// event parameter. "Message Body Error" without Event.
+// event parameter. FC_BODY_ERROR without Event.
 Fcodes eventFromCommand(const MessageCommand& command, MessageEvent& event);

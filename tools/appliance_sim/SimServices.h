@@ -11,6 +11,12 @@
 // control command "Sim Set Param".
 class MediatorService : public SimService {
 public:
+    // Stops serving and the worker before this object goes, so that no hook
+    // runs on a half-destroyed service.
+    ~MediatorService() override {
+        stop();
+        shutdown();
+    }
     explicit MediatorService(TrafficLog& traffic) : SimService("mediator", traffic) {}
     MediatorModel& model() { return mediator; }
 
@@ -28,6 +34,12 @@ private:
 // holder's JSON store (a SET takes effect at once), and its commands.
 class DeviceService : public SimService {
 public:
+    // Stops serving and the worker before this object goes, so that no hook
+    // runs on a half-destroyed service.
+    ~DeviceService() override {
+        stop();
+        shutdown();
+    }
     explicit DeviceService(TrafficLog& traffic) : SimService("device", traffic) {}
     // Copies the data set's file into the device manager's place under the
     // root and loads it from there. Call after start(). `error` says why not.
@@ -46,6 +58,12 @@ private:
 // The SAP announcer: the streams it announces.
 class SapService : public SimService {
 public:
+    // Stops serving and the worker before this object goes, so that no hook
+    // runs on a half-destroyed service.
+    ~SapService() override {
+        stop();
+        shutdown();
+    }
     explicit SapService(TrafficLog& traffic) : SimService("sap", traffic) {}
 
 protected:

@@ -49,8 +49,8 @@ std::string dataBody(const std::string& dataSet, const std::string& component, c
 }
 
 // One request of `type` and the service's verdict: the Fcode of its ACK or
-// NACK (the engine's own requestCommand turns a NACK into "Message Header
-// Error"; a person wants the service's reason), "OK" for the expected RESPONSE.
+// NACK (the engine's own requestCommand turns a NACK into FC_HEADER_ERROR; a
+// person wants the service's reason), FC_OK for the expected RESPONSE.
 Fcodes exchange(DataCommunicator& engine, const std::string& socket, const char* type, const std::string& body,
                 std::string& replyBody, unsigned timeoutSec) {
     MessageHeader request, reply;

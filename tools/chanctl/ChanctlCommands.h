@@ -52,5 +52,5 @@ private:
 // Subscribes the engine's receive socket to the service's events and prints
 // them until options.count events came or options.timeout passed (no limit
 // without --timeout: until the process is interrupted). A count not reached
-// in time is "Unavailable".
+// in time is FC_UNAVAILABLE.
 Fcodes runListen(DataCommunicator& engine, ListenHolder& holder, const ChanctlOptions& options, FILE* err);

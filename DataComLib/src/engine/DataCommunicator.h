@@ -30,7 +30,7 @@ enum class ParamAccess { Read, Write };
 // a small response history and found again by the request that owns their ID.
 //
 // Time-outs and delays are whole seconds: 0 waits without limit, the all-ones
-// value (wire::NO_WAIT) never waits nor sleeps.
+// value (wire::NO_WAIT) never waits for a reply nor sleeps between tries.
 //
 // Threads: init once, before anything else; start() once. The server thread
 // alone reads the receive socket and calls the holder. Requests may be issued
@@ -56,8 +56,10 @@ public:
     Fcodes readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
                    unsigned timeoutSec, unsigned spare);
     // Sends header text plus `body` (the caller's BODY element, or nothing) as
-    // one datagram, retrying a full peer queue `tries` times with `delaySec`
-    // sleeps (10 when 0). With delay NO_WAIT every try is made without waiting.
+    // one datagram. Each try waits for room in the peer's queue up to the
+    // socket's send time-out; a try that times out is followed by a `delaySec`
+    // sleep (10 when 0, none with NO_WAIT), `tries` times in all. A peer that
+    // is gone ends the tries at once.
     Fcodes sendMessage(int sock, MessageHeader& header, const std::string& body, const sockaddr* to, socklen_t toLen,
                        unsigned delaySec, unsigned tries);
     // The older event send: header and body as two datagrams, one try. Peers
@@ -84,9 +86,12 @@ public:
     void stop();
     // Appends a subscriber's receive-socket path, moving a repeated one to the end.
     void subscribe(const std::string& sockName);
-    // Stamps the event with the local time and sends it to every subscriber
-    // with one try and no waiting: a full or vanished subscriber costs that
-    // subscriber the event (logged) and stays subscribed.
+    // Stamps the event with the local time and sends it to every subscriber,
+    // one try each and no reply awaited. A subscriber whose queue is full holds
+    // the send up to the send socket's 1-second time-out, so one a little
+    // behind loses nothing; one that never reads costs at most that second per
+    // event, one whose socket is gone nothing. Either loses the event (logged)
+    // and stays subscribed.
     void notify(MessageEvent& event);
     // A copy of the subscribers, in order.
     std::vector<std::string> getObservers() const;

@@ -88,7 +88,8 @@ Fcodes DataCommunicator::treatCommandMsg(MessageHeader& header, const std::strin
             return refuse(FC_UNAVAILABLE);
         }
         // The row the holder returns is deliberately not put into the reply:
-        // the requester learns only the result code.
+        // every engine of the appliance answers these commands with the result
+        // code alone, and requesters read the table itself for its rows.
         if (commandId == wire::CMD_ADD_ROW && request.hasRow)
             dataHolder->newRow(request.table, request.row);
         else if (commandId == wire::CMD_ADD_ROW)
@@ -111,7 +112,9 @@ Fcodes DataCommunicator::treatCommandMsg(MessageHeader& header, const std::strin
     replyHeader.ID = header.ID;
     replyHeader.Type = msgtype::ACK;
     replyHeader.Fcode = result;
-    // Size is the payload's length without the BODY tags, deliberately.
+    // Size is the payload's length without the BODY tags, deliberately: that is
+    // how every engine of the appliance counts it, and readers only test it for
+    // being positive before they look for the body.
     replyHeader.Size = static_cast<int32_t>(payload.size());
     replyBody.clear();
     if (!payload.empty()) {

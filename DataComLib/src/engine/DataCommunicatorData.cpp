@@ -46,13 +46,15 @@
 // "Accept Changes".
 //
 // Refusals (the reply becomes a NACK with the code and Size 0): an unknown data
-// set, component, instance, table, row or item gives "No Such Name"; a missing
-// Name, ID or SET Value, or a body with neither element, "Message Body Error";
-// a value holding a double quote, which the wire cannot carry, "Bad Value"; a
+// set, component, instance, table, row or item gives FC_NO_SUCH_NAME; a missing
+// Name, ID or SET Value, or a body with neither element, FC_BODY_ERROR;
+// a value holding a double quote, which the wire cannot carry, FC_BAD_VALUE; a
 // failed write the holder's code. Every refusal logs a line beginning
 // "treatDataMsg: ". All Items are tried and the codes merged. After a failed SET
-// the holder's rollbackChanges() runs (treatMsg), and for a DataSet body also
-// the JSON store's rollback(), so that no part of a refused SET stays pending.
+// the holder's rollbackChanges() runs (treatMsg), and for a DataSet body the
+// JSON values this request wrote are put back as they were pending before it
+// (a value, or none), in reverse order, so that no part of a refused SET stays
+// pending while other clients' pending edits survive.
 #include <string>
 #include <vector>
 
@@ -110,8 +112,18 @@ public:
 
     Fcodes serveDataSet(const std::string& element);
     Fcodes serveTable(const std::string& element);
+    // Puts every JSON value this request wrote back to its earlier pending state.
+    void undoWrites();
 
 private:
+    // A JSON value this request wrote, and what was pending there before it.
+    struct Written {
+        std::string dataSet, component, property;
+        Instance instance;
+        bool wasPending;
+        std::string previous;
+    };
+
     Fcodes serveComponent(const std::string& dataSetId, const std::string& element);
     Fcodes serveJsonItem(const std::string& dataSet, const std::string& component,
                          const std::vector<std::string>& properties, const std::string& rowId, const Instance& instance,
@@ -128,11 +140,12 @@ private:
     IDataHolder& holder;
     const bool isSet;
     std::string& out;
+    std::vector<Written> written;
 };
 
 // Calls `operation` with the instance's selector: its index or its key.
 template <typename Operation>
-Fcodes onInstance(const Instance& instance, Operation operation) {
+auto onInstance(const Instance& instance, Operation operation) -> decltype(operation(0)) {
     return instance.byIndex ? operation(instance.index) : operation(instance.key);
 }
 
@@ -234,15 +247,22 @@ Fcodes DataRequest::serveJsonItem(const std::string& dataSet, const std::string&
         return FC_NO_SUCH_NAME;
     }
     if (isSet) {
-        Fcodes written = onInstance(instance, [&](const auto& selector) {
+        Written before{dataSet, component, property, instance, false, std::string()};
+        before.wasPending = onInstance(instance, [&](const auto& selector) {
+            return holder.isChangedProperty(dataSet, component, property, selector);
+        });
+        if (before.wasPending && !isOk(readJsonValue(dataSet, component, property, instance, before.previous)))
+            before.wasPending = false;  // unreadable: undone by dropping it
+        Fcodes code = onInstance(instance, [&](const auto& selector) {
             return holder.setTextParam(dataSet, component, property, value, selector);
         });
-        if (!isOk(written)) {
+        if (!isOk(code)) {
             DBG(DBG_ERROR) << "treatDataMsg: dataHolder->setTextParam() failed: table=" << dataSet
                            << " comp=" << component << " row=" << rowId << " item=" << property << " value=" << value
-                           << " fcode=0x" << std::hex << written;
-            return written;
+                           << " fcode=0x" << std::hex << code;
+            return code;
         }
+        written.push_back(std::move(before));
     }
     Fcodes read = readJsonValue(dataSet, component, property, instance, value);
     if (!isOk(read)) {
@@ -256,7 +276,7 @@ Fcodes DataRequest::serveJsonItem(const std::string& dataSet, const std::string&
 Fcodes DataRequest::readJsonValue(const std::string& dataSet, const std::string& component, const std::string& property,
                                   const Instance& instance, std::string& value) {
     // The text read serves every type in a store that converts; a stricter
-    // store refuses other types as "Wrong Type", and they are read in their own.
+    // store refuses other types as FC_WRONG_TYPE, and they are read in their own.
     Fcodes code = onInstance(instance, [&](const auto& selector) {
         return isSet ? holder.getNewTextParam(dataSet, component, property, value, selector)
                      : holder.getTextParam(dataSet, component, property, value, selector);
@@ -282,6 +302,20 @@ Fcodes DataRequest::readJsonValue(const std::string& dataSet, const std::string&
     if (isOk(code))
         value = std::to_string(number);
     return code;
+}
+
+void DataRequest::undoWrites() {
+    for (auto it = written.rbegin(); it != written.rend(); ++it) {
+        const Written& w = *it;
+        Fcodes code = onInstance(w.instance, [&](const auto& selector) {
+            return w.wasPending ? holder.setTextParam(w.dataSet, w.component, w.property, w.previous, selector)
+                                : holder.untouchProperty(w.dataSet, w.component, w.property, selector);
+        });
+        if (!isOk(code))
+            DBG(DBG_ERROR) << "treatDataMsg: Couldn't undo the write of dataset=" << w.dataSet << " comp=" << w.component
+                           << " item=" << w.property << " fcode=0x" << std::hex << code;
+    }
+    written.clear();
 }
 
 Fcodes DataRequest::serveTable(const std::string& element) {
@@ -380,7 +414,7 @@ Fcodes DataCommunicator::treatDataMsg(MessageHeader& header, const std::string& 
     if (getSegment(bodySegment, 0, wire::TAG_DATASET, element) >= 0) {
         result = request.serveDataSet(element);
         if (isSet && !isOk(result))
-            dataHolder->rollback();
+            request.undoWrites();
     } else if (getSegment(bodySegment, 0, wire::TAG_TABLE, element) >= 0) {
         result = request.serveTable(element);
     } else {

@@ -106,9 +106,10 @@ Fcodes DataCommunicator::sendMessage(int sock, MessageHeader& header, const std:
     header.toString(text);
     text += body;
 
-    // NO_WAIT: the caller (an event to a subscriber) must never block, not
-    // even for the socket's 1-second send time-out.
-    const int flags = MSG_NOSIGNAL | (delaySec == wire::NO_WAIT ? MSG_DONTWAIT : 0);
+    // Every try waits for room in the peer's queue, up to the socket's send
+    // time-out (1 second on the engine's sockets): a peer that is alive but a
+    // little behind still gets the message. A peer that is gone fails at once.
+    const int flags = MSG_NOSIGNAL;
     Fcodes result = FC_COMM_ERROR;
     while (result != FC_OK && tries > 0) {
         DBG(DBG_INFO) << "sendMessage: Sending msg via sockfd=" << sock;

@@ -25,8 +25,8 @@ class MessageEvent;
 //   instance; one overload each;
 // - remote family: the peer's logical socket path first, then the same
 //   addressing; time-outs in seconds and numbers of tries as in DataCommunicator.
-// Out-values are left untouched on failure. Results are Fcodes: "OK", "No Such
-// Name" for a missing table, row, item, data set, component or instance,
+// Out-values are left untouched on failure. Results are Fcodes: FC_OK,
+// FC_NO_SUCH_NAME for a missing table, row, item, data set, component or instance,
 // otherwise what the store or the messaging engine returned.
 //
 // The engine calls handle, execute, the row operations and rollbackChanges on
@@ -41,7 +41,8 @@ public:
     virtual Fcodes acceptChanges() = 0;
     virtual Fcodes deleteRow(const std::string& table, int rowId) = 0;
     virtual Fcodes doExecute(const std::string& command, std::string& result) = 0;
-    // Takes ownership of the event.
+    // Borrows the event: whoever called it (the holder's worker) destroys it
+    // afterwards.
     virtual Fcodes doHandle(MessageEvent* event) = 0;
     // `result` receives the reply payload, without BODY tags.
     virtual Fcodes execute(const std::string& command, std::string& result) = 0;
@@ -60,7 +61,7 @@ public:
     virtual int getRowsNum(const std::string& table) = 0;
     virtual Fcodes getStringParam(const std::string& table, int rowId, const std::string& column,
                                   std::string& value) = 0;
-    // Takes ownership of the event.
+    // Takes ownership of the event (a heap object), whatever the result.
     virtual Fcodes handle(MessageEvent* event) = 0;
     // The new row's id, 0 on failure.
     virtual int newRow(const std::string& table, int rowId) = 0;
@@ -212,5 +213,11 @@ public:
     virtual bool isChangedProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, int index) = 0;
     virtual bool isChangedProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, const std::string& key) = 0;
+    // Drops one pending value, so that the committed one is in effect again
+    // (how a refused "SET" undoes what it wrote).
+    virtual Fcodes untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, int index) = 0;
+    virtual Fcodes untouchProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, const std::string& key) = 0;
 };

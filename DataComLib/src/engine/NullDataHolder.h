@@ -3,7 +3,7 @@
 #include "engine/IDataHolder.h"
 #include "records/MessageEvent.h"
 
-// A data holder without stores: every operation answers "Unsupported Request"
+// A data holder without stores: every operation answers FC_UNSUPPORTED
 // (row operations 0, look-ups nothing) and events handed to it are dropped.
 // The base of processes and test peers that need the messaging engine but
 // only a few of the holder's operations: they override those.
@@ -13,10 +13,7 @@ public:
     Fcodes acceptChanges() override { return FC_UNSUPPORTED; }
     Fcodes deleteRow(const std::string&, int) override { return FC_UNSUPPORTED; }
     Fcodes doExecute(const std::string&, std::string&) override { return FC_UNSUPPORTED; }
-    Fcodes doHandle(MessageEvent* event) override {
-        delete event;
-        return FC_UNSUPPORTED;
-    }
+    Fcodes doHandle(MessageEvent*) override { return FC_UNSUPPORTED; }
     Fcodes execute(const std::string&, std::string&) override { return FC_UNSUPPORTED; }
     Fcodes getIntParam(const std::string&, int, const std::string&, int&) override { return FC_UNSUPPORTED; }
     Fcodes getNewIntParam(const std::string&, int, const std::string&, int&) override { return FC_UNSUPPORTED; }
@@ -222,5 +219,11 @@ public:
     bool isChangedProperty(const std::string&, const std::string&, const std::string&, int) override { return false; }
     bool isChangedProperty(const std::string&, const std::string&, const std::string&, const std::string&) override {
         return false;
+    }
+    Fcodes untouchProperty(const std::string&, const std::string&, const std::string&, int) override {
+        return FC_UNSUPPORTED;
+    }
+    Fcodes untouchProperty(const std::string&, const std::string&, const std::string&, const std::string&) override {
+        return FC_UNSUPPORTED;
     }
 };

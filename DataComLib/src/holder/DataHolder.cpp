@@ -100,8 +100,8 @@ void DataHolder::dispatch(event_type& item) {
         std::string result;
         doExecute(*static_cast<std::string*>(item.data.get()), result);
     } else if (item.id == event_type::EVENT) {
-        // doHandle takes ownership of the event.
-        doHandle(static_cast<MessageEvent*>(item.data.release()));
+        // doHandle only borrows the event; it is destroyed with the item below.
+        doHandle(static_cast<MessageEvent*>(item.data.get()));
     } else {
         DBG(DBG_ERROR) << "doWork: unknown event arrived id=" << item.id;
     }
@@ -113,7 +113,7 @@ void DataHolder::enqueue(event_type item, const char* op) {
         std::lock_guard<std::mutex> guard(queueMutex);
         queue.push_back(std::move(item));
     }
-    // A failed post leaves the item queued; the next post runs it. "OK" all the same.
+    // A failed post leaves the item queued; the next post runs it. FC_OK all the same.
     if (sem_post(&semaphore) != 0)
         DBG(DBG_ERROR) << op << ": sem_post failed errno=" << errno;
 }

@@ -24,7 +24,8 @@ class DataTable;
 
 // One item of the holder's queue: a command text (id 1, size its length) or
 // an event (id 2, size of the event record). `data` owns the payload; its
-// deleter knows the kind, so whoever drops the item frees it.
+// deleter knows the kind, so whoever drops the item frees it: the worker, once
+// doExecute or doHandle has returned.
 struct event_type {
     enum : int32_t { COMMAND = 1, EVENT = 2 };
     int32_t id;
@@ -67,17 +68,19 @@ public:
     // Stops the engine's server thread, then the worker (after it has run the
     // queued items). Idempotent; never called from the worker.
     void shutdown();
-    // Queues the event (owned from now on); "OK" at once.
+    // Queues the event (owned from now on); FC_OK at once.
     Fcodes handle(MessageEvent* event) override;
-    // Queues a copy of the command; "OK" at once, `result` untouched.
+    // Queues a copy of the command; FC_OK at once, `result` untouched.
     Fcodes execute(const std::string& command, std::string& result) override;
     // The worker's command hook: "Accept Changes" and "Rollback Changes" as
-    // whole texts, anything else "No Such Name".
+    // whole texts, anything else FC_NO_SUCH_NAME.
     Fcodes doExecute(const std::string& command, std::string& result) override;
+    // The worker's event hook. The event is lent: the worker destroys it when
+    // doHandle returns, so a service keeps a copy of what it needs later.
     Fcodes doHandle(MessageEvent* event) override = 0;
     // Every tabular data set's changes accepted, in name order; the OR of their codes.
     Fcodes acceptChanges() override;
-    // Every tabular data set rolled back, in name order; always "OK".
+    // Every tabular data set rolled back, in name order; always FC_OK.
     Fcodes rollbackChanges() override;
     void lock() { mutex.lock(); }
     void unlock() { mutex.unlock(); }
@@ -104,18 +107,20 @@ public:
     Fcodes getDefValue(const std::string& table, const std::string& column, std::string& value) override;
     int getFirstRowIndex(const std::string& table) override;
     int getNextRowIndex(const std::string& table, int index) override;
-    // These two take no table lock, deliberately.
+    // These two take no table lock, deliberately: the table's last-row query
+    // locks the table itself, and a row count is stale once returned anyway.
     int getLastRowIndex(const std::string& table) override;
     int getRowsNum(const std::string& table) override;
     // Row id 0: the table's next free row; otherwise a row of that id (the
     // existing one when it is there). The row's id, 0 on failure.
     int newRow(const std::string& table, int rowId) override;
     int appendNewRow(const std::string& table) override;
-    // Does nothing and answers "OK", deliberately.
+    // Does nothing and answers FC_OK, deliberately: a table's columns come from
+    // its dataset file, and services must not change a layout at run time.
     Fcodes addColumnToTable(const std::string& dataSet, const std::string& table, const std::string& column,
                             const std::string& type, const std::string& access) override;
     // Takes ownership; a set already held under that name is destroyed and
-    // replaced. A null set is refused with "Bad Value". Not thread-safe
+    // replaced. A null set is refused with FC_BAD_VALUE. Not thread-safe
     // against table lookups: services add their sets at start-up.
     Fcodes addDataSet(const std::string& name, DataSet* dataSet) override;
     DataSet* getDataSet(const std::string& name) override;
@@ -125,8 +130,10 @@ public:
     std::vector<std::string> getColumnNames(const std::string& table) override;
 
     // --- JSON family, forwarded to the store (DataHolderJson.cpp) ---
-    // Without a store (its creation failed) every operation answers "Unavailable", false or nothing.
+    // Without a store (its creation failed) every operation answers FC_UNAVAILABLE, false or nothing.
 
+    // The store init installs (a DataSets from DataSetsFactory); a derived
+    // holder overrides it to hand in a store of its own. Owned by the holder.
     IDataSets* createDataSets() override;
     IDataSets* getDataSets() { return dataSets_json.get(); }
     Fcodes findDataSetWithComponent(std::string& dataSetName, const std::string& component) override;
@@ -221,6 +228,10 @@ public:
                            int index) override;
     bool isChangedProperty(const std::string& dataSet, const std::string& component, const std::string& property,
                            const std::string& key) override;
+    Fcodes untouchProperty(const std::string& dataSet, const std::string& component, const std::string& property,
+                           int index) override;
+    Fcodes untouchProperty(const std::string& dataSet, const std::string& component, const std::string& property,
+                           const std::string& key) override;
 
     // --- Remote family, forwarded to the engine (DataHolderRemote.cpp) ---
 
@@ -264,7 +275,7 @@ private:
     void dispatch(event_type& item);
     // Finds the table, row and item and runs `access` on the item under the
     // table's lock. A missing one is logged ("No such table/rowId/item",
-    // prefixed with `op`) and answered "No Such Name".
+    // prefixed with `op`) and answered FC_NO_SUCH_NAME.
     Fcodes withItem(const char* op, const std::string& table, int rowId, const std::string& column,
                     const std::function<Fcodes(DataItem&)>& access);
     // Runs `access` on the table under its lock; `missing` when there is no table.

@@ -1,6 +1,6 @@
 // The JSON family: every operation forwarded unchanged to the store made by
 // createDataSets. Without a store (its creation failed and was logged) the
-// operations answer "Unavailable", or false.
+// operations answer FC_UNAVAILABLE, or false.
 #include "holder/DataHolder.h"
 #include "json/DataSetsFactory.h"
 
@@ -277,4 +277,14 @@ bool DataHolder::isChangedProperty(const std::string& dataSet, const std::string
 bool DataHolder::isChangedProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, const std::string& key) {
     return dataSets_json ? dataSets_json->isChangedProperty(dataSet, component, property, key) : false;
+}
+
+Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, int index) {
+    return dataSets_json ? dataSets_json->untouchProperty(dataSet, component, property, index) : FC_UNAVAILABLE;
+}
+
+Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string& component,
+                                   const std::string& property, const std::string& key) {
+    return dataSets_json ? dataSets_json->untouchProperty(dataSet, component, property, key) : FC_UNAVAILABLE;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <json/json.h>
-#include <pthread.h>
 
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -17,14 +17,17 @@
 // Locking: one recursive mutex guards both trees; every public operation holds
 // it while it touches them (file reading and writing happen outside it), so the
 // data holder's worker and the messaging threads are serialised. It is
-// recursive so that callers may bracket several operations with lock()/unlock().
+// recursive because the pending reads fall back to the committed reads through
+// the virtual interface while holding it, and so that callers may bracket
+// several operations with lock()/unlock().
 //
-// Failures: 0x10008 unknown names, 0x10010 type mismatches, 0x10020 a value
-// outside an enumeration, a text that is no integer or a name that exists
-// already, 0x10002 a document that cannot be parsed or a jsoncpp exception
-// (logged with the operation's name), 0x10100 a store that could not be
-// written. A failing operation leaves both trees as they were, except that an
-// update keeps the changes it made before it failed.
+// Failures: FC_NO_SUCH_NAME unknown names; FC_WRONG_TYPE a property without a
+// definition, or whose committed value is not of the kind its type admits;
+// FC_BAD_VALUE a value outside an enumeration, a text that is no integer or a
+// name that exists already; FC_BODY_ERROR a document that cannot be parsed or
+// a jsoncpp exception (logged with the operation's name); FC_UNAVAILABLE a
+// store that could not be written. A failing operation leaves both trees as
+// they were, except that an update keeps the changes it made before it failed.
 class DataSets : public IDataSets {
 public:
     DataSets();
@@ -32,15 +35,17 @@ public:
     DataSets(const DataSets&) = delete;
     DataSets& operator=(const DataSets&) = delete;
 
-    // Loading replaces a dataset of the same name and drops its pending
-    // values, which belonged to the old document.
+    // Loading replaces the committed document of a dataset of the same name;
+    // its pending values stay, to be committed onto the new one or rolled back.
     Fcodes loadDataSet(const std::string& file) override;
     Fcodes loadDataSet(const std::string& name, const std::string& file) override;
     // Writes the committed document only, atomically (temporary file, fsync,
-    // rename); the file is written after the lock is released.
+    // rename); the file is written after the lock is released. A write that
+    // fails is reported (FC_UNAVAILABLE, with the errno in the log) rather than
+    // passed over: whoever stores settings must learn they were not saved.
     Fcodes storeDataSet(const std::string& name, const std::string& file) override;
     // A new empty document {"dataset": name, "components": {}}; an existing
-    // name is refused with 0x10020.
+    // name is refused with FC_BAD_VALUE.
     Fcodes addDataSet(const std::string& name) override;
     Fcodes deleteDataSet(const std::string& name) override;
     Fcodes updateDataSet(const std::string& source, const std::string& reference, bool keepExtras, bool addMissing,
@@ -48,7 +53,7 @@ public:
     // The first dataset, in name order, that has the component.
     Fcodes findDataSetWithComponent(std::string& dataSetName, const std::string& component) override;
 
-    // A new component {"properties": {}}; an existing one is refused (0x10020).
+    // A new component {"properties": {}}; an existing one is refused (FC_BAD_VALUE).
     Fcodes addComponent(const std::string& dataSet, const std::string& component) override;
     Fcodes deleteComponent(const std::string& dataSet, const std::string& component) override;
     // Replaces (or adds) the component with the one given as JSON text, which
@@ -141,8 +146,9 @@ public:
     Fcodes initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                          bool value, const std::string& key) override;
 
-    // Touching copies every committed value into the overlay, so that the next
-    // commit rewrites them all; values already pending stay as they are.
+    // Touching makes the pending entry a full copy of the committed one, so
+    // that the next commit rewrites every value; values pending before are
+    // replaced by the committed ones.
     Fcodes touchDataSet(const std::string& dataSet) override;
     Fcodes untouchDataSet(const std::string& dataSet) override;
     Fcodes touchComponent(const std::string& dataSet, const std::string& component) override;
@@ -158,15 +164,15 @@ public:
                            int index) override;
 
     // The JSON request interface is not used by the appliance's channel
-    // manager; these answer 0x10080 (Unsupported Request) with an explaining
+    // manager; these answer FC_UNSUPPORTED with an explaining
     // "fcode"/"description" in the response.
     Fcodes setParams(const Json::Value& request, Json::Value& response) override;
     Fcodes getParams(const Json::Value& request, Json::Value& response) override;
     Fcodes fetchPropertyNames(const Json::Value& request, Json::Value& response) override;
     Fcodes fetchComponentKeys(const Json::Value& request, Json::Value& response) override;
 
-    // Copies pending values into existing committed instances (an instance
-    // removed meanwhile is skipped) and clears them.
+    // Copies exactly what is pending into the committed documents (instances
+    // missing there are created) and clears it.
     Fcodes commit() override;
     Fcodes commitComponent(const std::string& dataSet, const std::string& component) override;
     Fcodes rollback() override;
@@ -203,7 +209,7 @@ private:
     };
 
     // Runs `body` under the lock, turning any exception into a log line
-    // "<op>: Exc: ..." and 0x10002 (false for the bool-valued tests).
+    // "<op>: Exc: ..." and FC_BODY_ERROR (false for the bool-valued tests).
     template <typename Body>
     auto guarded(const char* op, Body&& body) -> decltype(body());
 
@@ -211,6 +217,7 @@ private:
     const Json::Value* committedComponent(const std::string& dataSet, const std::string& component) const;
     Json::Value* writableComponent(const std::string& dataSet, const std::string& component);
     const Json::Value* pendingComponent(const std::string& dataSet, const std::string& component) const;
+    Json::Value* pendingComponent(const std::string& dataSet, const std::string& component);
     const Json::Value* pendingValue(const std::string& dataSet, const std::string& component,
                                     const std::string& property, const Selector& selector) const;
 
@@ -250,7 +257,7 @@ private:
 
     Json::Value datasets{Json::objectValue};
     Json::Value changes{Json::objectValue};
-    pthread_mutex_t mutex;
+    std::recursive_mutex mutex;
 };
 
 // ---- inline template definitions ----

@@ -33,27 +33,37 @@ bool holdsPending(const Json::Value& component) {
     return false;
 }
 
-// Copies the pending values of a component into `target` (the committed
-// component, or a copy of it). Values go only into instances that exist in
-// `target`: one removed since the set is skipped rather than recreated.
+// The member `name` of the object `node`, made an empty container of `kind`
+// when it is missing.
+Json::Value& memberOrNew(Json::Value& node, const std::string& name, Json::ValueType kind) {
+    Json::Value* found = member(node, name);
+    return found ? *found : (node[name] = Json::Value(kind));
+}
+
+// Copies exactly what the pending component holds into the committed one
+// (`target`): every property of its "instance", and every instance of its
+// "instances" with every property under it. An instance or container missing
+// on the committed side is created to take the values. What cannot take them
+// without reshaping the document stays as it is: a container of the other kind,
+// and an array element past the committed end (its index would need made-up
+// instances before it).
 void mergeInstances(const Json::Value& pending, Json::Value& target) {
-    const Json::Value* single = member(pending, jsonkeys::INSTANCE);
-    Json::Value* targetSingle = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCE));
-    if (single && targetSingle)
-        copyValues(*single, *targetSingle);
-    const Json::Value* instances = member(pending, jsonkeys::INSTANCES);
-    Json::Value* targetInstances = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCES));
-    if (!instances || !targetInstances)
+    if (!target.isObject())
         return;
-    if (instances->isObject() && targetInstances->isObject()) {
-        for (auto it = instances->begin(); it != instances->end(); ++it) {
-            Json::Value* into = const_cast<Json::Value*>(member(*targetInstances, it.name()));
-            if (into)
-                copyValues(*it, *into);
-        }
-    } else if (instances->isArray() && targetInstances->isArray()) {
-        for (Json::ArrayIndex i = 0; i < instances->size() && i < targetInstances->size(); ++i)
-            copyValues((*instances)[i], (*targetInstances)[i]);
+    const Json::Value* single = member(pending, jsonkeys::INSTANCE);
+    if (single && single->isObject())
+        copyValues(*single, memberOrNew(target, jsonkeys::INSTANCE, Json::objectValue));
+    const Json::Value* instances = member(pending, jsonkeys::INSTANCES);
+    if (!instances || !(instances->isObject() || instances->isArray()))
+        return;
+    Json::Value& targetInstances = memberOrNew(target, jsonkeys::INSTANCES, instances->type());
+    if (instances->isObject() && targetInstances.isObject()) {
+        for (auto it = instances->begin(); it != instances->end(); ++it)
+            if (it->isObject())
+                copyValues(*it, memberOrNew(targetInstances, it.name(), Json::objectValue));
+    } else if (instances->isArray() && targetInstances.isArray()) {
+        for (Json::ArrayIndex i = 0; i < instances->size() && i < targetInstances.size(); ++i)
+            copyValues((*instances)[i], targetInstances[i]);
     }
 }
 
@@ -66,7 +76,7 @@ void DataSets::applyPending(const std::string& dataSet, const std::string& compo
 }
 
 void DataSets::dropPendingComponent(const std::string& dataSet, const std::string& component) {
-    Json::Value* comps = const_cast<Json::Value*>(member(member(changes, dataSet), jsonkeys::COMPONENTS));
+    Json::Value* comps = member(member(changes, dataSet), jsonkeys::COMPONENTS);
     if (!comps || !comps->isObject())
         return;
     comps->removeMember(component);
@@ -127,16 +137,9 @@ Fcodes DataSets::touchDataSet(const std::string& dataSet) {
             DBG(DBG_ERROR) << "touchDataSet: Not found dataset=" << dataSet;
             return FC_NO_SUCH_NAME;
         }
-        // The copy keeps values already pending: touching must not undo an edit.
+        // The pending entry becomes a full copy of the committed document:
+        // values pending before are replaced by the committed ones.
         Json::Value copy = *document;
-        const Json::Value* pendingComps = member(member(changes, dataSet), jsonkeys::COMPONENTS);
-        Json::Value* copyComps = const_cast<Json::Value*>(member(copy, jsonkeys::COMPONENTS));
-        if (pendingComps && pendingComps->isObject() && copyComps)
-            for (auto it = pendingComps->begin(); it != pendingComps->end(); ++it) {
-                Json::Value* into = const_cast<Json::Value*>(member(*copyComps, it.name()));
-                if (into)
-                    mergeInstances(*it, *into);
-            }
         changes[dataSet].swap(copy);
         return FC_OK;
     });
@@ -160,10 +163,8 @@ Fcodes DataSets::touchComponent(const std::string& dataSet, const std::string& c
         const Json::Value* pendingComps = member(pendingSet, jsonkeys::COMPONENTS);
         if ((pendingSet && !pendingSet->isObject()) || (pendingComps && !pendingComps->isObject()))
             return FC_WRONG_TYPE;
+        // A full copy of the committed component, as touchDataSet makes.
         Json::Value copy = *comp;
-        const Json::Value* pending = pendingComponent(dataSet, component);
-        if (pending)
-            mergeInstances(*pending, copy);
         changes[dataSet][jsonkeys::COMPONENTS][component].swap(copy);
         return FC_OK;
     });
@@ -179,8 +180,8 @@ Fcodes DataSets::untouchComponent(const std::string& dataSet, const std::string&
 Fcodes DataSets::untouchAt(const std::string& dataSet, const std::string& component, const std::string& property,
                            const Selector& selector) {
     return guarded("untouchProperty", [&] {
-        const Json::Value* pending = pendingComponent(dataSet, component);
-        Json::Value* instance = pending ? const_cast<Json::Value*>(dsjson::instanceOf(*pending, selector)) : nullptr;
+        Json::Value* pending = pendingComponent(dataSet, component);
+        Json::Value* instance = pending ? dsjson::instanceOf(*pending, selector) : nullptr;
         if (instance)
             instance->removeMember(property);
         prunePending(dataSet, component);
@@ -210,12 +211,20 @@ bool DataSets::isChangedComponent(const std::string& dataSet, const std::string&
     return guarded("isChangedComponent", [&] { return pendingComponent(dataSet, component) != nullptr; });
 }
 
-// The instance (and property) exists in the overlay; padding nulls of an
-// index-form array do not count.
+// The instance (and property) is a member of the overlay along the path:
+// "instances" by key, "instance" for the empty key, or an element of the
+// "instances" array. Exactly what `changes` holds, so an element an index-form
+// write put before its own instance (a null) counts too.
 bool DataSets::changedAt(const std::string& dataSet, const std::string& component, const Selector& selector,
                          const std::string* property) const {
     const Json::Value* pending = pendingComponent(dataSet, component);
-    const Json::Value* instance = pending ? dsjson::instanceOf(*pending, selector) : nullptr;
+    const Json::Value* instance = nullptr;
+    if (selector.isIndex())
+        instance = dsjson::element(member(pending, jsonkeys::INSTANCES), selector.index);
+    else if (selector.isSingle())
+        instance = member(pending, jsonkeys::INSTANCE);
+    else
+        instance = member(member(pending, jsonkeys::INSTANCES), *selector.key);
     if (!instance)
         return false;
     return !property || member(*instance, *property) != nullptr;

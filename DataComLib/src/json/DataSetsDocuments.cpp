@@ -11,32 +11,16 @@
 
 using dsjson::member;
 
-DataSets::DataSets() {
-    pthread_mutexattr_t attr;
-    int error = pthread_mutexattr_init(&attr);
-    if (error != 0)
-        DBG(DBG_ERROR) << "DataSets: pthread_mutexattr_init failed errno=" << error;
-    error = pthread_mutexattr_settype(&attr, PTHREAD_MUTEX_RECURSIVE);
-    if (error != 0)
-        DBG(DBG_ERROR) << "DataSets: pthread_mutexattr_settype PTHREAD_MUTEX_RECURSIVE failed errno=" << error;
-    error = pthread_mutex_init(&mutex, &attr);
-    if (error != 0)
-        DBG(DBG_ERROR) << "DataSets: pthread_mutex_init failed errno=" << error;
-    error = pthread_mutexattr_destroy(&attr);
-    if (error != 0)
-        DBG(DBG_ERROR) << "DataSets: pthread_mutexattr_destroy failed errno=" << error;
-}
+DataSets::DataSets() = default;
 
-DataSets::~DataSets() {
-    pthread_mutex_destroy(&mutex);
-}
+DataSets::~DataSets() = default;
 
 void DataSets::lock() {
-    pthread_mutex_lock(&mutex);
+    mutex.lock();
 }
 
 void DataSets::unlock() {
-    pthread_mutex_unlock(&mutex);
+    mutex.unlock();
 }
 
 const Json::Value* DataSets::committedComponent(const std::string& dataSet, const std::string& component) const {
@@ -44,10 +28,14 @@ const Json::Value* DataSets::committedComponent(const std::string& dataSet, cons
 }
 
 Json::Value* DataSets::writableComponent(const std::string& dataSet, const std::string& component) {
-    return const_cast<Json::Value*>(committedComponent(dataSet, component));
+    return member(member(member(datasets, dataSet), jsonkeys::COMPONENTS), component);
 }
 
 const Json::Value* DataSets::pendingComponent(const std::string& dataSet, const std::string& component) const {
+    return member(member(member(changes, dataSet), jsonkeys::COMPONENTS), component);
+}
+
+Json::Value* DataSets::pendingComponent(const std::string& dataSet, const std::string& component) {
     return member(member(member(changes, dataSet), jsonkeys::COMPONENTS), component);
 }
 
@@ -87,8 +75,9 @@ Fcodes DataSets::loadDocument(const std::string* name, const std::string& file) 
         }
         const std::string key = name ? *name : declared->asString();
         Guard guard(*this);
+        // Pending values stay: they are edits still to be committed onto (or
+        // rolled back from) the document now in place.
         datasets[key].swap(root);
-        changes.removeMember(key);
         return FC_OK;
     } catch (...) {
         DBG(DBG_ERROR) << "loadDataSet: Exc: Couldn't load dataset file=" << file;
@@ -158,7 +147,7 @@ Fcodes DataSets::findDataSetWithComponent(std::string& dataSetName, const std::s
 
 Fcodes DataSets::addComponent(const std::string& dataSet, const std::string& component) {
     return guarded("addComponent", [&] {
-        const Json::Value* components = member(member(datasets, dataSet), jsonkeys::COMPONENTS);
+        Json::Value* components = member(member(datasets, dataSet), jsonkeys::COMPONENTS);
         if (!components || !components->isObject()) {
             DBG(DBG_ERROR) << "addComponent: No such name dataset=" << dataSet;
             return FC_NO_SUCH_NAME;
@@ -169,7 +158,7 @@ Fcodes DataSets::addComponent(const std::string& dataSet, const std::string& com
         }
         Json::Value fresh(Json::objectValue);
         fresh[jsonkeys::PROPERTIES] = Json::Value(Json::objectValue);
-        const_cast<Json::Value&>(*components)[component].swap(fresh);
+        (*components)[component].swap(fresh);
         return FC_OK;
     });
 }
@@ -194,12 +183,12 @@ Fcodes DataSets::loadComponent(const std::string& dataSet, const std::string& co
         return FC_BODY_ERROR;
     }
     return guarded("loadComponent", [&] {
-        const Json::Value* components = member(member(datasets, dataSet), jsonkeys::COMPONENTS);
+        Json::Value* components = member(member(datasets, dataSet), jsonkeys::COMPONENTS);
         if (!components || !components->isObject()) {
             DBG(DBG_ERROR) << "loadComponent: No such name dataset=" << dataSet;
             return FC_NO_SUCH_NAME;
         }
-        const_cast<Json::Value&>(*components)[component].swap(parsed);
+        (*components)[component].swap(parsed);
         dropPendingComponent(dataSet, component);
         return FC_OK;
     });

@@ -1,9 +1,12 @@
 #pragma once
 
-#include "json/IDataSetFactory.h"
+#include "json/IDataSets.h"
 
-// The production factory: makes a `DataSets` store.
-class DataSetsFactory : public IDataSetFactory {
+// Makes the JSON dataset store a data holder installs: a `DataSets`. A holder
+// that needs another store (a test's, say) overrides
+// DataHolder::createDataSets instead.
+class DataSetsFactory {
 public:
-    IDataSets* createDataSets() override;
+    // A new, empty store, owned by the caller.
+    IDataSets* createDataSets();
 };

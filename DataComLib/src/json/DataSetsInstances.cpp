@@ -96,8 +96,8 @@ Fcodes DataSets::removeInstance(const std::string& dataSet, const std::string& c
         Json::Value& list = (*comp)[jsonkeys::INSTANCES];
         list = withoutElement(list, index);
         // Pending values follow their instances: later indexes shift down too.
-        const Json::Value* pending = pendingComponent(dataSet, component);
-        Json::Value* pendingList = const_cast<Json::Value*>(member(pending, jsonkeys::INSTANCES));
+        Json::Value* pending = pendingComponent(dataSet, component);
+        Json::Value* pendingList = member(pending, jsonkeys::INSTANCES);
         if (pendingList && pendingList->isArray())
             *pendingList = withoutElement(*pendingList, index);
         prunePending(dataSet, component);
@@ -117,14 +117,14 @@ Fcodes DataSets::removeInstance(const std::string& dataSet, const std::string& c
                            << " key=" << key;
             return FC_NO_SUCH_NAME;
         }
-        Json::Value* pending = const_cast<Json::Value*>(pendingComponent(dataSet, component));
+        Json::Value* pending = pendingComponent(dataSet, component);
         if (key.empty()) {
             comp->removeMember(jsonkeys::INSTANCE);
             if (pending && pending->isObject())
                 pending->removeMember(jsonkeys::INSTANCE);
         } else {
             (*comp)[jsonkeys::INSTANCES].removeMember(key);
-            Json::Value* pendingMap = const_cast<Json::Value*>(member(pending, jsonkeys::INSTANCES));
+            Json::Value* pendingMap = member(pending, jsonkeys::INSTANCES);
             if (pendingMap && pendingMap->isObject())
                 pendingMap->removeMember(key);
         }
@@ -140,10 +140,10 @@ Fcodes DataSets::clearComponent(const std::string& dataSet, const std::string& c
             DBG(DBG_ERROR) << "clearComponent: No such name dataset=" << dataSet << " comp=" << component;
             return FC_NO_SUCH_NAME;
         }
-        Json::Value* instances = const_cast<Json::Value*>(member(*comp, jsonkeys::INSTANCES));
+        Json::Value* instances = member(*comp, jsonkeys::INSTANCES);
         if (instances && (instances->isArray() || instances->isObject()))
             *instances = Json::Value(instances->type());
-        Json::Value* pending = const_cast<Json::Value*>(pendingComponent(dataSet, component));
+        Json::Value* pending = pendingComponent(dataSet, component);
         if (pending && pending->isObject())
             pending->removeMember(jsonkeys::INSTANCES);
         prunePending(dataSet, component);

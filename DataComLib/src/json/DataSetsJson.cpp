@@ -30,12 +30,35 @@ const Json::Value* element(const Json::Value& node, int index) {
     return &node[static_cast<Json::ArrayIndex>(index)];
 }
 
+Json::Value* member(Json::Value& node, const std::string& name) {
+    if (!node.isObject() || !node.isMember(name))
+        return nullptr;
+    return &node[name];  // present: operator[] finds it, inserts nothing
+}
+
+Json::Value* element(Json::Value& node, int index) {
+    if (!node.isArray() || index < 0 || static_cast<Json::ArrayIndex>(index) >= node.size())
+        return nullptr;
+    return &node[static_cast<Json::ArrayIndex>(index)];
+}
+
 std::string Selector::text() const {
     return isIndex() ? std::to_string(index) : *key;
 }
 
 const Json::Value* instanceOf(const Json::Value& component, const Selector& selector) {
     const Json::Value* found = nullptr;
+    if (selector.isIndex())
+        found = element(member(component, jsonkeys::INSTANCES), selector.index);
+    else if (selector.isSingle())
+        found = member(component, jsonkeys::INSTANCE);
+    else
+        found = member(member(component, jsonkeys::INSTANCES), *selector.key);
+    return found && found->isObject() ? found : nullptr;
+}
+
+Json::Value* instanceOf(Json::Value& component, const Selector& selector) {
+    Json::Value* found = nullptr;
     if (selector.isIndex())
         found = element(member(component, jsonkeys::INSTANCES), selector.index);
     else if (selector.isSingle())

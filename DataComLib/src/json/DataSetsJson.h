@@ -4,22 +4,32 @@
 
 #include <string>
 
-// Read-only navigation and value helpers over dataset documents, shared by
-// the parts of the JSON store. Every lookup is const: jsoncpp's non-const
-// operator[] would insert a null member for a missing name and so grow the
-// document on a mere read. None of these throws on a wrongly shaped document;
-// a node of the wrong kind reads as absent.
+// Navigation and value helpers over dataset documents, shared by the parts of
+// the JSON store. No lookup inserts anything: jsoncpp's non-const operator[]
+// would add a null member for a missing name and so grow the document on a
+// mere read. The lookups come in pairs: on a const node they give a const
+// node, on a writable one a writable node, so that writers need no casts.
+// None of these throws on a wrongly shaped document; a node of the wrong kind
+// reads as absent.
 namespace dsjson {
 
 // The member `name` of `node`, or null when `node` is not an object or lacks it.
 const Json::Value* member(const Json::Value& node, const std::string& name);
 // The element `index` of `node`, or null when `node` is not an array or too short.
 const Json::Value* element(const Json::Value& node, int index);
+Json::Value* member(Json::Value& node, const std::string& name);
+Json::Value* element(Json::Value& node, int index);
 // Null-tolerant chaining: the same lookups on a node that may be absent.
 inline const Json::Value* member(const Json::Value* node, const std::string& name) {
     return node ? member(*node, name) : nullptr;
 }
 inline const Json::Value* element(const Json::Value* node, int index) {
+    return node ? element(*node, index) : nullptr;
+}
+inline Json::Value* member(Json::Value* node, const std::string& name) {
+    return node ? member(*node, name) : nullptr;
+}
+inline Json::Value* element(Json::Value* node, int index) {
     return node ? element(*node, index) : nullptr;
 }
 
@@ -40,6 +50,7 @@ struct Selector {
 
 // The instance object of `component` at `selector`, or null.
 const Json::Value* instanceOf(const Json::Value& component, const Selector& selector);
+Json::Value* instanceOf(Json::Value& component, const Selector& selector);
 
 // The compact text jsoncpp writes for a value ("\"boolean\"", 7, true), for log lines.
 std::string compactText(const Json::Value& value);

@@ -111,8 +111,9 @@ Fcodes DataSets::admit(const char* op, const Json::Value& definition, const Json
                        const std::string& component, const std::string& property, const Selector& selector) const {
     const Json::Value* typeNode = member(definition, jsonkeys::TYPE);
     const std::string type = typeNode && typeNode->isString() ? typeNode->asString() : std::string();
-    // A defined property without a value in this instance is judged by its type alone.
-    auto committedIs = [&](bool (Json::Value::*test)() const) { return !committedValue || (committedValue->*test)(); };
+    // The committed value must be of the kind the declared type admits; one
+    // that is missing is of no kind. (An enumeration is judged by its values.)
+    auto committedIs = [&](bool (Json::Value::*test)() const) { return committedValue && (committedValue->*test)(); };
     const ParamPath path{op, dataSet, component, property, selector};
 
     if (type == jsonkeys::TYPE_ENUM && !offered.isBool()) {
@@ -204,14 +205,16 @@ Fcodes DataSets::writeParam(const char* op, bool pending, const std::string& dat
     return guarded(op, [&] {
         const ParamPath path{op, dataSet, component, property, selector};
         Json::Value* comp = writableComponent(dataSet, component);
-        Json::Value* instance = comp ? const_cast<Json::Value*>(dsjson::instanceOf(*comp, selector)) : nullptr;
+        Json::Value* instance = comp ? dsjson::instanceOf(*comp, selector) : nullptr;
         const Json::Value* definition = comp ? member(member(*comp, jsonkeys::PROPERTIES), property) : nullptr;
-        if (!instance || !definition) {
+        if (!instance) {
             DBG(DBG_ERROR) << path << " No such name.";
             return FC_NO_SUCH_NAME;
         }
+        // A property without a definition has no type to admit anything.
+        const Json::Value undefined;
         Json::Value stored;
-        Fcodes admitted = admit(op, *definition, member(*instance, property), offered, stored, dataSet, component,
+        Fcodes admitted = admit(op, definition ? *definition : undefined, member(*instance, property), offered, stored, dataSet, component,
                                 property, selector);
         if (!isOk(admitted))
             return admitted;

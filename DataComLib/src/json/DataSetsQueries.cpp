@@ -25,7 +25,7 @@ void forEachInstance(const Json::Value& component, Visit&& visit) {
 }
 
 // Fills `keys` with the instances of `comp` that `wanted(key, instance)`
-// accepts; an unknown component is logged with `op` and gives 0x10008.
+// accepts; an unknown component is logged with `op` and gives FC_NO_SUCH_NAME.
 template <typename Wanted>
 Fcodes collectInstances(const char* op, const Json::Value* comp, const std::string& dataSet,
                         const std::string& component, std::vector<std::string>& keys, Wanted&& wanted) {
@@ -149,7 +149,7 @@ Fcodes DataSets::getComponentPropertyDefault(const std::string& dataSet, const s
 namespace {
 
 // The JSON request interface has no user on the appliance yet; it answers
-// "Unsupported Request" in the response rather than guess a format.
+// FC_UNSUPPORTED in the response rather than guess a format.
 Fcodes unsupportedRequest(const char* op, Json::Value& response) {
     DBG(DBG_WARN) << op << ": request interface not supported";
     response = Json::Value(Json::objectValue);

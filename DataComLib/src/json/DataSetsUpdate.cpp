@@ -41,8 +41,8 @@ void DataSets::addMissingProperties(const std::string& source, const std::string
         }
         const char* how = nullptr;
         const Json::Value derived = dsjson::derivedDefault(definition, &how);
-        Json::Value* instances = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCES));
-        Json::Value* single = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCE));
+        Json::Value* instances = member(target, jsonkeys::INSTANCES);
+        Json::Value* single = member(target, jsonkeys::INSTANCE);
         if (instances && instances->isArray()) {
             for (Json::ArrayIndex i = 0; i < instances->size(); ++i) {
                 Json::Value& instance = (*instances)[i];
@@ -87,7 +87,7 @@ void DataSets::addMissingProperties(const std::string& source, const std::string
 // Removes definitions the reference no longer has, with their values.
 void DataSets::removeExtraProperties(const std::string& name, Json::Value& target, const Json::Value& model) {
     DBG(DBG_INFO) << "updateDataSet: Removing non-existent properties from comp=" << name;
-    Json::Value* properties = const_cast<Json::Value*>(member(target, jsonkeys::PROPERTIES));
+    Json::Value* properties = member(target, jsonkeys::PROPERTIES);
     if (!properties || !properties->isObject())
         return;
     const Json::Value* modelProps = member(model, jsonkeys::PROPERTIES);
@@ -98,7 +98,7 @@ void DataSets::removeExtraProperties(const std::string& name, Json::Value& targe
         DBG(DBG_INFO) << "updateDataSet: Removing property=" << property;
         properties->removeMember(property);
         DBG(DBG_INFO) << "updateDataSet: Removing non-existent values prop=" << property;
-        Json::Value* instances = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCES));
+        Json::Value* instances = member(target, jsonkeys::INSTANCES);
         if (instances && instances->isArray()) {
             for (Json::ArrayIndex i = 0; i < instances->size(); ++i) {
                 if (member((*instances)[i], property)) {
@@ -114,7 +114,7 @@ void DataSets::removeExtraProperties(const std::string& name, Json::Value& targe
                 }
             }
         }
-        Json::Value* single = const_cast<Json::Value*>(member(target, jsonkeys::INSTANCE));
+        Json::Value* single = member(target, jsonkeys::INSTANCE);
         if (member(single, property)) {
             DBG(DBG_INFO) << "updateDataSet: Removing value from single inst prop=" << property;
             single->removeMember(property);
@@ -149,13 +149,13 @@ Fcodes DataSets::updateDataSet(const std::string& source, const std::string& ref
     return guarded("updateDataSet", [&] {
         try {
             DBG(DBG_INFO) << "updateDataSet: src=" << source << " ref=" << reference;
-            Json::Value* src = const_cast<Json::Value*>(member(datasets, source));
+            Json::Value* src = member(datasets, source);
             const Json::Value* ref = member(datasets, reference);
             if (!src || !ref) {
                 DBG(DBG_ERROR) << "updateDataSet: Not found src=" << source << " OR ref=" << reference;
                 return FC_NO_SUCH_NAME;
             }
-            Json::Value* targets = const_cast<Json::Value*>(member(*src, jsonkeys::COMPONENTS));
+            Json::Value* targets = member(*src, jsonkeys::COMPONENTS);
             const Json::Value* models = member(*ref, jsonkeys::COMPONENTS);
             if (!targets || !targets->isObject() || !models || !models->isObject()) {
                 DBG(DBG_ERROR) << "updateDataSet: Not found Components in src=" << source << " OR ref=" << reference;
@@ -163,7 +163,7 @@ Fcodes DataSets::updateDataSet(const std::string& source, const std::string& ref
             }
             for (auto it = models->begin(); it != models->end(); ++it) {
                 const std::string name = it.name();
-                Json::Value* target = const_cast<Json::Value*>(member(*targets, name));
+                Json::Value* target = member(*targets, name);
                 if (!target) {
                     DBG(DBG_INFO) << "updateDataSet: Adding comp=" << name << " to src_dataset=" << source;
                     (*targets)[name] = *it;

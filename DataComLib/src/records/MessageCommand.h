@@ -14,7 +14,7 @@ public:
     // Replaces `out` with the command's tag text. One indent level less than
     // an event's: the requester adds a tab in front when it wraps the body.
     void toString(std::string& out) const;
-    // Requires ID (0x10002 when missing); parameters are merged, not cleared first.
+    // Requires ID (FC_BODY_ERROR when missing); parameters are merged, not cleared first.
     Fcodes initFromString(const std::string& text);
 
     std::string id = "NULL";

@@ -12,7 +12,7 @@ public:
     // Replaces `out` with the event's tag text (attributes first, then the
     // parameters in name order). Nothing is escaped.
     void toString(std::string& out) const;
-    // Requires ID (0x10002 when missing); every other attribute is optional and
+    // Requires ID (FC_BODY_ERROR when missing); every other attribute is optional and
     // keeps its previous value. Parameters are merged, not cleared first.
     Fcodes initFromString(const std::string& text);
 

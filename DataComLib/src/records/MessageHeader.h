@@ -12,7 +12,7 @@ class MessageHeader {
 public:
     // Appends (does not replace) the header text to `out`.
     void toString(std::string& out) const;
-    // Reads ID, Type and Size (each required, 0x10001 when missing) and the
+    // Reads ID, Type and Size (each required, FC_HEADER_ERROR when missing) and the
     // optional Fcode; fields read before a failure keep their new values.
     Fcodes initFromString(const std::string& text);
 

@@ -58,7 +58,8 @@ constexpr int DBG_LEVEL_SILENT = 5;
 constexpr int DBG_LEVEL_VERBOSE = 0;
 
 // Time-out and delay arguments, in whole seconds: 0 waits without limit,
-// NO_WAIT (all ones) polls once without waiting and never sleeps.
+// NO_WAIT (all ones) polls a read once without waiting and never sleeps
+// between the tries of a send (each try still has the socket's send time-out).
 constexpr unsigned WAIT_FOREVER = 0;
 constexpr unsigned NO_WAIT = static_cast<unsigned>(-1);
 // Time-out and tries every request of the appliance uses.

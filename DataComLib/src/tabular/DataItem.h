@@ -107,5 +107,7 @@ private:
 // Points `item` at a replacement column of its name. The first rule that
 // applies wins: an enumeration text the new column lacks, or a change to an
 // integer column, resets the item to the new default; otherwise both values
-// stay (an enumeration index is deliberately not re-mapped). Logged as `caller`.
+// stay. An enumeration index is deliberately not re-mapped: enumerations grow
+// by appending entries, so a stored index still names the same entry.
+// Logged as `caller`.
 void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& columnName, const char* caller);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -80,7 +81,7 @@ TEST(DataCommunicatorTransport, ReadMsgTimeOutConvention) {
     late.join();
 }
 
-TEST(DataCommunicatorTransport, SendMessageOneDatagramAndNoWaitOnFullPeer) {
+TEST(DataCommunicatorTransport, SendMessageOneDatagramAndRetriesOnFullPeer) {
     DataCommunicator engine;
     engine.init(nullptr, "/tmp/sockA", "/tmp/sockASend", "tA");
     RawPeer peer("/tmp/sockPeer");
@@ -103,13 +104,30 @@ TEST(DataCommunicatorTransport, SendMessageOneDatagramAndNoWaitOnFullPeer) {
     EXPECT_EQ(engine.sendMessage(engine.getSendSocket(), header, "", gone.get(), gone.length(), 10, 3), FC_COMM_ERROR);
     EXPECT_LT(secondsSince(start), 0.5);
 
-    // A peer whose queue is full: with NO_WAIT every try returns at once.
-    while (isOk(engine.sendMessage(engine.getSendSocket(), header, "x", to.get(), to.length(), wire::NO_WAIT, 1))) {
+    // A peer whose queue is full, from a socket whose send time-out is 100 ms
+    // (the engine's own is 1 s): each try waits that long for room.
+    RawPeer sender("/tmp/sockSender");
+    const timeval shortWait{0, 100000};
+    ASSERT_EQ(setsockopt(sender.fd, SOL_SOCKET, SO_SNDTIMEO, &shortWait, sizeof shortWait), 0);
+    while (isOk(engine.sendMessage(sender.fd, header, "x", to.get(), to.length(), wire::NO_WAIT, 1))) {
     }
+    // NO_WAIT: three tries, no sleep between them.
     start = std::chrono::steady_clock::now();
-    EXPECT_EQ(engine.sendMessage(engine.getSendSocket(), header, "x", to.get(), to.length(), wire::NO_WAIT, 3),
-              FC_COMM_ERROR);
-    EXPECT_LT(secondsSince(start), 0.5);
+    EXPECT_EQ(engine.sendMessage(sender.fd, header, "x", to.get(), to.length(), wire::NO_WAIT, 3), FC_COMM_ERROR);
+    EXPECT_GE(secondsSince(start), 0.25) << "each try waits for room";
+    EXPECT_LT(secondsSince(start), 0.9) << "no sleep between tries";
+    // A delay of 1 s: the first try times out, the peer drains its queue
+    // meanwhile, and the second try, after the delay, gets through.
+    std::thread drain([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        std::string queued;
+        while (peer.receive(queued, 0)) {
+        }
+    });
+    start = std::chrono::steady_clock::now();
+    EXPECT_EQ(engine.sendMessage(sender.fd, header, "late", to.get(), to.length(), 1, 2), FC_OK);
+    EXPECT_GE(secondsSince(start), 1.0) << "the delay was not spent";
+    drain.join();
 }
 
 TEST(DataCommunicatorTransport, InitReplacesStaleFilesAndOpensSocketsToAll) {

@@ -79,6 +79,60 @@ TEST(DataHolderRemote, CommandsAndEventsReachThePeersWorker) {
     EXPECT_EQ(pair.client.waitFor(1), std::vector<std::string>{"event Notified"});
 }
 
+// A refused SET undoes only what it wrote, whether the refused item comes
+// before or after the accepted ones: two earlier pending edits survive, the
+// refused request's own writes are back to their earlier pending state.
+TEST(DataHolderRemote, ARefusedSetUndoesOnlyItsOwnWrites) {
+    HolderPair pair;
+    RawPeer peer("/tmp/sockRawClient");
+    auto set = [&](const std::string& element) {
+        const std::string body = "<BODY>" + element + "</BODY>";
+        peer.sendTo(kPeer, wireHeader(40, "SET", FC_OK, static_cast<int>(body.size())) + body);
+        std::string reply;
+        MessageHeader header;
+        if (!peer.receive(reply) || !isOk(header.initFromString(reply)))
+            return FC_COMM_ERROR;
+        return header.Type == "RESPONSE" ? FC_OK : header.Fcode;
+    };
+    auto channels = [](const std::string& row, const std::string& items) {
+        return "<DataSet ID=\"Chan\" ><Component Name=\"ChannelsTable\" ><Row ID=\"" + row + "\" >" + items +
+               "</Row></Component></DataSet>";
+    };
+    ASSERT_EQ(set(channels("H.264", "<Item Name=\"Bitrate\" Value=\"1111\" />")), FC_OK);
+    ASSERT_EQ(set(channels("HEVC", "<Item Name=\"Bitrate\" Value=\"2222\" />")), FC_OK);
+    const std::string bitrate = "<Item Name=\"Bitrate\" Value=\"3333\" />";
+    const std::string name = "<Item Name=\"Name\" Value=\"renamed\" />";
+    const std::string refused = "<Item Name=\"Mode\" Value=\"5\" />";  // not in the enumeration
+    const struct {
+        const char* order;
+        std::string items;
+    } rows[] = {
+        {"refused item last", bitrate + name + refused},
+        {"refused item first", refused + name + bitrate},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(set(channels("HEVC", row.items)), FC_BAD_VALUE) << row.order;
+        int number = 0;
+        std::string text;
+        EXPECT_EQ(pair.served.getNewIntParam("Chan", "ChannelsTable", "Bitrate", number, "H.264"), FC_OK);
+        EXPECT_EQ(number, 1111) << row.order << ": another instance's pending edit";
+        EXPECT_EQ(pair.served.getNewIntParam("Chan", "ChannelsTable", "Bitrate", number, "HEVC"), FC_OK);
+        EXPECT_EQ(number, 2222) << row.order << ": the earlier pending value of a property it wrote";
+        EXPECT_FALSE(pair.served.isChangedProperty("Chan", "ChannelsTable", "Name", "HEVC")) << row.order;
+        EXPECT_EQ(pair.served.getNewTextParam("Chan", "ChannelsTable", "Name", text, "HEVC"), FC_OK);
+        EXPECT_EQ(text, "second") << row.order;
+    }
+
+    // A refused table SET rolls the tabular store back: the item it wrote is
+    // unchanged again (its pending copy stays, as a tabular rollback leaves it).
+    EXPECT_EQ(set("<Table Name=\"T\" ><Row ID=\"3\" ><Item Name=\"Bitrate\" Value=\"7\" />"
+                  "<Item Name=\"Nope\" Value=\"1\" /></Row></Table>"),
+              FC_NO_SUCH_NAME);
+    unsigned state = 99;
+    EXPECT_EQ(pair.served.getParamState("T", 3, "Bitrate", state), FC_OK);
+    EXPECT_EQ(state, 0u);
+}
+
 // The row commands carry "Tables", which an engine's server does not read: a
 // peer served by the engine refuses them (a NACK: header mismatch here).
 TEST(DataHolderRemote, RowCommandsSendTablesAndTakeTheReplysRow) {

@@ -24,8 +24,7 @@ public:
     ~RecordingHolder() override { shutdown(); }
 
     Fcodes doHandle(MessageEvent* event) override {
-        std::unique_ptr<MessageEvent> owned(event);
-        record("event " + event->id);
+        record("event " + event->id);  // borrowed: the worker destroys it
         return FC_OK;
     }
     Fcodes doExecute(const std::string& command, std::string& result) override {

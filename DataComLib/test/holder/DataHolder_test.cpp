@@ -10,8 +10,10 @@
 
 namespace {
 
+// 200 of the items are events: the worker destroys each after doHandle, so a
+// leak here fails the sanitizer leg.
 TEST(DataHolder, WorkerRunsItemsInArrivalOrderFromSeveralProducers) {
-    constexpr int kProducers = 4, kItems = 60;
+    constexpr int kProducers = 4, kItems = 100;
     RecordingHolder holder;
     holder.init("tTest");  // unprivileged: the asked-for policy must not stop the worker
     std::vector<std::thread> producers;
@@ -158,9 +160,12 @@ TEST(DataHolder, TableStructureOperations) {
     EXPECT_EQ(holder.appendNewRow("T"), 10);
     EXPECT_EQ(holder.getRowsNum("T"), 4);
     EXPECT_EQ(holder.getLastRowIndex("T"), 2);  // the only unchanged row
-    EXPECT_EQ(holder.getFirstRowIndex("X") + holder.getLastRowIndex("X") + holder.getRowsNum("X") +
-                  holder.appendNewRow("X") + static_cast<int>(holder.getColumnNames("X").size()),
-              0);
+    // A missing table: 0 or nothing from each.
+    EXPECT_EQ(holder.getFirstRowIndex("X"), 0);
+    EXPECT_EQ(holder.getLastRowIndex("X"), 0);
+    EXPECT_EQ(holder.getRowsNum("X"), 0);
+    EXPECT_EQ(holder.appendNewRow("X"), 0);
+    EXPECT_TRUE(holder.getColumnNames("X").empty());
     EXPECT_EQ(holder.deleteRow("T", 9), FC_OK);
     EXPECT_EQ(holder.addColumnToTable("A", "T", "New", "int", "RW"), FC_OK);
     EXPECT_EQ(holder.getColumnNames("T").size(), 2u);
@@ -186,6 +191,20 @@ TEST(DataHolder, JsonFamilyForwardsToTheStore) {
     EXPECT_EQ(holder.commit(), FC_OK);
     EXPECT_EQ(holder.getIntParam("Chan", "ChannelsTable", "Bitrate", number, "HEVC"), FC_OK);
     EXPECT_EQ(number, 7000);
+
+    // A holder handed a store of its own forwards to it.
+    struct OwnStoreHolder : RecordingHolder {
+        IDataSets* createDataSets() override {
+            auto* own = new DataSets();
+            own->addDataSet("Own");
+            own->addComponent("Own", "Mine");
+            return own;
+        }
+    } own;
+    own.init("tOwn");
+    std::string found;
+    EXPECT_EQ(own.findDataSetWithComponent(found, "Mine"), FC_OK);
+    EXPECT_EQ(found, "Own");
 
     RecordingHolder uninitialised;  // no store before init
     EXPECT_EQ(uninitialised.getTextParam("Chan", "ChannelsTable", "Name", text, "HEVC"), FC_UNAVAILABLE);

@@ -185,10 +185,22 @@ TEST(DataSetsDocuments, DataSetsAndComponents) {
     EXPECT_EQ(store.deleteComponent("Stats", "Counters"), FC_NO_SUCH_NAME);
     ASSERT_EQ(store.deleteDataSet("Stats"), FC_OK);
 
-    // Reloading a dataset drops pending values of the old document.
+    // Reloading replaces the committed document and keeps what is pending; a
+    // commit then copies exactly that, into an instance the new document lacks too.
+    ASSERT_EQ(store.initIntParam(kSet, "Device", "Port", 7777, ""), FC_OK);
     ASSERT_EQ(store.setIntParam(kSet, "Device", "Port", 1, ""), FC_OK);
-    ASSERT_TRUE(dstest::loadChannelDoc(store));
-    EXPECT_FALSE(store.isChanged());
+    ASSERT_EQ(store.setTextParam(kSet, "ChannelsTable", "Name", "kept", "HEVC"), FC_OK);
+    writeText("/etc/sysmgt/no_hevc.json",
+              R"({"dataset": "ChannelDataSet", "components": {
+                  "Device": {"properties": {"Port": {"type": "integer"}}, "instance": {"Port": 5004}},
+                  "ChannelsTable": {"properties": {"Name": {"type": "string"}}, "instances": {}}}})");
+    ASSERT_EQ(store.loadDataSet("/etc/sysmgt/no_hevc.json"), FC_OK);
+    EXPECT_EQ(dstest::valueAt<int>(store, "Device", "Port", ""), 5004) << "the committed document is replaced";
+    EXPECT_EQ(dstest::valueAt<int>(store, "Device", "Port", "", true), 1) << "the pending value stays";
+    EXPECT_FALSE(store.hasInstance(kSet, "ChannelsTable", "HEVC"));
+    ASSERT_EQ(store.commit(), FC_OK);
+    EXPECT_EQ(dstest::valueAt<int>(store, "Device", "Port", ""), 1);
+    EXPECT_EQ(dstest::valueAt<std::string>(store, "ChannelsTable", "Name", "HEVC"), "kept");
 
     Json::Value response;
     EXPECT_EQ(store.getParams(Json::Value(), response), FC_UNSUPPORTED);

@@ -106,8 +106,14 @@ TEST(DataSetsParams, TypeAndEnumerationChecks) {
          true},
         {"text enum miss", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Profile", "Low", hevc); },
          FC_BAD_VALUE, "absent in enum", false},
-        {"unknown property", [&](DataSets& s) { return s.setIntParam(kSet, kChan, "Nope", 1, hevc); }, FC_NO_SUCH_NAME,
-         "param=Nope ind=HEVC No such name.", false},
+        {"property without a definition", [&](DataSets& s) { return s.setIntParam(kSet, kChan, "Nope", 1, hevc); },
+         FC_WRONG_TYPE, "param=Nope ind=HEVC wrong expected type:null", false},
+        {"defined property without a committed value",
+         [&](DataSets& s) {
+             s.loadComponent(kSet, "Extra", R"({"properties": {"N": {"type": "integer"}}, "instance": {}})");
+             return s.setIntParam(kSet, "Extra", "N", 1, "");
+         },
+         FC_WRONG_TYPE, "param=N ind= wrong expected type:\"integer\"", false},
         {"unknown instance", [&](DataSets& s) { return s.setIntParam(kSet, kChan, "Bitrate", 1, "X"); },
          FC_NO_SUCH_NAME, "", false},
         {"int read of text",
@@ -158,7 +164,8 @@ TEST(DataSetsParams, KeyAndIndexAddressing) {
 
     ASSERT_EQ(store.setIntParam(kSet, "Targets", "Port", 6000, 1), FC_OK);
     EXPECT_TRUE(store.isChangedInstance(kSet, "Targets", 1));
-    EXPECT_FALSE(store.isChangedInstance(kSet, "Targets", 0)) << "padding of the pending array";
+    EXPECT_TRUE(store.isChangedInstance(kSet, "Targets", 0)) << "the pending array holds an element 0 (null)";
+    EXPECT_FALSE(store.isChangedProperty(kSet, "Targets", "Port", 0));
     EXPECT_TRUE(store.isChangedProperty(kSet, "Targets", "Port", 1));
     ASSERT_EQ(store.setTextParam(kSet, "Device", "Label", "renamed", ""), FC_OK);
     EXPECT_TRUE(store.isChangedInstance(kSet, "Device", ""));
@@ -173,7 +180,7 @@ TEST(DataSetsParams, TouchAndUntouch) {
     ASSERT_EQ(store.setIntParam(kSet, "Targets", "Port", 77, 1), FC_OK);
     ASSERT_EQ(store.touchComponent(kSet, "Targets"), FC_OK);
     EXPECT_TRUE(store.isChangedInstance(kSet, "Targets", 0));
-    EXPECT_EQ(valueAt<int>(store, "Targets", "Port", 1, true), 77) << "touching keeps a pending edit";
+    EXPECT_EQ(valueAt<int>(store, "Targets", "Port", 1, true), 5000) << "a full copy of the committed component";
     EXPECT_EQ(store.touchComponent(kSet, "Nope"), FC_NO_SUCH_NAME);
     ASSERT_EQ(store.untouchComponent(kSet, "Targets"), FC_OK);
     EXPECT_FALSE(store.isChanged());
@@ -181,7 +188,7 @@ TEST(DataSetsParams, TouchAndUntouch) {
     ASSERT_EQ(store.setIntParam(kSet, kChan, "Mode", 7, "HEVC"), FC_OK);
     ASSERT_EQ(store.touchDataSet(kSet), FC_OK);
     EXPECT_TRUE(store.isChangedProperty(kSet, kChan, "Mode", "H.264"));
-    EXPECT_EQ(valueAt<int>(store, kChan, "Mode", "HEVC", true), 7) << "touching keeps a pending edit";
+    EXPECT_EQ(valueAt<int>(store, kChan, "Mode", "HEVC", true), 1) << "a full copy of the committed document";
     ASSERT_EQ(store.untouchDataSet(kSet), FC_OK);
     EXPECT_FALSE(store.isChanged());
 
