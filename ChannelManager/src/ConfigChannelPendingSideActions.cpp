@@ -11,36 +11,8 @@ Fcodes unsupported(const char* operation) {
 }
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string&) {
-    return unsupported("updateZixiStatistics");
-}
-
-Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string&) {
-    return unsupported("updateSrtStatistics");
-}
-
-Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent*) {
-    return unsupported("handleDataStreamEvent");
-}
-
-Fcodes ConfigChannelTarnevel::sapAction(const std::string&) {
-    return unsupported("sapAction");
-}
-
-Fcodes ConfigChannelTarnevel::klvAction(const std::string&) {
-    return unsupported("klvAction");
-}
-
 Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string&) {
     return unsupported("testConnectionToTarget");
-}
-
-Fcodes ConfigChannelTarnevel::setLed(const std::string&, int) {
-    return unsupported("setLed");
-}
-
-Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
-    return unsupported("updateStreamAndErrorLeds");
 }
 
 Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string&) {
@@ -53,11 +25,6 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(MessageEvent*) {
 
 Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string&) {
     return unsupported("triggerVideoSource");
-}
-
-unsigned long ConfigChannelTarnevel::parseZixiStat(const std::string&, const std::string&) {
-    unsupported("parseZixiStat");
-    return 0;
 }
 
 void ConfigChannelTarnevel::traceroute(const std::string&, const std::string&) {

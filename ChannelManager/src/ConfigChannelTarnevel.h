@@ -140,6 +140,10 @@ public:
     Fcodes triggerVideoSource(const std::string& videoSource);
 
 private:
+    // ---- Side-action helpers (ConfigChannelDataStream.cpp, ConfigChannelVideoSources.cpp) ----
+    Fcodes zixiChangeBitrate(const MessageEvent& event);
+    Fcodes srtNewClient();
+
     DataHolder& holder;
     IChannelEvents& events;
 };

@@ -8,7 +8,7 @@
 #include "SimService.h"
 
 // The media mediator: the "Tarnevel ..." commands over MediatorModel, and the
-// control command "Sim Set Param".
+// control commands "Sim Set Param" and "Sim Set Input".
 class MediatorService : public SimService {
 public:
     explicit MediatorService(TrafficLog& traffic) : SimService("mediator", traffic) {}
@@ -17,7 +17,7 @@ public:
 protected:
     Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
                         std::vector<MessageEvent>& events) override;
-    Fcodes serveControl(const MessageCommand& request) override;
+    Fcodes serveControl(const MessageCommand& request, std::vector<MessageEvent>& events) override;
     std::string report() const override { return mediator.report(); }
 
 private:
@@ -32,6 +32,7 @@ public:
     // Copies the data set's file into the device manager's place under the
     // root and loads it from there. Call after start(). `error` says why not.
     Fcodes loadDataSetFile(const std::string& hostPath, std::string& error);
+    DeviceCommandModel& model() { return commands; }
 
 protected:
     Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
@@ -47,6 +48,7 @@ private:
 class SapService : public SimService {
 public:
     explicit SapService(TrafficLog& traffic) : SimService("sap", traffic) {}
+    SapModel& model() { return sap; }
 
 protected:
     Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
