@@ -35,9 +35,10 @@ Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
         std::string state, status, source, detected;
         Fcodes read = FC_OK | holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId) |
                       holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, status, rowId) |
-                      holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::SOURCE, source, rowId) |
-                      holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE,
-                                          vocab::prop::INPUT_DETECTED, detected, source);
+                      holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::SOURCE, source, rowId);
+        // A separate step: the source must be read first.
+        read |= holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
+                                    detected, source);
         result |= read;
         if (!isOk(read)) continue;
         const bool playing = state == vocab::state::PLAYING;

@@ -11,10 +11,6 @@ Fcodes unsupported(const char* operation) {
 }
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string&) {
-    return unsupported("testConnectionToTarget");
-}
-
 Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string&) {
     return unsupported("updateVideoSource");
 }
@@ -27,6 +23,3 @@ Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string&) {
     return unsupported("triggerVideoSource");
 }
 
-void ConfigChannelTarnevel::traceroute(const std::string&, const std::string&) {
-    unsupported("traceroute");
-}

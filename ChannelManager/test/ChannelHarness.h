@@ -8,6 +8,7 @@
 #include "ChannelTestSupport.h"
 #include "ConfigChannelTarnevel.h"
 #include "IChannelEvents.h"
+#include "ProbeRegistry.h"
 #include "SimServices.h"
 #include "TrafficLog.h"
 #include "holder/DataHolder.h"
@@ -19,6 +20,7 @@ struct RecordedEvent {
     std::string rowId;  // the row, or the file name of a configuration event, or the video input
     unsigned long fcode;
     std::string status;
+    std::string description;
 };
 
 // Records the channel logic's events instead of broadcasting them.
@@ -26,17 +28,17 @@ struct RecordedEvent {
 class EventRecorder : public IChannelEvents {
 public:
     void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
-                   const std::string& status, const std::string&, const std::string&) override {
-        add({eventId, rowId, fcode, status});
+                   const std::string& status, const std::string&, const std::string& description) override {
+        add({eventId, rowId, fcode, status, description});
     }
     void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override {
-        add({eventId, fileName, fcode, "None"});
+        add({eventId, fileName, fcode, "None", fileName});
     }
-    void sendSourceEvent(const std::string& input, bool off, const std::string&) override {
-        add({"Video Source Updated", input, 0, off ? "OFF" : "ON"});
+    void sendSourceEvent(const std::string& input, bool off, const std::string& description) override {
+        add({"Video Source Updated", input, 0, off ? "OFF" : "ON", description});
     }
     Fcodes sapStopAll() override {
-        add({"STOP ALL SAP", "", 0, ""});
+        add({"STOP ALL SAP", "", 0, "", ""});
         return FC_OK;
     }
     std::vector<RecordedEvent> events() const {
@@ -95,6 +97,9 @@ public:
         if (started) simLoaded |= device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
         holder = std::make_unique<ChannelTestHolder>();
     }
+    // Target probes report to the recorder: they end (each within its bound)
+    // before it goes.
+    ~ChannelHarness() { ProbeRegistry::instance().waitIdle(std::chrono::seconds(30)); }
     // True when the simulator and the datasets are all up.
     bool ready() const { return started && isOk(simLoaded) && isOk(holder->loaded); }
     ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(*holder, recorder); }
