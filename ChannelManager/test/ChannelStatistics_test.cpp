@@ -58,7 +58,7 @@ TEST(ChannelStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
     EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, "HEVC Target1"), 0);
 
     // A failed read of "Network Stats" keeps what was published; the other texts still arrive.
-    ASSERT_EQ(simFail(h, wire::SOCK_MEDIATOR, "Tarnevel Get Param"), FC_OK);
+    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
     EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_UNAVAILABLE);
     EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), 2000);
     EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, target), 15);
@@ -84,7 +84,7 @@ TEST(ChannelStatistics, SrtStatisticsScaleTheBitrateAndCopyTheConfiguredLatency)
     EXPECT_EQ(writesTo(h, "Srt Sender CH0/Update Stats=1").size(), 1u);
 
     // A refused refresh is reported, and the reads still publish.
-    ASSERT_EQ(simFail(h, wire::SOCK_MEDIATOR, "Tarnevel Put Param"), FC_OK);
+    ASSERT_EQ(simFail(h, "Tarnevel Put Param"), FC_OK);
     EXPECT_EQ(h.channel().updateSrtStatistics(target), FC_UNAVAILABLE);
     EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
 }

@@ -76,7 +76,7 @@ TEST(ChannelVideoSources, UnknownSourcesAndUnansweredReceiversChangeNothing) {
     EXPECT_EQ(h.channel().updateVideoSource(static_cast<MessageEvent*>(nullptr)), FC_BAD_VALUE);
 
     ASSERT_EQ(setInput(h, "HD-SDI", "None"), FC_OK);
-    ASSERT_EQ(simFail(h, wire::SOCK_MEDIATOR, "Tarnevel Get Param"), FC_OK);
+    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
     EXPECT_EQ(h.channel().updateVideoSource(std::string("HD-SDI")), FC_UNAVAILABLE);
     EXPECT_EQ(detectedOf(h, "HD-SDI"), "1920x1080i @ 25") << "an unanswered question is no lost input";
     EXPECT_TRUE(connectedOf(h, "HD-SDI"));

@@ -7,11 +7,10 @@
 #include "ChannelHarness.h"
 #include "ChannelVocabulary.h"
 #include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
 
-// Helpers of the side-action tests (statistics, data-stream events, SAP, KLV,
-// LEDs, probes, video sources): dataset reads that name the failing value,
-// events as the mediator sends them, and the simulator's control commands.
+// Helpers of the side-action tests: dataset reads, mediator events, the
+// simulator's control commands and its recorded writes.
+using Params = std::vector<std::pair<std::string, std::string>>;
 
 inline int intOf(ChannelHarness& h, const char* dataSet, const char* component, const char* property,
                  const std::string& row) {
@@ -27,28 +26,18 @@ inline std::string textOf(ChannelHarness& h, const char* dataSet, const char* co
     return value;
 }
 
-inline bool boolOf(ChannelHarness& h, const char* dataSet, const char* component, const char* property,
-                   const std::string& row) {
-    bool value = false;
-    h.holder->getBoolParam(dataSet, component, property, value, row);
-    return value;
-}
-
 inline MessageEvent mediatorEvent(const std::string& id, const std::string& source, const std::string& status,
-                                  std::vector<std::pair<std::string, std::string>> params = {}) {
+                                  const Params& params = {}) {
     MessageEvent event;
     event.id = id;
     event.source = source;
     event.status = status;
-    event.severity = "Info";
     for (const auto& [name, value] : params) event.addParam(name, value);
     return event;
 }
 
-// A control command of the simulator ("Sim Fail", "Sim Set Input" ...) sent
-// over the service's socket, as an operator would with chanctl.
-inline Fcodes simControl(ChannelHarness& h, const char* socket, const std::string& id,
-                         std::vector<std::pair<std::string, std::string>> params) {
+// A control command of the simulator ("Sim Fail", "Sim Set Input" ...) over the service's socket.
+inline Fcodes simControl(ChannelHarness& h, const char* socket, const std::string& id, const Params& params) {
     MessageCommand command;
     command.setId(id);
     for (const auto& [name, value] : params) command.addParam(name, value);
@@ -57,9 +46,9 @@ inline Fcodes simControl(ChannelHarness& h, const char* socket, const std::strin
     return h.holder->requestCommand(socket, text, result, 2, 1);
 }
 
-// The next `count` requests of `commandId` to the socket fail with 0x10100.
-inline Fcodes simFail(ChannelHarness& h, const char* socket, const std::string& commandId, int count = 1) {
-    return simControl(h, socket, "Sim Fail", {{"Command", commandId}, {"Count", std::to_string(count)}});
+// The next request of `commandId` to the mediator fails with 0x10100.
+inline Fcodes simFail(ChannelHarness& h, const std::string& commandId) {
+    return simControl(h, wire::SOCK_MEDIATOR, "Sim Fail", {{"Command", commandId}});
 }
 
 inline std::vector<std::string> writesTo(ChannelHarness& h, const std::string& prefix) {
