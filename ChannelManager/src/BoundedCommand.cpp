@@ -22,8 +22,10 @@ int remainingMs(Clock::time_point deadline) {
 }
 
 int statusOf(int waitStatus) {
-    if (WIFEXITED(waitStatus)) return WEXITSTATUS(waitStatus);
-    if (WIFSIGNALED(waitStatus)) return 128 + WTERMSIG(waitStatus);
+    if (WIFEXITED(waitStatus))
+        return WEXITSTATUS(waitStatus);
+    if (WIFSIGNALED(waitStatus))
+        return 128 + WTERMSIG(waitStatus);
     return -1;
 }
 
@@ -48,7 +50,8 @@ pid_t spawnShell(const std::string& line, int writeEnd) {
     std::string shell = "sh", option = "-c", command = line;
     char* argv[] = {&shell[0], &option[0], &command[0], nullptr};
     pid_t pid = -1;
-    if (posix_spawn(&pid, "/bin/sh", &actions, &attributes, argv, environ) != 0) pid = -1;
+    if (posix_spawn(&pid, "/bin/sh", &actions, &attributes, argv, environ) != 0)
+        pid = -1;
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return pid;
@@ -59,7 +62,8 @@ pid_t spawnShell(const std::string& line, int writeEnd) {
 BoundedRun runBounded(const std::string& line, int limitMs, std::size_t maxOutput) {
     BoundedRun run;
     int fds[2];
-    if (pipe2(fds, O_CLOEXEC) != 0) return run;
+    if (pipe2(fds, O_CLOEXEC) != 0)
+        return run;
     const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(limitMs);
     const pid_t pid = spawnShell(line, fds[1]);
     close(fds[1]);
@@ -73,15 +77,18 @@ BoundedRun runBounded(const std::string& line, int limitMs, std::size_t maxOutpu
     for (;;) {
         pollfd readable{fds[0], POLLIN, 0};
         const int ready = poll(&readable, 1, remainingMs(deadline));
-        if (ready < 0 && errno == EINTR) continue;
+        if (ready < 0 && errno == EINTR)
+            continue;
         if (ready <= 0) {  // bound reached (the shell's children may hold the pipe)
             kill(-pid, SIGKILL);
             run.timedOut = true;
             break;
         }
         const ssize_t got = read(fds[0], buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;  // end of output
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;  // end of output
         const std::size_t room = maxOutput > run.output.size() ? maxOutput - run.output.size() : 0;
         run.output.append(buffer, static_cast<std::size_t>(got) < room ? static_cast<std::size_t>(got) : room);
     }
@@ -90,8 +97,10 @@ BoundedRun runBounded(const std::string& line, int limitMs, std::size_t maxOutpu
     int waitStatus = 0;
     for (;;) {
         const pid_t done = waitpid(pid, &waitStatus, WNOHANG);
-        if (done == pid) break;
-        if (done < 0 && errno != EINTR) return run;
+        if (done == pid)
+            break;
+        if (done < 0 && errno != EINTR)
+            return run;
         if (run.timedOut || remainingMs(deadline) == 0) {
             kill(-pid, SIGKILL);
             while (waitpid(pid, &waitStatus, 0) < 0 && errno == EINTR) {

@@ -22,11 +22,13 @@ namespace {
 Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t condition, const char* tag) {
     const std::string& rowId = event.source;
     int fcode = 0;
-    Fcodes result = holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcode, rowId) |
-                    FC_OK;
-    if (!isOk(result)) return result;
+    Fcodes result =
+        holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcode, rowId) | FC_OK;
+    if (!isOk(result))
+        return result;
     const uint32_t old = static_cast<uint32_t>(fcode);
-    if ((old & vocab::cond::FORCED_STOP) == vocab::cond::FORCED_STOP) return result;
+    if ((old & vocab::cond::FORCED_STOP) == vocab::cond::FORCED_STOP)
+        return result;
     const uint32_t updated = event.status == vocab::state::ALARM_ON ? (old | condition) : uint32_t{FC_OK};
     DBG(0) << "handleDataStreamEvent: " << tag << " rowId=" << rowId << " status=" << event.status
            << " setting fcode=0x" << side::hexCode(updated);
@@ -37,15 +39,18 @@ Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t co
 }  // namespace
 
 Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent* event) {
-    if (event == nullptr) return FC_BAD_VALUE;
+    if (event == nullptr)
+        return FC_BAD_VALUE;
     side::HolderLock lock(holder);
     const std::string& name = event->id;
     if (name == vocab::ev::DATA_STREAM)
         return applyCondition(holder, *event, vocab::cond::DATA_STREAM, "TARNEVEL_DATA_STREAM_EVENT");
     if (name == vocab::ev::ZIXI_CONNECTION_FAILED)
         return applyCondition(holder, *event, vocab::cond::ZIXI_CONNECTION, "TARNEVEL_ZIXI_CONNECTION_FAILED_EVENT");
-    if (name == vocab::ev::ZIXI_CHANGE_BITRATE_REQUEST) return zixiChangeBitrate(*event);
-    if (name == vocab::ev::SRT_NEW_CLIENT_REQUEST) return srtNewClient();
+    if (name == vocab::ev::ZIXI_CHANGE_BITRATE_REQUEST)
+        return zixiChangeBitrate(*event);
+    if (name == vocab::ev::SRT_NEW_CLIENT_REQUEST)
+        return srtNewClient();
     return FC_OK;
 }
 
@@ -67,8 +72,10 @@ Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
     Fcodes result = FC_OK | holder.getIntParam(ds, processing, vocab::prop::TOTAL_BITRATE, total, rowId) |
                     holder.getIntParam(ds, processing, vocab::prop::MAX_BITRATE, maximum, rowId) |
                     holder.getIntParam(ds, processing, vocab::prop::VIDEO_BITRATE, video, rowId);
-    if (!isOk(result)) return result;
-    if (requested == total) return result;
+    if (!isOk(result))
+        return result;
+    if (requested == total)
+        return result;
 
     DBG(0) << "handleDataStreamEvent: arrived event=" << event.id << " src=" << rowId << " desc=" << event.description
            << " param=Total Bitrate val=" << requested;
@@ -97,7 +104,8 @@ Fcodes ConfigChannelTarnevel::srtNewClient() {
     Fcodes result = FC_OK;
     for (int channel = 0; channel < 2; ++channel)
         result |= holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, vocab::prop::TOTAL_BITRATE,
-                                     totals[channel], channels[channel]) | FC_OK;
+                                     totals[channel], channels[channel]) |
+                  FC_OK;
     DBG(0) << "handleDataStreamEvent: Srt total bitrate: " << channels[0] << "=" << totals[0] << " " << channels[1]
            << "=" << totals[1];
 
@@ -108,14 +116,15 @@ Fcodes ConfigChannelTarnevel::srtNewClient() {
             if (isOk(ITarnevelClient::getTarnevelTextParam(&holder, sender, vocab::med::PARAM_STAT_BITRATE_MBPS, mbps)))
                 sending = static_cast<long long>(std::strtod(mbps.c_str(), nullptr) * 1000000.0 + 0.5);
             long long remaining = static_cast<long long>(totals[channel]) - sending;
-            if (remaining < 0) remaining = 0;
+            if (remaining < 0)
+                remaining = 0;
             const int value = side::clampToInt(static_cast<unsigned long long>(remaining));
             Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, sender,
                                                               vocab::med::PARAM_REMAINING_OUTPUT_BITRATE, value);
             if (!isOk(set))
                 DBG(2) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
-                       << " param=" << vocab::med::PARAM_REMAINING_OUTPUT_BITRATE << " comp=" << sender
-                       << " fcode=0x" << side::hexCode(set);
+                       << " param=" << vocab::med::PARAM_REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
+                       << side::hexCode(set);
             result |= set;
         }
     }

@@ -44,23 +44,32 @@ Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, s
     std::string setting;
     if (ingest == vocab::value::KLV_SERIAL) {
         Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::KLV_TABLE,
-                                                 vocab::prop::INPUT_DATA_FORMAT, setting, "") | FC_OK;
-        if (setting == FORMAT_COT) branch = KLV_O_SERIAL;
-        if (setting == FORMAT_KLV) branch = RAW_KLV_O_SERIAL;
+                                                 vocab::prop::INPUT_DATA_FORMAT, setting, "") |
+                      FC_OK;
+        if (setting == FORMAT_COT)
+            branch = KLV_O_SERIAL;
+        if (setting == FORMAT_KLV)
+            branch = RAW_KLV_O_SERIAL;
         resetCommand = vocab::cmd::RESET_KLV_STATISTICS;
         return read;
     }
     if (ingest == vocab::value::KLV_IP) {
         Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::KLV_OVER_IP,
-                                                 vocab::prop::ENCAPSULATION, setting, "") | FC_OK;
-        if (setting == ENCAPSULATION_TS) branch = KLV_O_IP;
-        if (setting == ENCAPSULATION_RAW) branch = RAW_KLV_O_IP;
+                                                 vocab::prop::ENCAPSULATION, setting, "") |
+                      FC_OK;
+        if (setting == ENCAPSULATION_TS)
+            branch = KLV_O_IP;
+        if (setting == ENCAPSULATION_RAW)
+            branch = RAW_KLV_O_IP;
         resetCommand = vocab::cmd::RESET_KLVOIP_STATISTICS;
         return read;
     }
-    if (ingest == vocab::value::KLV_SDI_SYNC) branch = vocab::med::KLVOSDI_BRANCH[channel];
-    if (ingest == vocab::value::KLV_SDI) branch = KLV_O_SDI_ASYNC;
-    if (!branch.empty()) resetCommand = vocab::cmd::RESET_KLVOSDI_STATISTICS;
+    if (ingest == vocab::value::KLV_SDI_SYNC)
+        branch = vocab::med::KLVOSDI_BRANCH[channel];
+    if (ingest == vocab::value::KLV_SDI)
+        branch = KLV_O_SDI_ASYNC;
+    if (!branch.empty())
+        resetCommand = vocab::cmd::RESET_KLVOSDI_STATISTICS;
     return FC_OK;
 }
 
@@ -75,8 +84,10 @@ Fcodes klvBranches(DataHolder& holder, const std::string& rowId, std::vector<std
         result |= holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, property, ingest, rowId) | FC_OK;
         result |= klvBranchOf(holder, ingest, channel, branch, reset);
         bool seen = branch.empty();
-        for (const std::string& known : branches) seen = seen || known == branch;
-        if (seen) continue;
+        for (const std::string& known : branches)
+            seen = seen || known == branch;
+        if (seen)
+            continue;
         branches.push_back(branch);
         resets.push_back(reset);
     }
@@ -99,11 +110,13 @@ Fcodes deviceCommand(DataHolder& holder, const char* id) {
 
 Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
     const int channel = vocab::channelIndex(rowId);
-    if (channel < 0) return FC_BAD_VALUE;
+    if (channel < 0)
+        return FC_BAD_VALUE;
     std::string state;
-    Fcodes result = FC_OK | holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, state,
-                                                rowId);
-    if (!isOk(result)) return result;
+    Fcodes result =
+        FC_OK | holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId);
+    if (!isOk(result))
+        return result;
     std::vector<std::string> branches;
     std::vector<const char*> resets;
     result |= klvBranches(holder, rowId, branches, resets);
@@ -123,9 +136,11 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
         std::string branchState;
         Fcodes read = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
         result |= read;
-        if (!isOk(read)) continue;
+        if (!isOk(read))
+            continue;
         if (isPlaying(state)) {
-            if (branchState != vocab::state::BRANCH_STOP) continue;
+            if (branchState != vocab::state::BRANCH_STOP)
+                continue;
             Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, 20);
             if (isOk(started)) {
                 DBG(0) << "klvAction: called startTarnevelBranch branch=" << branch;
@@ -138,14 +153,15 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
             continue;
         }
         bool shared = false;
-        for (const std::string& used : otherBranches) shared = shared || used == branch;
-        if (shared || branchState != vocab::state::BRANCH_RUN) continue;
+        for (const std::string& used : otherBranches)
+            shared = shared || used == branch;
+        if (shared || branchState != vocab::state::BRANCH_RUN)
+            continue;
         Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
         if (isOk(stopped))
             DBG(0) << "klvAction: called stopTarnevelBranch branch=" << branch;
         else
-            DBG(2) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x"
-                   << side::hexCode(stopped);
+            DBG(2) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << side::hexCode(stopped);
         result |= stopped;
     }
     return result;

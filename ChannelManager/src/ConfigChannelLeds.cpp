@@ -21,8 +21,8 @@
 Fcodes ConfigChannelTarnevel::setLed(const std::string& led, int value) {
     Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, vocab::med::DEVICE, led, value);
     if (!isOk(code))
-        DBG(2) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << vocab::med::DEVICE
-               << " fcode=0x" << side::hexCode(code);
+        DBG(2) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << vocab::med::DEVICE << " fcode=0x"
+               << side::hexCode(code);
     return code;
 }
 
@@ -40,7 +40,8 @@ Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
         read |= holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
                                     detected, source);
         result |= read;
-        if (!isOk(read)) continue;
+        if (!isOk(read))
+            continue;
         const bool playing = state == vocab::state::PLAYING;
         streaming = streaming || playing;
         error = error || status == vocab::state::STATUS_ERROR || (playing && detected == vocab::state::INPUT_NONE);

@@ -39,9 +39,11 @@ const std::size_t TRACEROUTE_OUTPUT_MAX = 1023;
 // 1 for an IPv4 dotted quad, 0 for no address, -1 for an address of another
 // family (an IPv6 text): the cases the probe tells apart.
 int addressKind(const std::string& address, in_addr& ipv4) {
-    if (inet_pton(AF_INET, address.c_str(), &ipv4) == 1) return 1;
+    if (inet_pton(AF_INET, address.c_str(), &ipv4) == 1)
+        return 1;
     in6_addr ipv6;
-    if (inet_pton(AF_INET6, address.c_str(), &ipv6) == 1) return -1;
+    if (inet_pton(AF_INET6, address.c_str(), &ipv6) == 1)
+        return -1;
     return 0;
 }
 
@@ -58,19 +60,19 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, address;
-        Fcodes read = FC_OK |
-                      holder.getBoolParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled,
-                                          target);
+        Fcodes read =
+            FC_OK | holder.getBoolParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled, target);
         if (!isOk(read) || !enabled) {
             result |= read;
             continue;
         }
-        read |= holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::STREAMING_PROTOCOL,
-                                    protocol, target) |
-                holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::TARGET_ADDRESS, address,
-                                    target);
+        read |=
+            holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::STREAMING_PROTOCOL, protocol,
+                                target) |
+            holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::TARGET_ADDRESS, address, target);
         result |= read;
-        if (!isOk(read)) continue;
+        if (!isOk(read))
+            continue;
         in_addr ipv4{};
         const int kind = addressKind(address, ipv4);
         if (kind == 0) {
@@ -83,7 +85,8 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
             result |= FC_BAD_VALUE;
             continue;
         }
-        if (isMulticast(ipv4)) continue;
+        if (isMulticast(ipv4))
+            continue;
 
         DataHolder* probeHolder = &holder;
         IChannelEvents* sink = &events;
@@ -122,7 +125,8 @@ void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::stri
     const std::string trace = "traceroute -I " + address;
     DBG(0) << "traceroute: command=" << trace;
     const BoundedRun traced = runBounded(trace, TRACEROUTE_LIMIT_MS, TRACEROUTE_OUTPUT_MAX);
-    if (!traced.started || traced.output.empty()) return;
+    if (!traced.started || traced.output.empty())
+        return;
     // A failed probe carries "Unavailable" as its code, as a failed play does.
     events.sendEvent(vocab::ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, vocab::state::ALARM_NONE,
                      vocab::state::SEVERITY_INFO, traced.output);

@@ -52,9 +52,11 @@ Fcodes readTarget(DataHolder& holder, const std::string& target, TargetSettings&
 std::string sdpFileName(const std::string& directory, const std::string& target) {
     std::string name = target;
     for (char& c : name)
-        if (c == ' ') c = '_';
+        if (c == ' ')
+            c = '_';
     std::string path = directory;
-    if (!path.empty() && path.back() != '/') path += '/';
+    if (!path.empty() && path.back() != '/')
+        path += '/';
     return path + name + ".sdp";
 }
 
@@ -68,7 +70,8 @@ Fcodes sendToAnnouncer(DataHolder& holder, const MessageCommand& command) {
 
 Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
     const int channel = vocab::channelIndex(rowId);
-    if (channel < 0) return FC_BAD_VALUE;
+    if (channel < 0)
+        return FC_BAD_VALUE;
     const char* ds = vocab::ds::CHANNEL;
     std::string state, status, source, detected = vocab::state::INPUT_NONE;
     int fcode = 0;
@@ -77,7 +80,8 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
                     holder.getIntParam(ds, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcode, rowId) |
                     holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::SOURCE, source, rowId);
     result |= holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
-                                  detected, source) | FC_OK;
+                                  detected, source) |
+              FC_OK;
     const bool announce = state == vocab::state::PLAYING || state == vocab::state::PLAYED;
 
     std::vector<std::string> targets;
@@ -87,10 +91,12 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
         Fcodes read = FC_OK | holder.getBoolParam(ds, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled, target) |
                       holder.getBoolParam(ds, vocab::tbl::TARGET, vocab::prop::SAP, sap, target);
         TargetSettings settings;
-        if (isOk(read) && enabled && sap) read |= readTarget(holder, target, settings);
+        if (isOk(read) && enabled && sap)
+            read |= readTarget(holder, target, settings);
         result |= read;
         // A target whose settings cannot be read cannot be named to the announcer.
-        if (!isOk(read) || !enabled || !sap) continue;
+        if (!isOk(read) || !enabled || !sap)
+            continue;
 
         MessageCommand command;
         command.addParam(P_CHANNEL_NAME, settings.channelName);
@@ -103,13 +109,14 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
         }
         std::string ifAddress;
         result |= holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::NETWORK_INTERFACES,
-                                             vocab::prop::IP_ADDRESS, ifAddress, settings.interface) | FC_OK;
+                                             vocab::prop::IP_ADDRESS, ifAddress, settings.interface) |
+                  FC_OK;
         std::string sdpFile;
         if (settings.protocol == vocab::value::RTP_ES) {
             const char* server = vocab::med::RTSP_SERVER[channel];
             std::string directory;
-            Fcodes sdp = ITarnevelClient::getTarnevelTextParam(&holder, server, vocab::med::PARAM_SDP_DIRECTORY,
-                                                               directory);
+            Fcodes sdp =
+                ITarnevelClient::getTarnevelTextParam(&holder, server, vocab::med::PARAM_SDP_DIRECTORY, directory);
             if (isOk(sdp))
                 sdpFile = sdpFileName(directory, target);
             else

@@ -33,7 +33,8 @@ const TargetSender kTargetSenders[] = {
 
 const TargetSender* senderOf(const std::string& targetRow) {
     for (const TargetSender& entry : kTargetSenders)
-        if (targetRow == entry.target) return &entry;
+        if (targetRow == entry.target)
+            return &entry;
     return nullptr;
 }
 
@@ -77,24 +78,26 @@ const SrtStat kSrtStats[] = {
 
 void logFailure(const char* prefix, const std::string& rowId, const std::string& value, const char* parameter,
                 const std::string& component, Fcodes code) {
-    DBG(2) << prefix << "rowId=" << rowId << " Error: val=" << value << " param=" << parameter
-           << " comp=" << component << " fcode=0x" << side::hexCode(code);
+    DBG(2) << prefix << "rowId=" << rowId << " Error: val=" << value << " param=" << parameter << " comp=" << component
+           << " fcode=0x" << side::hexCode(code);
 }
 
 // Asks the sender to refresh its figures; the reads that follow see them.
 Fcodes requestUpdate(DataHolder& holder, const char* operation, const std::string& rowId,
                      const std::string& component) {
     Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, vocab::med::PARAM_UPDATE_STATS, 1);
-    if (!isOk(code)) logFailure(operation, rowId, "1", vocab::med::PARAM_UPDATE_STATS, component, code);
+    if (!isOk(code))
+        logFailure(operation, rowId, "1", vocab::med::PARAM_UPDATE_STATS, component, code);
     return code;
 }
 
 // A statistics text of the sender; the read's failure is logged with the
 // prefix shared with the configuration messages.
-Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::string& component,
-                    const char* parameter, std::string& text) {
+Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::string& component, const char* parameter,
+                    std::string& text) {
     Fcodes code = ITarnevelClient::getTarnevelTextParam(&holder, component, parameter, text);
-    if (!isOk(code)) logFailure("configChannel: ", rowId, text, parameter, component, code);
+    if (!isOk(code))
+        logFailure("configChannel: ", rowId, text, parameter, component, code);
     return code;
 }
 
@@ -109,7 +112,8 @@ Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, c
 // is whatever stands between the last comma before it and the key.
 unsigned long ConfigChannelTarnevel::parseZixiStat(const std::string& text, const std::string& key) {
     const std::string::size_type position = text.find(key);
-    if (position == std::string::npos || key.empty()) return 0;
+    if (position == std::string::npos || key.empty())
+        return 0;
     const std::string::size_type comma = position == 0 ? std::string::npos : text.rfind(',', position - 1);
     const std::string::size_type start = comma == std::string::npos ? 0 : comma + 1;
     const std::string item = text.substr(start, position - start);
@@ -121,8 +125,10 @@ unsigned long ConfigChannelTarnevel::parseZixiStat(const std::string& text, cons
 // compares against the link's tolerated loss. 64-bit maths, so that counters
 // near the 32-bit limit do not overflow.
 static unsigned long long packetLossPercent(unsigned long long dropped, unsigned long long total) {
-    if (total == 0) return 0;
-    if (dropped >= total) return 100;
+    if (total == 0)
+        return 0;
+    if (dropped >= total)
+        return 100;
     return (dropped * 100 + total / 2) / total;
 }
 
@@ -142,9 +148,9 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     if (isOk(read)) {
         for (const ZixiKey& key : kNetworkKeys)
             result |= publish(holder, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
-        result |= publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::PACKET_LOSS,
-                          packetLossPercent(parseZixiStat(text, " dropped"), parseZixiStat(text, " packets")),
-                          targetRowId);
+        result |=
+            publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::PACKET_LOSS,
+                    packetLossPercent(parseZixiStat(text, " dropped"), parseZixiStat(text, " packets")), targetRowId);
     }
 
     text.clear();
@@ -153,8 +159,8 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     if (isOk(read)) {
         const unsigned long long recovered = static_cast<unsigned long long>(parseZixiStat(text, " arq_recovered")) +
                                              parseZixiStat(text, " fec_recovered");
-        result |= publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::RECOVERED_PACKETS, recovered,
-                          targetRowId);
+        result |=
+            publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::RECOVERED_PACKETS, recovered, targetRowId);
         result |= publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::NON_RECOVERED_PACKETS,
                           parseZixiStat(text, " not_recovered"), targetRowId);
     }
@@ -201,11 +207,13 @@ Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId
     }
 
     int latency = 0;
-    read = holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::SRT_SETTINGS, vocab::prop::LATENCY, latency,
-                              targetRowId) | FC_OK;
+    read =
+        holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::SRT_SETTINGS, vocab::prop::LATENCY, latency, targetRowId) |
+        FC_OK;
     result |= read;
     if (isOk(read))
-        result |= holder.initIntParam(dataSet, vocab::tbl::SRT_NETWORK, vocab::prop::SRT_LATENCY, latency,
-                                      targetRowId) | FC_OK;
+        result |=
+            holder.initIntParam(dataSet, vocab::tbl::SRT_NETWORK, vocab::prop::SRT_LATENCY, latency, targetRowId) |
+            FC_OK;
     return result;
 }

@@ -51,7 +51,8 @@ const std::pair<const char*, const char*> kReceivers[] = {
 
 const char* receiverOf(const std::string& source) {
     for (const auto& [row, receiver] : kReceivers)
-        if (source == row) return receiver;
+        if (source == row)
+            return receiver;
     return nullptr;
 }
 
@@ -79,8 +80,7 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) 
         return FC_BAD_VALUE;
     }
     const char* receiver = receiverOf(videoSource);
-    if (receiver == nullptr ||
-        !holder.hasInstance(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, videoSource)) {
+    if (receiver == nullptr || !holder.hasInstance(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, videoSource)) {
         DBG(2) << "updateVideoSource: Couldn't find either a row of videoSource=" << videoSource;
         return FC_NO_SUCH_NAME;
     }
@@ -88,17 +88,19 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) 
     Fcodes read = ITarnevelClient::getTarnevelTextParam(&holder, receiver, vocab::med::VIDEO_FORMAT, format);
     if (!isOk(read)) {
         // The previous detected state stays: an unanswered question is no lost input.
-        DBG(2) << "updateVideoSource: Error: param=" << vocab::med::VIDEO_FORMAT << " comp=" << receiver
-               << " fcode=0x" << side::hexCode(read);
+        DBG(2) << "updateVideoSource: Error: param=" << vocab::med::VIDEO_FORMAT << " comp=" << receiver << " fcode=0x"
+               << side::hexCode(read);
         return read;
     }
     return applyDetectedInput(videoSource, format);
 }
 
 Fcodes ConfigChannelTarnevel::updateVideoSource(MessageEvent* event) {
-    if (event == nullptr) return FC_BAD_VALUE;
+    if (event == nullptr)
+        return FC_BAD_VALUE;
     std::string format;
-    if (event->getParam(vocab::ev::PARAM_INPUT_DETECTED, format) == 0) return updateVideoSource(event->source);
+    if (event->getParam(vocab::ev::PARAM_INPUT_DETECTED, format) == 0)
+        return updateVideoSource(event->source);
     if (event->source.empty()) {
         DBG(2) << "updateVideoSource: Error: Empty src=" << event->source;
         return FC_BAD_VALUE;
@@ -115,8 +117,8 @@ Fcodes ConfigChannelTarnevel::applyDetectedInput(const std::string& videoSource,
     const std::string detected = connected ? format : std::string(vocab::state::INPUT_NONE);
     DBG(0) << "updateVideoSource: src=" << videoSource << " " << vocab::prop::INPUT_DETECTED << "=" << detected;
     Fcodes result = FC_OK |
-                    holder.initTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE,
-                                         vocab::prop::INPUT_DETECTED, detected, videoSource) |
+                    holder.initTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
+                                         detected, videoSource) |
                     holder.initBoolParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::CONNECTED,
                                          connected, videoSource);
     result |= triggerVideoSource(videoSource);
@@ -126,10 +128,11 @@ Fcodes ConfigChannelTarnevel::applyDetectedInput(const std::string& videoSource,
 
 Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource) {
     std::vector<std::string> channels;
-    Fcodes result = FC_OK | holder.getInstancesByParameter(vocab::ds::CHANNEL, vocab::tbl::SOURCE,
-                                                           vocab::prop::SOURCE, videoSource, channels);
+    Fcodes result = FC_OK | holder.getInstancesByParameter(vocab::ds::CHANNEL, vocab::tbl::SOURCE, vocab::prop::SOURCE,
+                                                           videoSource, channels);
     for (const std::string& rowId : channels) {
-        if (!vocab::isChannelRow(rowId)) continue;
+        if (!vocab::isChannelRow(rowId))
+            continue;
         side::HolderLock lock(holder);
         result |= followInput(rowId, videoSource);
     }
@@ -143,16 +146,16 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
     bool connected = false, asDetected = false;
     int fcodeValue = 0;
     Fcodes result = FC_OK |
-                    holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE,
-                                        vocab::prop::INPUT_DETECTED, detected, videoSource) |
+                    holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
+                                        detected, videoSource) |
                     holder.getBoolParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::CONNECTED,
                                         connected, videoSource) |
                     holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId) |
                     holder.getIntParam(ds, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcodeValue, rowId) |
                     holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::INPUT_RESOLUTION, running, rowId) |
-                    holder.getBoolParam(ds, vocab::tbl::PROCESSING, vocab::prop::FORMAT_AS_DETECTED, asDetected,
-                                        rowId);
-    if (!isOk(result)) return result;
+                    holder.getBoolParam(ds, vocab::tbl::PROCESSING, vocab::prop::FORMAT_AS_DETECTED, asDetected, rowId);
+    if (!isOk(result))
+        return result;
     const uint32_t fcode = static_cast<uint32_t>(fcodeValue);
     auto setFcode = [&](uint32_t code) {
         return holder.initIntParam(ds, vocab::tbl::CHANNELS, vocab::prop::FCODE, static_cast<int>(code), rowId);
@@ -162,7 +165,8 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
     };
 
     if (!connected || isNoSignal(detected)) {
-        if (state != vocab::state::PLAYING) return result;
+        if (state != vocab::state::PLAYING)
+            return result;
         DBG(1) << "updateVideoSource: input lost rowId=" << rowId << " src=" << videoSource;
         result |= setFcode(fcode | vocab::cond::CHANNEL_ERROR);
         result |= updateChannelStatus(rowId);
@@ -173,27 +177,29 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
         if (holds(fcode, vocab::cond::CHANNEL_ERROR)) {
             DBG(0) << "updateVideoSource: input back rowId=" << rowId << " src=" << videoSource;
             result |= setFcode(withoutCondition(fcode, vocab::cond::CHANNEL_ERROR));
-            result |= holder.initTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, vocab::state::STATUS_OK,
-                                           rowId);
+            result |=
+                holder.initTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, vocab::state::STATUS_OK, rowId);
             events.sendEvent(vocab::ev::CLOSE_ALARMS, rowId, vocab::cond::INFO, vocab::state::ALARM_NONE,
                              vocab::state::SEVERITY_INFO, "");
             result |= updateStreamAndErrorLeds();
         }
-        if (detected == running) return result;
+        if (detected == running)
+            return result;
         DBG(1) << "updateVideoSource: format changed rowId=" << rowId << " from=" << running << " to=" << detected;
         result |= setFormatChanged(true);
         if (asDetected) {
             result |= setFcode(vocab::cond::FORMAT_CHANGED);
             result |= stopChannel(rowId);
             result |= reconfigChannelFormat(rowId);
-            if (isOk(validateInputFormat(rowId))) result |= playChannel(rowId);
+            if (isOk(validateInputFormat(rowId)))
+                result |= playChannel(rowId);
             return result;
         }
         if (isOk(validateInputFormat(rowId))) {
             // The channel can be made from the new format: it becomes the running one.
             result |= holder.initTextParam(ds, vocab::tbl::SOURCE, vocab::prop::INPUT_RESOLUTION, detected, rowId);
-            return result | holder.initTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::INPUT_RESOLUTION, detected,
-                                                 rowId);
+            return result |
+                   holder.initTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::INPUT_RESOLUTION, detected, rowId);
         }
         result |= setFcode(vocab::cond::FORMAT_CHANGED);
         return result | stopChannel(rowId);
@@ -201,8 +207,10 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
 
     if (state == vocab::state::STOPPING && holds(fcode, vocab::cond::FORMAT_CHANGED) &&
         !holds(fcode, vocab::cond::FORCED_STOP)) {
-        if (asDetected) result |= reconfigChannelFormat(rowId);
-        if (!isOk(validateInputFormat(rowId))) return result;
+        if (asDetected)
+            result |= reconfigChannelFormat(rowId);
+        if (!isOk(validateInputFormat(rowId)))
+            return result;
         DBG(0) << "updateVideoSource: valid input back, replaying rowId=" << rowId << " format=" << detected;
         result |= setFormatChanged(false);
         result |= playChannel(rowId);

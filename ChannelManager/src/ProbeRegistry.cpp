@@ -13,7 +13,8 @@ void ProbeRegistry::begin() {
 
 void ProbeRegistry::end() {
     std::lock_guard<std::mutex> guard(mutex);
-    if (--count == 0) idle.notify_all();
+    if (--count == 0)
+        idle.notify_all();
 }
 
 int ProbeRegistry::running() const {

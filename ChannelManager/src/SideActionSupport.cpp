@@ -9,8 +9,7 @@ namespace side {
 Fcodes channelChildren(DataHolder& holder, const char* component, const std::string& rowId,
                        std::vector<std::string>& rows) {
     rows.clear();
-    return holder.getInstancesByParameter(vocab::ds::CHANNEL, component, vocab::prop::CHANNEL_ID, rowId, rows) |
-           FC_OK;
+    return holder.getInstancesByParameter(vocab::ds::CHANNEL, component, vocab::prop::CHANNEL_ID, rowId, rows) | FC_OK;
 }
 
 std::string hexCode(uint32_t code) {

@@ -24,7 +24,8 @@ TEST(ChannelDataStream, ConditionEventsChangeOnlyTheFcode) {
         {"Data Critical Error", "ON", 0x10000, 0x10000},
     };
     for (const Step& step : steps) {
-        if (step.fcodeBefore >= 0) h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, step.fcodeBefore, row::HEVC);
+        if (step.fcodeBefore >= 0)
+            h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, step.fcodeBefore, row::HEVC);
         MessageEvent event = mediatorEvent(step.event, row::HEVC, step.status);
         EXPECT_EQ(h.channel().handleDataStreamEvent(&event), FC_OK) << step.event << " " << step.status;
         EXPECT_EQ(intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::HEVC), step.fcodeAfter)
@@ -41,7 +42,8 @@ TEST(ChannelDataStream, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     auto request = [&h](const char* total) {
-        MessageEvent event = mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::H264, "ON", {{"Total Bitrate", total}});
+        MessageEvent event =
+            mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::H264, "ON", {{"Total Bitrate", total}});
         return h.channel().handleDataStreamEvent(&event);
     };
     auto backup = [&h](const char* p) { return intOf(h, ds::CHANNEL, tbl::PROCESSING_BACKUP, p, row::H264); };
@@ -51,15 +53,16 @@ TEST(ChannelDataStream, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
     EXPECT_TRUE(h.recorder.events().empty());
 
     request("0x3d0900");  // another total: forwarded, and the configuration saved
-    EXPECT_EQ(h.recorder.names(), std::vector<std::string>{"Zixi Change Bitrate Request H.264"});
+    EXPECT_EQ(h.recorder.names(),
+              (std::vector<std::string>{"Zixi Change Bitrate Request H.264", "Bitrate Recalculated H.264"}));
+    EXPECT_EQ(intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264), 4000000);
     EXPECT_EQ(h.recorder.events()[0].description, "bitrate: 4000000 bps");
     EXPECT_EQ(backup(prop::TOTAL_BITRATE), 5000000);
     EXPECT_EQ(backup(prop::MAX_BITRATE), 6000000);
     EXPECT_EQ(backup(prop::VIDEO_BITRATE), 4500000);
 
-    h.holder->initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, 4000000, row::H264);
     request("3000000");  // a later request keeps the first backup
-    EXPECT_EQ(h.recorder.events().size(), 2u);
+    EXPECT_EQ(h.recorder.events().size(), 4u);
     EXPECT_EQ(backup(prop::TOTAL_BITRATE), 5000000);
 }
 
@@ -69,7 +72,8 @@ TEST(ChannelDataStream, NewSrtClientTellsEachSenderWhatItsChannelLeaves) {
     h.holder->initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, 8000000, row::HEVC);
     const char* figures[][2] = {
         {"Srt Sender CH0", "1.5"}, {"Srt Sender CH0 2", "6"}, {"Srt Sender CH1", "0.25"}, {"Srt Sender CH1 2", "x"}};
-    for (auto& figure : figures) h.mediator.model().setParam(figure[0], med::PARAM_STAT_BITRATE_MBPS, figure[1]);
+    for (auto& figure : figures)
+        h.mediator.model().setParam(figure[0], med::PARAM_STAT_BITRATE_MBPS, figure[1]);
     MessageEvent event = mediatorEvent(ev::SRT_NEW_CLIENT_REQUEST, "", "ON");
     EXPECT_EQ(h.channel().handleDataStreamEvent(&event), FC_OK);
     const std::vector<std::string> expected = {

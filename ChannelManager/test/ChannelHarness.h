@@ -20,6 +20,7 @@ struct RecordedEvent {
     std::string rowId;  // the row, or the file name of a configuration event, or the video input
     unsigned long fcode;
     std::string status;
+    std::string severity;
     std::string description;
 };
 
@@ -28,17 +29,17 @@ struct RecordedEvent {
 class EventRecorder : public IChannelEvents {
 public:
     void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
-                   const std::string& status, const std::string&, const std::string& description) override {
-        add({eventId, rowId, fcode, status, description});
+                   const std::string& status, const std::string& severity, const std::string& description) override {
+        add({eventId, rowId, fcode, status, severity, description});
     }
     void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override {
-        add({eventId, fileName, fcode, "None", fileName});
+        add({eventId, fileName, fcode, "None", "Debug", fileName});
     }
     void sendSourceEvent(const std::string& input, bool off, const std::string& description) override {
-        add({"Video Source Updated", input, 0, off ? "OFF" : "ON", description});
+        add({"Video Source Updated", input, 0, off ? "OFF" : "ON", "Info", description});
     }
     Fcodes sapStopAll() override {
-        add({"STOP ALL SAP", "", 0, "", ""});
+        add({"STOP ALL SAP", "", 0, "", "", ""});
         return FC_OK;
     }
     std::vector<RecordedEvent> events() const {

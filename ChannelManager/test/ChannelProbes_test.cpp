@@ -87,9 +87,9 @@ TEST(ChannelProbes, AddressesThatAreNotProbed) {
     struct Row {
         const char* address;
         Fcodes expected;
-    } rows[] = {{"239.1.1.9", FC_OK}, {"224.0.0.1", FC_OK},  // multicast: skipped silently
-                {"300.1.1.1", FC_BAD_VALUE}, {"127.0.0.1; true", FC_BAD_VALUE}, {"", FC_BAD_VALUE},
-                {"::1", FC_BAD_VALUE}};  // another family
+    } rows[] = {{"239.1.1.9", FC_OK},        {"224.0.0.1", FC_OK},  // multicast: skipped silently
+                {"300.1.1.1", FC_BAD_VALUE}, {"127.0.0.1; true", FC_BAD_VALUE},
+                {"", FC_BAD_VALUE},          {"::1", FC_BAD_VALUE}};  // another family
     for (const Row& row : rows) {
         setAddress(h, "H.264 Target1", row.address);
         EXPECT_EQ(h.channel().testConnectionToTarget(row::H264), row.expected) << "\"" << row.address << "\"";
@@ -128,7 +128,8 @@ TEST(ChannelProbes, ProbeReportsWhatPingAndTracerouteSay) {
         const std::vector<RecordedEvent> events = h.recorder.events();
         ASSERT_EQ(events.size(), row.event ? 1u : 0u) << row.pingStatus;
         if (row.event) {
-            EXPECT_EQ(events[0].id + " " + events[0].rowId + " " + events[0].status, std::string(row.event) + " HEVC None");
+            EXPECT_EQ(events[0].id + " " + events[0].rowId + " " + events[0].status,
+                      std::string(row.event) + " HEVC None");
             EXPECT_EQ(events[0].fcode, row.fcode);
             EXPECT_EQ(events[0].description, row.description);
         }
@@ -157,7 +158,8 @@ TEST(ChannelProbes, ManyProbesAtOnceWhileTheRowsChange) {
 
 TEST(ChannelProbes, RealPingOfLoopback) {
     const BoundedRun check = runBounded("ping -c 1 127.0.0.1", 3000, 0);
-    if (!check.started || check.status != 0) GTEST_SKIP() << "this host cannot ping 127.0.0.1";
+    if (!check.started || check.status != 0)
+        GTEST_SKIP() << "this host cannot ping 127.0.0.1";
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     setAddress(h, "H.264 Target1", "127.0.0.1");

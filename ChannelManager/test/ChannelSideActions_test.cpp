@@ -71,7 +71,12 @@ TEST(ChannelKlv, BranchFollowsTheIngestSettingsAndTheChannelState) {
         {"Serial", "None", nullptr, nullptr, nullptr, {"RAWKLVoSerial"}, {"Reset KLV Statistics"}},
         {"None", "Serial", "KLV Table", "Input Data Format", "COT", {"KLVoSerial"}, {"Reset KLV Statistics"}},
         {"IP", "None", nullptr, nullptr, nullptr, {"KLVoIP"}, {"Reset KLVoIP Statistics"}},
-        {"IP", "SDI-Sync", "KLV over IP", "Encapsulation", "RAW", {"RAWKLVoIP", "KLVoSDI CH0"},
+        {"IP",
+         "SDI-Sync",
+         "KLV over IP",
+         "Encapsulation",
+         "RAW",
+         {"RAWKLVoIP", "KLVoSDI CH0"},
          {"Reset KLVoIP Statistics", "Reset KLVoSDI Statistics"}},
         {"None", "None", nullptr, nullptr, nullptr, {}, {}},
     };
@@ -79,7 +84,8 @@ TEST(ChannelKlv, BranchFollowsTheIngestSettingsAndTheChannelState) {
         const std::string name = std::string(row.ingest) + "/" + row.ingest2;
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << name;
-        if (row.deviceTable) h.device.initTextParam(ds::DEVICE, row.deviceTable, row.deviceProperty, row.deviceValue, "");
+        if (row.deviceTable)
+            h.device.initTextParam(ds::DEVICE, row.deviceTable, row.deviceProperty, row.deviceValue, "");
         h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, row.ingest, row::H264);
         h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, row.ingest2, row::H264);
 

@@ -14,7 +14,7 @@ TEST(ChannelStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
         {"1200 packets, 0 dropped", " dropped", 0},
         {"1200 packets, 7 dropped", " dropped", 7},
         {"1200 packets, 7 dropped", " packets", 1200},  // the first item parses from the start
-        {"1200 packets", " rtt", 0},                     // no key
+        {"1200 packets", " rtt", 0},                    // no key
         {"", " packets", 0},
         {"5 packets,0x1f dropped", " dropped", 31},  // base detected from the prefix
         {"5 packets, 010 dropped", " dropped", 8},   // leading zero: octal
@@ -40,12 +40,18 @@ TEST(ChannelStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
     // The simulator's feeder adds 1000 packets, 10 dropped, 3 ARQ- and 2
     // FEC-recovered and 1 lost per refresh.
     const Expect expected[] = {
-        {tbl::ZIXI_QOS, prop::TOTAL_PACKETS, 1000, 2000},       {tbl::ZIXI_QOS, prop::PACKET_RATE, 1000, 1000},
-        {tbl::ZIXI_QOS, prop::DROPPED_PACKETS, 10, 20},          {tbl::ZIXI_QOS, prop::PACKET_LOSS, 1, 1},
-        {tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, 5, 10},         {tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS, 1, 2},
-        {tbl::ZIXI_NETWORK, prop::TOTAL_BITRATE, 5000000, 5000000}, {tbl::ZIXI_NETWORK, prop::AVAILABLE_BITRATE, 20000000, 20000000},
-        {tbl::ZIXI_NETWORK, prop::ROUND_TRIP_TIME, 21, 22},      {tbl::ZIXI_NETWORK, prop::JITTER, 2, 2},
-        {tbl::ZIXI_NETWORK, prop::ZIXI_LATENCY, 500, 500},       {tbl::ZIXI_NETWORK, prop::RECONNECTION, 0, 0},
+        {tbl::ZIXI_QOS, prop::TOTAL_PACKETS, 1000, 2000},
+        {tbl::ZIXI_QOS, prop::PACKET_RATE, 1000, 1000},
+        {tbl::ZIXI_QOS, prop::DROPPED_PACKETS, 10, 20},
+        {tbl::ZIXI_QOS, prop::PACKET_LOSS, 1, 1},
+        {tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, 5, 10},
+        {tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS, 1, 2},
+        {tbl::ZIXI_NETWORK, prop::TOTAL_BITRATE, 5000000, 5000000},
+        {tbl::ZIXI_NETWORK, prop::AVAILABLE_BITRATE, 20000000, 20000000},
+        {tbl::ZIXI_NETWORK, prop::ROUND_TRIP_TIME, 21, 22},
+        {tbl::ZIXI_NETWORK, prop::JITTER, 2, 2},
+        {tbl::ZIXI_NETWORK, prop::ZIXI_LATENCY, 500, 500},
+        {tbl::ZIXI_NETWORK, prop::RECONNECTION, 0, 0},
     };
     for (int tick = 1; tick <= 2; ++tick) {
         EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_OK) << "tick " << tick;

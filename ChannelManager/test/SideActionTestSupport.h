@@ -32,7 +32,8 @@ inline MessageEvent mediatorEvent(const std::string& id, const std::string& sour
     event.id = id;
     event.source = source;
     event.status = status;
-    for (const auto& [name, value] : params) event.addParam(name, value);
+    for (const auto& [name, value] : params)
+        event.addParam(name, value);
     return event;
 }
 
@@ -40,7 +41,8 @@ inline MessageEvent mediatorEvent(const std::string& id, const std::string& sour
 inline Fcodes simControl(ChannelHarness& h, const char* socket, const std::string& id, const Params& params) {
     MessageCommand command;
     command.setId(id);
-    for (const auto& [name, value] : params) command.addParam(name, value);
+    for (const auto& [name, value] : params)
+        command.addParam(name, value);
     std::string text, result;
     command.toString(text);
     return h.holder->requestCommand(socket, text, result, 2, 1);
@@ -54,6 +56,7 @@ inline Fcodes simFail(ChannelHarness& h, const std::string& commandId) {
 inline std::vector<std::string> writesTo(ChannelHarness& h, const std::string& prefix) {
     std::vector<std::string> found;
     for (const std::string& write : h.mediator.model().writes())
-        if (write.compare(0, prefix.size(), prefix) == 0) found.push_back(write);
+        if (write.compare(0, prefix.size(), prefix) == 0)
+            found.push_back(write);
     return found;
 }

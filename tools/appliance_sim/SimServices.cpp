@@ -25,7 +25,8 @@ Fcodes MediatorService::serveCommand(const MessageCommand& request, MessageComma
 Fcodes MediatorService::serveControl(const MessageCommand& request, std::vector<MessageEvent>& events) {
     if (request.getId() == sim::CMD_SIM_SET_INPUT) {
         std::string source, format;
-        if (request.getParam(sim::PARAM_SOURCE, source) == 0 || request.getParam(sim::PARAM_INPUT_DETECTED, format) == 0)
+        if (request.getParam(sim::PARAM_SOURCE, source) == 0 ||
+            request.getParam(sim::PARAM_INPUT_DETECTED, format) == 0)
             return FC_BODY_ERROR;
         return mediator.setInput(source, format, events);
     }
