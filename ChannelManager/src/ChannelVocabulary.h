@@ -400,6 +400,7 @@ constexpr const char* PARAM_BITRATE = "Bitrate";
 constexpr const char* PARAM_BITRATE_MARGIN = "Bitrate Margin";
 constexpr const char* PARAM_APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
 constexpr const char* PARAM_UPDATE_STATS = "Update Stats";
+constexpr const char* PARAM_STAT_BITRATE_MBPS = "Stat: Bitrate (mbps)";  // SRT senders
 constexpr const char* PARAM_SDP_DIRECTORY = "SDP directory";
 constexpr const char* PARAM_REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
 }  // namespace med

@@ -39,7 +39,8 @@ struct PipelineRun;
 // ConfigChannelReadback.cpp (effective encoder values), ConfigChannelInputFormat.cpp
 // (format tables and validation), ConfigChannelBitrates.cpp, the pipeline
 // sections (ConfigChannelPipeline*.cpp), ConfigChannelStatistics.cpp,
-// ConfigChannelSideActions.cpp (SAP, KLV, probes, LEDs) and
+// ConfigChannelDataStream.cpp, ConfigChannelSap.cpp, ConfigChannelKlv.cpp,
+// ConfigChannelProbes.cpp, ConfigChannelLeds.cpp and
 // ConfigChannelVideoSources.cpp.
 class ConfigChannelTarnevel {
 public:
@@ -110,7 +111,7 @@ public:
     // "Audio Gain" of an audio row ("H.264 Audio1" ...).
     Fcodes configAudioGain(const std::string& audioRowId);
 
-    // ---- Stream statistics and data-stream events (ConfigChannelStatistics.cpp) ----
+    // ---- Stream statistics (ConfigChannelStatistics.cpp) and data-stream events (ConfigChannelDataStream.cpp) ----
 
     // `targetRowId` is a target row ("HEVC Target1" ... "H.264 Target2").
     Fcodes updateZixiStatistics(const std::string& targetRowId);
@@ -121,7 +122,7 @@ public:
     // "Srt New Client Request"; borrows the event.
     Fcodes handleDataStreamEvent(MessageEvent* event);
 
-    // ---- SAP, KLV, target probes and LEDs (ConfigChannelSideActions.cpp) ----
+    // ---- SAP, KLV, target probes and LEDs (ConfigChannelSap/Klv/Probes/Leds.cpp) ----
 
     // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
     Fcodes sapAction(const std::string& rowId);
@@ -188,6 +189,14 @@ private:
     void configRtmpServer(PipelineRun& run, size_t target);
     // ConfigChannelPipelineSummary.cpp
     void configSummary(PipelineRun& run);           // 27
+
+    // ---- Side-action helpers (ConfigChannelDataStream.cpp, ConfigChannelVideoSources.cpp) ----
+    Fcodes zixiChangeBitrate(const MessageEvent& event);
+    Fcodes srtNewClient();
+    // Writes a source's detected format, makes its channels follow, tells the subscribers.
+    Fcodes applyDetectedInput(const std::string& videoSource, const std::string& format);
+    // One channel on the source follows its input; caller holds the holder lock.
+    Fcodes followInput(const std::string& rowId, const std::string& videoSource);
 
     // ---- Command entry (ConfigChannelExecute.cpp) ----
 

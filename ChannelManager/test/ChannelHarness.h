@@ -8,6 +8,7 @@
 #include "ChannelTestSupport.h"
 #include "ConfigChannelTarnevel.h"
 #include "IChannelEvents.h"
+#include "ProbeRegistry.h"
 #include "SimServices.h"
 #include "TrafficLog.h"
 #include "holder/DataHolder.h"
@@ -97,9 +98,11 @@ public:
         if (started) simLoaded |= device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
         holder = std::make_unique<ChannelTestHolder>();
     }
-    // The services' threads end before their models go: a thread still in
-    // its last request must not meet a model already destroyed.
+    // Target probes report to the recorder: they end (each within its bound)
+    // before it goes. Then the services' threads end before their models go:
+    // a thread still in its last request must not meet a model already destroyed.
     ~ChannelHarness() {
+        ProbeRegistry::instance().waitIdle(std::chrono::seconds(30));
         holder.reset();
         sap.stop();
         device.stop();

@@ -144,6 +144,8 @@ Fcodes MediatorModel::putParam(const MessageCommand& request) {
         return FC_NO_SUCH_NAME;
     found->second[parameter] = value;
     recordedWrites.push_back(component + "/" + parameter + "=" + value);
+    if (parameter == sim::PARAM_UPDATE_STATS && value != "0")
+        advanceStats(component);
     return FC_OK;
 }
 
@@ -201,4 +203,64 @@ std::string MediatorModel::report() const {
     for (const std::string& write : recordedWrites)
         out << "write " << write << "\n";
     return out.str();
+}
+
+namespace {
+
+// Video source rows and the mediator's receiver of each.
+const std::pair<const char*, const char*> kReceivers[] = {
+    {"HD-SDI", "SDI_RECEIVER"}, {"Composite", "CVBS_RECEIVER"}, {"DVI-D", "DVI_RECEIVER"}, {"HDMI", "HDMI_RECEIVER"}};
+
+bool startsWith(const std::string& text, const char* prefix) {
+    return text.rfind(prefix, 0) == 0;
+}
+
+}  // namespace
+
+Fcodes MediatorModel::setInput(const std::string& source, const std::string& format,
+                               std::vector<MessageEvent>& events) {
+    const char* receiver = nullptr;
+    for (const auto& [row, component] : kReceivers)
+        if (source == row)
+            receiver = component;
+    if (receiver == nullptr)
+        return FC_NO_SUCH_NAME;
+    {
+        std::lock_guard<std::mutex> guard(mutex);
+        params[receiver][sim::PARAM_VIDEO_FORMAT] = format;
+    }
+    MessageEvent event;
+    event.id = sim::EVT_AUTO_DETECTION;
+    event.source = source;
+    event.status = format == "None" ? "OFF" : "ON";
+    event.severity = "Info";
+    event.description = source + " detects " + format;
+    event.addParam(sim::PARAM_INPUT_DETECTED, format);
+    events.push_back(event);
+    return FC_OK;
+}
+
+// A running link between two refreshes: every tick adds 1000 packets with
+// 1% dropped and a few recovered, so successive reads differ as they would
+// on the appliance. Caller holds the mutex.
+void MediatorModel::advanceStats(const std::string& component) {
+    const unsigned tick = ++statTicks[component];
+    auto& table = params[component];
+    const std::string n = std::to_string(tick);
+    if (startsWith(component, "Zixi Feeder")) {
+        table["Network Stats"] = std::to_string(1000 * tick) + " packets, 1000 packet_rate, " +
+                                 std::to_string(10 * tick) + " dropped, 5000000 bitrate, 20000000 available, " +
+                                 std::to_string(20 + tick % 5) + " rtt, 2 jitter, 500 latency";
+        table["Error Correction Stats"] =
+            std::to_string(3 * tick) + " arq_recovered, " + std::to_string(2 * tick) + " fec_recovered, " + n +
+            " not_recovered";
+        table["Connection Stats"] = std::to_string(tick / 10) + " reconnections";
+    } else if (startsWith(component, "Srt Sender")) {
+        table["Stat: Bitrate (mbps)"] = std::to_string(4 + tick % 4) + ".5";
+        table["Stat: RTT"] = std::to_string(2 + tick % 3);
+        table["Stat: Packets"] = std::to_string(1000 * tick);
+        table["Stat: Lost Packets"] = n;
+        table["Stat: Dropped Packets"] = std::to_string(tick / 2);
+        table["Stat: Retransmitted Packets"] = std::to_string(2 * tick);
+    }
 }

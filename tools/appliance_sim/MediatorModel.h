@@ -31,6 +31,11 @@ public:
 
     // Sets a parameter as the mediator itself would (control command).
     void setParam(const std::string& component, const std::string& parameter, const std::string& value);
+    // The receiver of a video source row now detects `format`: its "Video
+    // Format" changes and an "Auto Detection Event" (Source = the row,
+    // parameter "Input Detected" = format) goes into `events`. "No Such Name"
+    // for a row without a receiver.
+    Fcodes setInput(const std::string& source, const std::string& format, std::vector<MessageEvent>& events);
     // "RUN" or "STOP"; a branch never started is "STOP".
     std::string branchState(const std::string& branch) const;
     // The writes received, in order, as `Component/Parameter=value`.
@@ -47,12 +52,16 @@ private:
     Fcodes getParam(const MessageCommand& request, MessageCommand& answer) const;
     Fcodes putParam(const MessageCommand& request);
     Fcodes changeBranch(const MessageCommand& request, bool start, std::vector<MessageEvent>& events);
+    // One refresh of a Zixi feeder's or SRT sender's statistics texts.
+    void advanceStats(const std::string& component);
 
     mutable std::mutex mutex;
     std::map<std::string, std::map<std::string, std::string>> params;
     std::map<std::string, std::string> branches;
     std::vector<std::string> recordedWrites;
     mutable std::vector<std::string> recordedReads;
+    // Refreshes ("Update Stats") seen per component.
+    std::map<std::string, unsigned> statTicks;
     // One component name a line, in name order, unless a client put another.
     std::string assemblyText;
 };

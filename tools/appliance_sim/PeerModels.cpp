@@ -29,6 +29,7 @@ std::string paramsText(const MessageParams& params) {
 Fcodes SapModel::serve(const MessageCommand& request) {
     const std::string& id = request.getId();
     std::lock_guard<std::mutex> guard(mutex);
+    served.push_back(request.params.empty() ? id : id + " " + paramsText(request));
     if (id == sim::CMD_STOP_ALL_SAP) {
         announced.clear();
         return FC_OK;
@@ -54,6 +55,11 @@ std::vector<std::string> SapModel::streams() const {
     for (const auto& entry : announced)
         keys.push_back(entry.first);
     return keys;
+}
+
+std::vector<std::string> SapModel::requests() const {
+    std::lock_guard<std::mutex> guard(mutex);
+    return served;
 }
 
 std::string SapModel::report() const {

@@ -20,11 +20,14 @@ public:
     Fcodes serve(const MessageCommand& request);
     // "ChannelName DestinationIp:DestinationPort" of each announced stream, sorted.
     std::vector<std::string> streams() const;
+    // Every request served, as `ID name=value ...` (names in order), in order.
+    std::vector<std::string> requests() const;
     std::string report() const;
 
 private:
     mutable std::mutex mutex;
     std::map<std::string, MessageParams::ParamMap> announced;
+    std::vector<std::string> served;
 };
 
 // The device manager's commands: answered and recorded; "Toggle KLVoSDI

@@ -31,7 +31,7 @@ std::string requestName(const MessageHeader& header, const std::string& body) {
 
 bool isControl(const std::string& id) {
     return id == sim::CMD_SIM_FAIL || id == sim::CMD_SIM_EMIT_EVENT || id == sim::CMD_SIM_REPORT ||
-           id == sim::CMD_SIM_SET_PARAM;
+           id == sim::CMD_SIM_SET_PARAM || id == sim::CMD_SIM_SET_INPUT;
 }
 
 }  // namespace
@@ -215,7 +215,7 @@ Fcodes SimService::execute(const std::string& commandText, std::string& result) 
     } else if (id == sim::CMD_SIM_REPORT) {
         answer.addParam(sim::PARAM_REPORT, report() + failures.describe());
     } else if (isControl(id)) {
-        code = serveControl(request);
+        code = serveControl(request, pendingEvents);
     } else {
         code = serveCommand(request, answer, pendingEvents);
     }
@@ -224,7 +224,7 @@ Fcodes SimService::execute(const std::string& commandText, std::string& result) 
     return code;
 }
 
-Fcodes SimService::serveControl(const MessageCommand& /*request*/) {
+Fcodes SimService::serveControl(const MessageCommand& /*request*/, std::vector<MessageEvent>& /*events*/) {
     return FC_NO_SUCH_NAME;
 }
 

@@ -55,7 +55,8 @@ protected:
     virtual Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
                                 std::vector<MessageEvent>& events) = 0;
     // A further control command of this service; FC_NO_SUCH_NAME when unknown.
-    virtual Fcodes serveControl(const MessageCommand& request);
+    // Raised events go into `events`, sent after the answer.
+    virtual Fcodes serveControl(const MessageCommand& request, std::vector<MessageEvent>& events);
     // What the service recorded, one entry a line.
     virtual std::string report() const = 0;
     // Called after a "SET" succeeded.

@@ -22,7 +22,14 @@ Fcodes MediatorService::serveCommand(const MessageCommand& request, MessageComma
     return mediator.serve(request, answer, events);
 }
 
-Fcodes MediatorService::serveControl(const MessageCommand& request) {
+Fcodes MediatorService::serveControl(const MessageCommand& request, std::vector<MessageEvent>& events) {
+    if (request.getId() == sim::CMD_SIM_SET_INPUT) {
+        std::string source, format;
+        if (request.getParam(sim::PARAM_SOURCE, source) == 0 ||
+            request.getParam(sim::PARAM_INPUT_DETECTED, format) == 0)
+            return FC_BODY_ERROR;
+        return mediator.setInput(source, format, events);
+    }
     if (request.getId() != sim::CMD_SIM_SET_PARAM)
         return FC_NO_SUCH_NAME;
     std::string component, parameter, value;

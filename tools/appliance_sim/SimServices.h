@@ -8,7 +8,7 @@
 #include "SimService.h"
 
 // The media mediator: the "Tarnevel ..." commands over MediatorModel, and the
-// control command "Sim Set Param".
+// control commands "Sim Set Param" and "Sim Set Input".
 class MediatorService : public SimService {
 public:
     // Stops serving and the worker before this object goes, so that no hook
@@ -23,7 +23,7 @@ public:
 protected:
     Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
                         std::vector<MessageEvent>& events) override;
-    Fcodes serveControl(const MessageCommand& request) override;
+    Fcodes serveControl(const MessageCommand& request, std::vector<MessageEvent>& events) override;
     std::string report() const override { return mediator.report(); }
 
 private:
@@ -44,6 +44,7 @@ public:
     // Copies the data set's file into the device manager's place under the
     // root and loads it from there. Call after start(). `error` says why not.
     Fcodes loadDataSetFile(const std::string& hostPath, std::string& error);
+    DeviceCommandModel& model() { return commands; }
 
 protected:
     Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
@@ -65,6 +66,7 @@ public:
         shutdown();
     }
     explicit SapService(TrafficLog& traffic) : SimService("sap", traffic) {}
+    SapModel& model() { return sap; }
 
 protected:
     Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,

@@ -15,6 +15,10 @@ constexpr const char* SOCK_SEND_SAP = "/tmp/sockSendSap";
 constexpr const char* EVT_BRANCH_STARTED = "Tarnevel Branch Started";
 constexpr const char* EVT_BRANCH_STOPPED = "Tarnevel Branch Stopped";
 
+// Mediator parameters the simulator itself changes.
+constexpr const char* PARAM_UPDATE_STATS = "Update Stats";
+constexpr const char* PARAM_VIDEO_FORMAT = "Video Format";
+
 // Device manager: its data set and commands.
 constexpr const char* DEVICE_DATA_SET = "DeviceDataSet";
 constexpr const char* DEVICE_DATA_SET_PATH = "/etc/sysmgt/device_data_set.json";
@@ -39,6 +43,13 @@ constexpr const char* PARAM_DESTINATION_PORT = "DestinationPort";
 constexpr const char* CMD_SIM_FAIL = "Sim Fail";
 // "Sim Set Param" (mediator): Component, Parameter, Value.
 constexpr const char* CMD_SIM_SET_PARAM = "Sim Set Param";
+// "Sim Set Input" (mediator): Source = a video source row ("HD-SDI",
+// "Composite", "DVI-D", "HDMI"), Input Detected = the format its receiver now
+// detects ("None" for no signal). Sets the receiver's "Video Format" and
+// sends "Auto Detection Event" with that Source and parameter.
+constexpr const char* CMD_SIM_SET_INPUT = "Sim Set Input";
+constexpr const char* PARAM_INPUT_DETECTED = "Input Detected";
+constexpr const char* EVT_AUTO_DETECTION = "Auto Detection Event";
 // "Sim Emit Event": Event=ID [Source] [Status] [Description] [Severity], every
 // other parameter travels as a parameter of the event.
 constexpr const char* CMD_SIM_EMIT_EVENT = "Sim Emit Event";

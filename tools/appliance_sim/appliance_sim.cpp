@@ -44,6 +44,10 @@ const char* const USAGE =
     "  \"Sim Emit Event\" Event=ID [Source=S] [Status=S] [Description=D] [Severity=S]\n"
     "      [Fcode=CODE] [NAME=VALUE...]  sends the event to the socket's subscribers\n"
     "  \"Sim Set Param\" Component=C Parameter=P Value=V  (mediator) sets a parameter\n"
+    "  \"Sim Set Input\" Source=ROW \"Input Detected=FORMAT\"  (mediator) the receiver of\n"
+    "      the video source ROW (HD-SDI, Composite, DVI-D, HDMI) detects FORMAT (None:\n"
+    "      no signal) and \"Auto Detection Event\" goes to the subscribers\n"
+    "  A Zixi feeder's or SRT sender's \"Update Stats\" = 1 advances its statistics\n"
     "  \"Sim Report\"  answers Report = branches, writes, commands, streams and the\n"
     "      failures still pending, one a line\n";
 

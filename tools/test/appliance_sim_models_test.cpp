@@ -124,6 +124,30 @@ TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
     EXPECT_TRUE(events.empty());
 }
 
+TEST(MediatorModel, ReceiverInputChangesRaiseAutoDetection) {
+    MediatorModel model;
+    std::string error;
+    ASSERT_EQ(FC_OK, model.loadParams(PARAMS_JSON, error)) << error;
+    std::vector<MessageEvent> events;
+    ASSERT_EQ(FC_OK, model.setInput("HD-SDI", "None", events));
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ("Auto Detection Event", events[0].id);
+    EXPECT_EQ("HD-SDI", events[0].source);
+    std::string detected;
+    EXPECT_EQ(1, events[0].getParam("Input Detected", detected));
+    EXPECT_EQ("None", detected);
+    MessageCommand answer;
+    ASSERT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_GET_PARAM, {{"Component", "SDI_RECEIVER"},
+                                                                        {"Parameter", "Video Format"},
+                                                                        {"TextValue", ""}}),
+                                 answer, events));
+    std::string format;
+    answer.getParam("TextValue", format);
+    EXPECT_EQ("None", format);
+    EXPECT_EQ(FC_NO_SUCH_NAME, model.setInput("SDI 2", "None", events));
+
+}
+
 TEST(SapModel, StreamsAreAnnouncedWithdrawnAndAllCleared) {
     SapModel model;
     auto stream = [](const char* name, const char* port) {
