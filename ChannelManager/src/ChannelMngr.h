@@ -145,7 +145,8 @@ private:
     int armTimer();
 
     static ChannelMngr* instance;
-    void* timer = nullptr;  // the POSIX timer, once startTimer made it
+    void* timer = nullptr;   // the POSIX timer, once startTimer made it
+    bool timerMade = false;  // the first timer's id is 0: `timer` alone cannot tell
     sem_t ticks{};          // posted by timerTicked, taken by the refresh thread
     pthread_t refreshThread{};
     bool refreshRunning = false;

@@ -22,7 +22,7 @@ ChannelMngr::~ChannelMngr() {
         pthread_join(refreshThread, nullptr);
         refreshRunning = false;
     }
-    if (timer != nullptr) {
+    if (timerMade) {
         timer_delete(static_cast<timer_t>(timer));
         sem_destroy(&ticks);
     }
@@ -30,7 +30,7 @@ ChannelMngr::~ChannelMngr() {
 }
 
 int ChannelMngr::startTimer() {
-    if (timer == nullptr) {
+    if (!timerMade) {
         if (sem_init(&ticks, 0, 0) != 0)
             return -1;
         struct sigaction action {};
@@ -50,6 +50,7 @@ int ChannelMngr::startTimer() {
             return -1;
         }
         setTimer(created);
+        timerMade = true;
     }
     if (!refreshRunning) {
         const int made = pthread_create(&refreshThread, nullptr, &ChannelMngr::refreshWork, this);
