@@ -1,0 +1,176 @@
+#pragma once
+
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "SimProcess.h"
+#include "TestRoot.h"
+
+// A process started through the shell (`command` is exec'd, so the pid is the
+// tool's own). The destructor ends it by its pid: SIGTERM, then SIGKILL after
+// a bounded wait.
+class ChildProcess {
+public:
+    ChildProcess() = default;
+    explicit ChildProcess(const std::string& command) { start(command); }
+    ~ChildProcess() { stop(); }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    void start(const std::string& command) {
+        const std::string line = "exec " + command;
+        pid = fork();
+        if (pid == 0) {
+            execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char*>(nullptr));
+            _exit(127);
+        }
+    }
+    pid_t id() const { return pid; }
+    // True while the process has not ended (it is reaped when it has).
+    bool running() {
+        if (pid <= 0)
+            return false;
+        int raw = 0;
+        if (waitpid(pid, &raw, WNOHANG) != pid)
+            return true;
+        status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        pid = -1;
+        return false;
+    }
+    // Waits a bounded time for the process to end by itself; its exit status, -1 otherwise.
+    int wait(double limitSec) {
+        waitFor([this] { return !running(); }, limitSec);
+        return pid > 0 ? -1 : status;
+    }
+    int stop() {
+        if (pid <= 0)
+            return status;
+        kill(pid, SIGTERM);
+        int raw = 0;
+        if (!waitFor([&] { return waitpid(pid, &raw, WNOHANG) == pid; }, 10)) {
+            kill(pid, SIGKILL);
+            waitpid(pid, &raw, 0);
+        }
+        status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        pid = -1;
+        return status;
+    }
+
+private:
+    pid_t pid = -1;
+    int status = -1;
+};
+
+// A run of a tool to its end: standard output and error together, exit status.
+struct ToolRun {
+    std::string output;
+    int status = -1;
+};
+
+inline ToolRun finishTool(FILE* pipe) {
+    ToolRun run;
+    if (pipe == nullptr)
+        return run;
+    char buffer[512];
+    while (fgets(buffer, sizeof buffer, pipe) != nullptr)
+        run.output += buffer;
+    int raw = pclose(pipe);
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return run;
+}
+
+// chanctl with `args` (quoted for the shell), started; read it with finishTool.
+inline FILE* startChanctl(const std::string& args) {
+    return popen((toolCommand("chanctl") + " " + args + " 2>&1").c_str(), "r");
+}
+
+inline ToolRun chanctl(const std::string& args) {
+    return finishTool(startChanctl("--timeout 20 " + args));
+}
+
+inline bool fileExists(const std::string& logicalPath) {
+    struct stat info {};
+    return stat(sysmgtPath(logicalPath).c_str(), &info) == 0;
+}
+
+// Copies the factory datasets of etc/sysmgt into the root's /etc/sysmgt.
+inline bool installFactoryData() {
+    bool copied = true;
+    for (const char* file : {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json",
+                             "srtstat_data_set.json"}) {
+        std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/" + file, std::ios::binary);
+        std::ofstream out(sysmgtPath(std::string("/etc/sysmgt/") + file), std::ios::binary);
+        out << in.rdbuf();
+        copied = copied && in.good() && out.good();
+    }
+    return copied;
+}
+
+// The channel manager as the appliance runs it, in a fresh root of its own: the log
+// collector (its lines in /tmp/dbg.log), the simulated peers, and the daemon
+// (its standard output and error in /tmp/daemon.out) with its start file
+// /tmp/cm.start. Every wait is bounded; the destructor ends the three by pid.
+class DaemonSession {
+public:
+    static constexpr double START_LIMIT_SEC = 60;  // under qemu-arm and sanitizers too
+    static constexpr const char* START_FILE = "/tmp/cm.start";
+
+    explicit DaemonSession(const std::string& daemonOptions = "", int simTimeoutSec = 120)
+        : simulator(simTimeoutSec) {
+        factoryInstalled = installFactoryData();
+        logger.start(toolCommand("dbglog") + " --timeout " + std::to_string(simTimeoutSec) + " > " +
+                     sysmgtPath("/tmp/dbg.log"));
+        loggerReady = waitFor([] { return fileExists("/tmp/sockDbg"); }, START_LIMIT_SEC);
+        simulatorReady = simulator.waitReady();
+        if (loggerReady && simulatorReady)
+            startDaemon(daemonOptions);
+    }
+    ~DaemonSession() {
+        daemon.stop();
+        simulator.stop();
+        logger.stop();
+    }
+
+    void startDaemon(const std::string& options = "") {
+        unlink(sysmgtPath(START_FILE).c_str());
+        daemon.start(toolCommand("channel_manager") + " -s " + START_FILE + " " + options + " > " +
+                     sysmgtPath("/tmp/daemon.out") + " 2>&1");
+        daemonReady = waitFor([] { return fileExists(START_FILE) && !readText(sysmgtPath(START_FILE)).empty(); },
+                              START_LIMIT_SEC);
+    }
+    // Ends the daemon only, as a power cut would (SIGKILL, no clean-up).
+    void killDaemon() {
+        if (daemon.id() > 0)
+            kill(daemon.id(), SIGKILL);
+        daemon.wait(10);
+    }
+    bool ready() const { return factoryInstalled && loggerReady && simulatorReady && daemonReady; }
+
+    std::string log() const { return readText(sysmgtPath("/tmp/dbg.log")); }
+    std::string daemonOutput() const { return readText(sysmgtPath("/tmp/daemon.out")); }
+    bool waitLog(const std::string& text, double limitSec = 20) const {
+        return waitFor([&] { return log().find(text) != std::string::npos; }, limitSec);
+    }
+    // Everything the daemon, its peers and the log said, for a failure message.
+    std::string everything() const {
+        return "--- daemon output\n" + daemonOutput() + "--- traffic\n" + simulator.traffic() + "--- log\n" + log();
+    }
+
+    TestRoot root;  // made first, removed last
+    ChildProcess logger;
+    SimProcess simulator;
+    ChildProcess daemon;
+
+private:
+    bool factoryInstalled = false;
+    bool loggerReady = false;
+    bool simulatorReady = false;
+    bool daemonReady = false;
+};
