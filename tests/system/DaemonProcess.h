@@ -6,11 +6,18 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <condition_variable>
 #include <cstdio>
+#include <functional>
+#include <mutex>
+#include <vector>
 #include <fstream>
 #include <string>
 
 #include "SimProcess.h"
+#include "engine/DataCommunicator.h"
+#include "engine/NullDataHolder.h"
+#include "records/MessageCommand.h"
 #include "TestRoot.h"
 
 // A process started through the shell (`command` is exec'd, so the pid is the
@@ -173,4 +180,82 @@ private:
     bool loggerReady = false;
     bool simulatorReady = false;
     bool daemonReady = false;
+};
+
+// The front end's side: an engine on sockets of its own, subscribed to the
+// channel manager, that keeps every event it receives for the test to wait
+// on. Make it after the session, inside the session's root. Events arrive on
+// the engine's server thread; the test reads them under the same mutex.
+class FrontEnd : public NullDataHolder {
+public:
+    FrontEnd() {
+        engine.init(this, "/tmp/sockFrontEnd", "/tmp/sockSendFrontEnd", "tFrontEnd");
+        engine.start();
+    }
+    ~FrontEnd() override { engine.stop(); }
+
+    Fcodes handle(MessageEvent* event) override {
+        std::unique_ptr<MessageEvent> owned(event);
+        std::lock_guard<std::mutex> guard(mutex);
+        events.push_back(*owned);
+        arrived.notify_all();
+        return FC_OK;
+    }
+    Fcodes subscribe() { return command("SUBSCRIBE", {{"SockName", "/tmp/sockFrontEnd"}}); }
+
+    // Sends a command to the channel manager (one try) and returns its verdict:
+    // the Fcode of its ACK, or of its NACK (the engine's own requestCommand
+    // would turn a NACK into "Message Header Error").
+    Fcodes command(const std::string& id, const MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
+        MessageCommand request;
+        request.setId(id);
+        request.params = params;
+        std::string text, replyBody;
+        request.toString(text);
+        const std::string body = "<BODY>\n\t" + text + "\n</BODY>\n";
+        MessageHeader header, reply;
+        header.ID = 100;
+        header.Type = "COMMAND";
+        header.Size = static_cast<int32_t>(body.size());
+        Fcodes code = engine.sendRequest("/tmp/sockChan", header, body, reply, replyBody, timeoutSec, 1);
+        if (!isOk(code))
+            return code;
+        return reply.Type == "ACK" || reply.Type == "NACK" ? reply.Fcode : FC_HEADER_ERROR;
+    }
+
+    // Waits a bounded time for an event that `match` accepts; true with it in `found`.
+    bool waitEvent(const std::function<bool(const MessageEvent&)>& match, MessageEvent& found, int limitSec = 30) {
+        std::unique_lock<std::mutex> lock(mutex);
+        return arrived.wait_for(lock, std::chrono::seconds(limitSec), [&] {
+            for (const MessageEvent& event : events)
+                if (match(event)) {
+                    found = event;
+                    return true;
+                }
+            return false;
+        });
+    }
+    // A configuration event ("Channels Loaded", "Channels Stored") naming `file`.
+    bool waitFileEvent(const std::string& id, const std::string& file, MessageEvent& found, int limitSec = 30) {
+        return waitEvent(
+            [&](const MessageEvent& event) {
+                std::string named;
+                return event.id == id && event.getParam("File", named) && named == file;
+            },
+            found, limitSec);
+    }
+    std::vector<std::string> ids() {
+        std::lock_guard<std::mutex> guard(mutex);
+        std::vector<std::string> out;
+        for (const MessageEvent& event : events)
+            out.push_back(event.id);
+        return out;
+    }
+
+    DataCommunicator engine;
+
+private:
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::vector<MessageEvent> events;
 };
