@@ -1,8 +1,8 @@
 // The channel manager's command table, through execute as the engine calls
-// it: missing parameters, letter case, the stored file and its archive, and
-// the loading of channel files.
+// it: missing parameters and their log lines, letter case, the loading of
+// channel files and the acceptance of changes. (The stored file and its
+// archive are tested with the daemon as a process, in tests/system.)
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <json/json.h>
 
@@ -10,23 +10,6 @@
 
 #include "ManagerHarness.h"
 #include "system/SysmgtRoot.h"
-
-namespace {
-
-bool exists(const std::string& logicalPath) {
-    struct stat info {};
-    return stat(sysmgtPath(logicalPath).c_str(), &info) == 0;
-}
-
-std::string fileStart(const std::string& logicalPath, size_t bytes) {
-    std::ifstream in(sysmgtPath(logicalPath), std::ios::binary);
-    std::string text(bytes, '\0');
-    in.read(&text[0], static_cast<std::streamsize>(bytes));
-    text.resize(static_cast<size_t>(in.gcount()));
-    return text;
-}
-
-}  // namespace
 
 TEST(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     ManagerHarness h;
@@ -88,36 +71,6 @@ TEST(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
     EXPECT_EQ(FC_BODY_ERROR, h.manager.doExecute("no command", result));
     EXPECT_EQ(FC_UNAVAILABLE, h.manager.deleteRow("ChannelsTable", 1));
     EXPECT_TRUE(h.waitLog("deleteRow: Unsupported"));
-}
-
-TEST(ChannelMngrCommands, StoreChannelsWritesTheSettingsArchiveOnlyUnderDataSettings) {
-    ManagerHarness h;
-    ASSERT_TRUE(h.ready());
-    ASSERT_EQ(FC_OK, h.manager.loadDataSet(vocab::path::FACTORY_CHANNELS));
-
-    EXPECT_EQ(FC_OK, h.execute("STORE_CHANNELS", {{"File", "/tmp/channels.json"}}));
-    EXPECT_TRUE(exists("/tmp/channels.json"));
-    EXPECT_FALSE(exists("/tmp/devsettings.tgz"));
-
-    EXPECT_EQ(FC_OK, h.execute("STORE_CHANNELS", {{"File", "/data/settings/channels.json"}}));
-    EXPECT_TRUE(exists("/data/settings/channels.json"));
-    EXPECT_EQ("\x1f\x8b", fileStart("/tmp/devsettings.tgz", 2)) << "the archive is gzip data";
-    EXPECT_FALSE(exists("/tmp/devsettings.tar"));
-    EXPECT_FALSE(exists("/tmp/devsettings.tar.gz"));
-    // A second store replaces the archive.
-    EXPECT_EQ(FC_OK, h.execute("STORE_CHANNELS", {{"File", "/data/settings/channels.json"}}));
-
-    // A file that cannot be written: the store's failure, told to the subscribers too.
-    EXPECT_EQ(FC_UNAVAILABLE, h.execute("STORE_CHANNELS", {{"File", "/nowhere/channels.json"}}));
-    EXPECT_TRUE(h.waitLog("execute: Storing file=/nowhere/channels.json"));
-    EXPECT_TRUE(h.waitLog("execute: After Storing file=/nowhere/channels.json"));
-
-    const std::string ok = std::to_string(FC_OK);
-    EXPECT_EQ((std::vector<std::string>{"Channels Stored /tmp/channels.json " + ok,
-                                        "Channels Stored /data/settings/channels.json " + ok,
-                                        "Channels Stored /data/settings/channels.json " + ok,
-                                        "Channels Stored /nowhere/channels.json " + std::to_string(FC_UNAVAILABLE)}),
-              h.manager.configEvents());
 }
 
 TEST(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDefaults) {
