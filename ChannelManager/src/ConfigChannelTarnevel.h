@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "records/Fcodes.h"
+#include "records/MessageCommand.h"
 #include "records/MessageEvent.h"
 
 class DataHolder;
@@ -31,8 +32,10 @@ class IChannelEvents;
 // Results are Fcodes OR-merged over every step, "OK" (0x10000) when all
 // steps succeeded.
 //
-// The implementation is split by concern: ConfigChannelLifecycle.cpp (command
-// entry, state machine, row and branch mappings), ConfigChannelInputFormat.cpp
+// The implementation is split by concern: ConfigChannelExecute.cpp (command
+// entry), ConfigChannelStateMachine.cpp (play, stop, start-up, branch
+// events), ConfigChannelRows.cpp (row and branch mappings, bitrate backup),
+// ConfigChannelReadback.cpp (effective encoder values), ConfigChannelInputFormat.cpp
 // (format tables and validation), ConfigChannelBitrates.cpp, the pipeline
 // sections (ConfigChannelPipeline*.cpp), ConfigChannelStatistics.cpp,
 // ConfigChannelSideActions.cpp (SAP, KLV, probes, LEDs) and
@@ -44,7 +47,8 @@ public:
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
 
-    // ---- Command entry and state machine (ConfigChannelLifecycle.cpp) ----
+    // ---- Command entry, state machine and rows (ConfigChannelExecute.cpp,
+    //      ConfigChannelStateMachine.cpp, ConfigChannelRows.cpp, ConfigChannelReadback.cpp) ----
 
     // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
     // statistics commands, with "RowID" naming a channel, "ALL" or "0".
@@ -140,6 +144,41 @@ public:
     Fcodes triggerVideoSource(const std::string& videoSource);
 
 private:
+    // ---- Command entry (ConfigChannelExecute.cpp) ----
+
+    // One command on one channel row; "ALL" is expanded by execute.
+    Fcodes activateRow(const std::string& rowId, const MessageCommand& command);
+    Fcodes changeOnTheFly(const std::string& rowId, const MessageCommand& command);
+    Fcodes play(const std::string& rowId, const MessageCommand& command);
+    // The forced stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
+    Fcodes forcedStop(const std::string& rowId);
+    Fcodes stopAll();
+    // The instances of "ChannelsTable": the rows "ALL" stands for.
+    std::vector<std::string> channelRows();
+
+    // ---- State machine helpers (ConfigChannelStateMachine.cpp) ----
+
+    // Starts the branch of every enabled target in state "STOP". On a failed
+    // start: "Channel Play Error", stopChannel, and `failed` is set with the
+    // start's code in `result`. Otherwise `result` holds the code of the last
+    // target visited (reads and branch lookup).
+    void startTargets(const std::string& rowId, const std::vector<std::string>& targets, Fcodes& result,
+                      bool& failed);
+    // Stops the running branches of the enabled targets of one kind (Zixi or
+    // not); sets `stopFailed` when a stop was refused.
+    Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi, bool& stopFailed);
+
+    // ---- Read-back (ConfigChannelReadback.cpp) ----
+
+    // The effective encoder and multiplexer values into the encoder settings.
+    Fcodes writeBackEncoderSettings(const std::string& rowId);
+
+    // ---- Bitrates (ConfigChannelBitrates.cpp) ----
+
+    Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
+    void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
+                            int value);
+
     DataHolder& holder;
     IChannelEvents& events;
 };

@@ -19,6 +19,8 @@ struct RecordedEvent {
     std::string rowId;  // the row, or the file name of a configuration event, or the video input
     unsigned long fcode;
     std::string status;
+    std::string severity;
+    std::string description;
 };
 
 // Records the channel logic's events instead of broadcasting them.
@@ -26,17 +28,17 @@ struct RecordedEvent {
 class EventRecorder : public IChannelEvents {
 public:
     void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
-                   const std::string& status, const std::string&, const std::string&) override {
-        add({eventId, rowId, fcode, status});
+                   const std::string& status, const std::string& severity, const std::string& description) override {
+        add({eventId, rowId, fcode, status, severity, description});
     }
     void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override {
-        add({eventId, fileName, fcode, "None"});
+        add({eventId, fileName, fcode, "None", "Debug", fileName});
     }
-    void sendSourceEvent(const std::string& input, bool off, const std::string&) override {
-        add({"Video Source Updated", input, 0, off ? "OFF" : "ON"});
+    void sendSourceEvent(const std::string& input, bool off, const std::string& description) override {
+        add({"Video Source Updated", input, 0, off ? "OFF" : "ON", "Info", description});
     }
     Fcodes sapStopAll() override {
-        add({"STOP ALL SAP", "", 0, ""});
+        add({"STOP ALL SAP", "", 0, "", "", ""});
         return FC_OK;
     }
     std::vector<RecordedEvent> events() const {
