@@ -1,17 +1,11 @@
+// The events the channel manager broadcasts to its subscribers, and the
+// withdrawal of every SAP announcement.
 #include "ChannelMngr.h"
 
 #include "ChannelVocabulary.h"
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
-
-ChannelMngr* ChannelMngr::instance = nullptr;
-
-ChannelMngr* ChannelMngr::getInstance() {
-    // No lock: main makes the first call before any thread exists.
-    if (instance == nullptr) instance = new ChannelMngr();
-    return instance;
-}
 
 void ChannelMngr::sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) {
     MessageEvent event;

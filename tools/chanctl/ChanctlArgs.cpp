@@ -52,6 +52,10 @@ std::string applyOption(const std::string& name, const std::string& value, Chanc
         if (!parseNumber(value, 1, 1000000000L, number))
             return "--count needs a positive number, not '" + value + "'";
         options.count = number;
+    } else if (name == "json") {
+        if (!value.empty())
+            return "--json takes no value";
+        options.json = true;
     } else if (name == "source") {
         options.source = value;
     } else if (name == "status") {
@@ -72,7 +76,7 @@ std::string applyOption(const std::string& name, const std::string& value, Chanc
 }
 
 bool takesValue(const std::string& name) {
-    return name != "help";
+    return name != "help" && name != "json";
 }
 
 }  // namespace
@@ -153,6 +157,7 @@ const char* chanctlUsage() {
            "  --socket PATH       the service's socket (default /tmp/sockChan)\n"
            "  --timeout SECONDS   how long to wait for an answer (default 10); listen: stop after it\n"
            "  --count N           listen: stop after N events\n"
+           "  --json              command, get, set, status: one JSON object; listen: one per event\n"
            "  --source S, --status S, --description D, --fcode CODE\n"
            "                      event: its fields (CODE as 0x20000 or decimal)\n"
            "  -h, --help          this text\n"

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "ChanctlFormat.h"
+#include "ChanctlJson.h"
 #include "engine/DataCommunicator.h"
 #include "records/MessageCommand.h"
 #include "records/MessageEvent.h"
@@ -22,6 +23,21 @@ const struct {
 } kChannels[] = {{"H.264", "H.264 (CH0)"}, {"HEVC", "HEVC (CH1)"}};
 constexpr const char* CHANNEL_DATASET = "ChannelDataSet";
 constexpr const char* CHANNELS_TABLE = "ChannelsTable";
+constexpr const char* PROCESSING_TABLE = "ChannelProcessingTable";
+constexpr const char* TARGET_TABLE = "ChannelTargetTable";
+
+// Rows shown after the summary when the service serves them, that is once
+// channel data is loaded: the bitrates asked for and the two targets.
+const struct {
+    const char* label;
+    const char* property;  // of PROCESSING_TABLE; null: the target named by `target`
+    const char* target;    // instance suffix of the channel's target row
+} kFurtherRows[] = {
+    {"Set Bitrate", "Total Bitrate", nullptr},
+    {"Max Bitrate", "Max Bitrate", nullptr},
+    {"Target 1", nullptr, " Target1"},
+    {"Target 2", nullptr, " Target2"},
+};
 
 std::string commandText(const std::string& id, const std::vector<std::pair<std::string, std::string>>& params) {
     MessageCommand command;
@@ -79,7 +95,8 @@ Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE*
     std::string replyBody;
     Fcodes code = sendCommand(engine, options.socket, commandText(options.words[0], options.params), replyBody,
                               options.timeoutSec);
-    std::fputs(replyText(replyBody).c_str(), out);
+    std::fputs(options.json ? commandJson(options.words[0], code, replyBody).c_str() : replyText(replyBody).c_str(),
+               out);
     return code;
 }
 
@@ -104,7 +121,9 @@ Fcodes runGet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out
     std::string value;
     Fcodes code = exchangeValue(engine, options.socket, false, w[0], w[1], w[2], w.size() > 3 ? w[3] : "", "", value,
                                 options.timeoutSec);
-    if (isOk(code))
+    if (options.json)
+        std::fputs(valueJson(w, false, code, value).c_str(), out);
+    else if (isOk(code))
         std::fprintf(out, "%s\n", value.c_str());
     return code;
 }
@@ -114,7 +133,9 @@ Fcodes runSet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out
     std::string value;
     Fcodes code = exchangeValue(engine, options.socket, true, w[0], w[1], w[2], w.size() > 4 ? w[4] : "", w[3], value,
                                 options.timeoutSec);
-    if (isOk(code))
+    if (options.json)
+        std::fputs(valueJson(w, true, code, value).c_str(), out);
+    else if (isOk(code))
         std::fprintf(out, "%s\n", value.c_str());
     return code;
 }
@@ -134,6 +155,9 @@ Fcodes runEvent(DataCommunicator& engine, const ChanctlOptions& options) {
 Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
     Fcodes result = FC_OK;
     std::vector<ChannelSummary> channels;
+    std::vector<std::string> labels;
+    for (const auto& row : statusRows())
+        labels.push_back(row.label);
     for (const auto& channel : kChannels) {
         ChannelSummary summary{channel.rowId, channel.title, {}};
         for (const auto& row : statusRows()) {
@@ -141,21 +165,55 @@ Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* 
             Fcodes code = exchangeValue(engine, options.socket, false, CHANNEL_DATASET, CHANNELS_TABLE, row.property,
                                         channel.rowId, "", value, options.timeoutSec);
             // A service that does not answer at all is not asked 13 more times.
-            if (code == FC_COMM_ERROR)
+            if (code == FC_COMM_ERROR) {
+                if (options.json)
+                    std::fputs(statusJson({}, {}, code).c_str(), out);
                 return code;
+            }
             result |= code;
             summary.cells.push_back(isOk(code) ? statusCell(row, value) : "? (" + fcodeText(code) + ")");
         }
         channels.push_back(summary);
     }
-    std::fputs(statusTable(channels).c_str(), out);
+    // The further rows: shown when the service served the row for a channel.
+    for (const auto& row : kFurtherRows) {
+        std::vector<std::string> cells;
+        bool served = false;
+        for (const auto& channel : kChannels) {
+            std::string cell;
+            Fcodes code;
+            if (row.property != nullptr) {
+                code = exchangeValue(engine, options.socket, false, CHANNEL_DATASET, PROCESSING_TABLE, row.property,
+                                     channel.rowId, "", cell, options.timeoutSec);
+            } else {
+                const std::string target = channel.rowId + std::string(row.target);
+                const char* properties[] = {"Enabled", "Streaming Protocol", "Target Address", "Target Port"};
+                std::string values[4];
+                code = FC_OK;
+                for (int i = 0; i < 4; ++i)
+                    code |= exchangeValue(engine, options.socket, false, CHANNEL_DATASET, TARGET_TABLE, properties[i],
+                                          target, "", values[i], options.timeoutSec);
+                if (isOk(code))
+                    cell = targetCell(values[0], values[1], values[2], values[3]);
+            }
+            served = served || isOk(code);
+            cells.push_back(isOk(code) ? cell : "?");
+        }
+        if (!served)
+            continue;
+        labels.push_back(row.label);
+        for (size_t i = 0; i < channels.size(); ++i)
+            channels[i].cells.push_back(cells[i]);
+    }
+    std::fputs(options.json ? statusJson(labels, channels, result).c_str() : statusTable(labels, channels).c_str(),
+               out);
     return result;
 }
 
 Fcodes ListenHolder::handle(MessageEvent* event) {
     std::unique_ptr<MessageEvent> owned(event);
     std::lock_guard<std::mutex> guard(mutex);
-    std::fputs(eventLine(*owned).c_str(), out);
+    std::fputs(json ? eventJson(*owned).c_str() : eventLine(*owned).c_str(), out);
     std::fflush(out);
     ++printed;
     arrived.notify_all();

@@ -36,7 +36,8 @@ Fcodes exchangeValue(DataCommunicator& engine, const std::string& socket, bool w
 // the waiting thread under its mutex.
 class ListenHolder : public NullDataHolder {
 public:
-    explicit ListenHolder(FILE* out) : out(out) {}
+    // `json`: each event as one JSON object on its line.
+    explicit ListenHolder(FILE* out, bool json = false) : out(out), json(json) {}
     Fcodes handle(MessageEvent* event) override;
     // Waits until `count` events were printed (count < 0: never) or
     // `timeoutSec` passed (0: no limit); true when the count was reached.
@@ -44,6 +45,7 @@ public:
 
 private:
     FILE* out;
+    bool json;
     std::mutex mutex;
     std::condition_variable arrived;
     long printed = 0;

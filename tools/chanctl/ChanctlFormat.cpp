@@ -113,10 +113,24 @@ std::string statusCell(const StatusRow& row, const std::string& value) {
     return hex(static_cast<uint32_t>(code)) + " (" + channelFcodeMeaning(static_cast<uint32_t>(code)) + ")";
 }
 
+std::string targetCell(const std::string& enabled, const std::string& protocol, const std::string& address,
+                       const std::string& port) {
+    if (enabled != "true" && enabled != "1")
+        return "off";
+    return protocol + " " + address + ":" + port;
+}
+
 std::string statusTable(const std::vector<ChannelSummary>& channels) {
-    size_t labelWidth = 0;
+    std::vector<std::string> labels;
     for (const auto& row : statusRows())
-        labelWidth = std::max(labelWidth, std::string(row.label).size());
+        labels.push_back(row.label);
+    return statusTable(labels, channels);
+}
+
+std::string statusTable(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels) {
+    size_t labelWidth = 0;
+    for (const auto& label : labels)
+        labelWidth = std::max(labelWidth, label.size());
     std::vector<size_t> widths;
     for (const auto& channel : channels) {
         size_t width = channel.title.size();
@@ -135,8 +149,7 @@ std::string statusTable(const std::vector<ChannelSummary>& channels) {
         return text + "\n";
     };
     std::string table = line("", [](const ChannelSummary& c) { return c.title; });
-    for (size_t r = 0; r < statusRows().size(); ++r)
-        table += line(statusRows()[r].label,
-                      [r](const ChannelSummary& c) { return r < c.cells.size() ? c.cells[r] : std::string(); });
+    for (size_t r = 0; r < labels.size(); ++r)
+        table += line(labels[r], [r](const ChannelSummary& c) { return r < c.cells.size() ? c.cells[r] : std::string(); });
     return table;
 }

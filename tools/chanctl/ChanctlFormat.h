@@ -43,3 +43,11 @@ std::string statusCell(const StatusRow& row, const std::string& value);
 
 // The channels side by side, one row per summary field.
 std::string statusTable(const std::vector<ChannelSummary>& channels);
+// The same with the labels of the rows shown (the summary fields, then those
+// of the further rows the service served).
+std::string statusTable(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels);
+
+// The cell of a channel target: "off" when it is not enabled, otherwise
+// "PROTOCOL ADDRESS:PORT".
+std::string targetCell(const std::string& enabled, const std::string& protocol, const std::string& address,
+                       const std::string& port);

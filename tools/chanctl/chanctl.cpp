@@ -77,6 +77,17 @@ void openDebugLogQuietly() {
         close(heldReader);
 }
 
+// Says which socket was tried and why nothing may have answered, instead of
+// a bare "Communication Error".
+std::string noAnswerText(const ChanctlOptions& options) {
+    const std::string hostPath = sysmgtPath(options.socket);
+    if (access(hostPath.c_str(), F_OK) != 0)
+        return fcodeText(FC_COMM_ERROR) + ": there is no socket " + options.socket +
+               (hostPath != options.socket ? " (" + hostPath + ")" : std::string()) + "; the service is not running";
+    return fcodeText(FC_COMM_ERROR) + ": no answer from " + options.socket + " within " +
+           std::to_string(options.timeoutSec) + " s; the service may not be running";
+}
+
 Fcodes run(DataCommunicator& engine, ListenHolder& listener, const ChanctlOptions& options) {
     switch (options.action) {
         case ChanctlAction::Command:
@@ -127,7 +138,7 @@ int main(int argc, char** argv) {
 
     Fcodes code;
     {
-        ListenHolder listener(stdout);
+        ListenHolder listener(stdout, options.json);
         DataCommunicator engine;
         engine.init(&listener, receiveSocket, sendSocket, "tChanctl");
         code = run(engine, listener, options);
@@ -136,6 +147,9 @@ int main(int argc, char** argv) {
     removeSockets();
     if (isOk(code))
         return 0;
-    std::fprintf(stderr, "chanctl: %s\n", fcodeText(code).c_str());
+    if (code == FC_COMM_ERROR)
+        std::fprintf(stderr, "chanctl: %s\n", noAnswerText(options).c_str());
+    else
+        std::fprintf(stderr, "chanctl: %s\n", fcodeText(code).c_str());
     return 1;
 }

@@ -198,7 +198,13 @@ TEST(Chanctl, CommandGetSetStatusAndRefusalsAgainstAService) {
     EXPECT_EQ(std::get<2>(chanctl("command Play RowID=2")), "chanctl: Bad Value\n");
     service.engine.stop();  // nobody reads the socket any more: no answer in time
     EXPECT_EQ(chanctl("command Play"),
-              std::make_tuple(1, std::string(), std::string("chanctl: Communication Error\n")));
+              std::make_tuple(1, std::string(),
+                              std::string("chanctl: Communication Error: no answer from /tmp/sockPeer within 3 s; "
+                                          "the service may not be running\n")));
+    EXPECT_EQ(chanctl("--socket /tmp/sockNobody command Play"),
+              std::make_tuple(1, std::string(),
+                              "chanctl: Communication Error: there is no socket /tmp/sockNobody (" +
+                                  sysmgtPath("/tmp/sockNobody") + "); the service is not running\n"));
 }
 
 TEST(Chanctl, ListenPrintsEventsEventSendsOneAndAnInterruptedListenCleansUp) {

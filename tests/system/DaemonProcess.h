@@ -1,0 +1,261 @@
+#pragma once
+
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <cstdio>
+#include <functional>
+#include <mutex>
+#include <vector>
+#include <fstream>
+#include <string>
+
+#include "SimProcess.h"
+#include "engine/DataCommunicator.h"
+#include "engine/NullDataHolder.h"
+#include "records/MessageCommand.h"
+#include "TestRoot.h"
+
+// A process started through the shell (`command` is exec'd, so the pid is the
+// tool's own). The destructor ends it by its pid: SIGTERM, then SIGKILL after
+// a bounded wait.
+class ChildProcess {
+public:
+    ChildProcess() = default;
+    explicit ChildProcess(const std::string& command) { start(command); }
+    ~ChildProcess() { stop(); }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    void start(const std::string& command) {
+        const std::string line = "exec " + command;
+        pid = fork();
+        if (pid == 0) {
+            execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char*>(nullptr));
+            _exit(127);
+        }
+    }
+    pid_t id() const { return pid; }
+    // True while the process has not ended (it is reaped when it has).
+    bool running() {
+        if (pid <= 0)
+            return false;
+        int raw = 0;
+        if (waitpid(pid, &raw, WNOHANG) != pid)
+            return true;
+        status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        pid = -1;
+        return false;
+    }
+    // Waits a bounded time for the process to end by itself; its exit status, -1 otherwise.
+    int wait(double limitSec) {
+        waitFor([this] { return !running(); }, limitSec);
+        return pid > 0 ? -1 : status;
+    }
+    int stop() {
+        if (pid <= 0)
+            return status;
+        kill(pid, SIGTERM);
+        int raw = 0;
+        if (!waitFor([&] { return waitpid(pid, &raw, WNOHANG) == pid; }, 10)) {
+            kill(pid, SIGKILL);
+            waitpid(pid, &raw, 0);
+        }
+        status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        pid = -1;
+        return status;
+    }
+
+private:
+    pid_t pid = -1;
+    int status = -1;
+};
+
+// A run of a tool to its end: standard output and error together, exit status.
+struct ToolRun {
+    std::string output;
+    int status = -1;
+};
+
+inline ToolRun finishTool(FILE* pipe) {
+    ToolRun run;
+    if (pipe == nullptr)
+        return run;
+    char buffer[512];
+    while (fgets(buffer, sizeof buffer, pipe) != nullptr)
+        run.output += buffer;
+    int raw = pclose(pipe);
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return run;
+}
+
+// chanctl with `args` (quoted for the shell), started; read it with finishTool.
+inline FILE* startChanctl(const std::string& args) {
+    return popen((toolCommand("chanctl") + " " + args + " 2>&1").c_str(), "r");
+}
+
+inline ToolRun chanctl(const std::string& args) {
+    return finishTool(startChanctl("--timeout 20 " + args));
+}
+
+inline bool fileExists(const std::string& logicalPath) {
+    struct stat info {};
+    return stat(sysmgtPath(logicalPath).c_str(), &info) == 0;
+}
+
+// Copies the factory datasets of etc/sysmgt into the root's /etc/sysmgt.
+inline bool installFactoryData() {
+    bool copied = true;
+    for (const char* file : {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json",
+                             "srtstat_data_set.json"}) {
+        std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/" + file, std::ios::binary);
+        std::ofstream out(sysmgtPath(std::string("/etc/sysmgt/") + file), std::ios::binary);
+        out << in.rdbuf();
+        copied = copied && in.good() && out.good();
+    }
+    return copied;
+}
+
+// The channel manager as the appliance runs it, in a fresh root of its own: the log
+// collector (its lines in /tmp/dbg.log), the simulated peers, and the daemon
+// (its standard output and error in /tmp/daemon.out) with its start file
+// /tmp/cm.start. Every wait is bounded; the destructor ends the three by pid.
+class DaemonSession {
+public:
+    static constexpr double START_LIMIT_SEC = 60;  // under qemu-arm and sanitizers too
+    static constexpr const char* START_FILE = "/tmp/cm.start";
+
+    explicit DaemonSession(const std::string& daemonOptions = "", int simTimeoutSec = 120)
+        : simulator(simTimeoutSec) {
+        factoryInstalled = installFactoryData();
+        logger.start(toolCommand("dbglog") + " --timeout " + std::to_string(simTimeoutSec) + " > " +
+                     sysmgtPath("/tmp/dbg.log"));
+        loggerReady = waitFor([] { return fileExists("/tmp/sockDbg"); }, START_LIMIT_SEC);
+        simulatorReady = simulator.waitReady();
+        if (loggerReady && simulatorReady)
+            startDaemon(daemonOptions);
+    }
+    ~DaemonSession() {
+        daemon.stop();
+        simulator.stop();
+        logger.stop();
+    }
+
+    void startDaemon(const std::string& options = "") {
+        unlink(sysmgtPath(START_FILE).c_str());
+        daemon.start(toolCommand("channel_manager") + " -s " + START_FILE + " " + options + " > " +
+                     sysmgtPath("/tmp/daemon.out") + " 2>&1");
+        daemonReady = waitFor([] { return fileExists(START_FILE) && !readText(sysmgtPath(START_FILE)).empty(); },
+                              START_LIMIT_SEC);
+    }
+    // Ends the daemon only, as a power cut would (SIGKILL, no clean-up).
+    void killDaemon() {
+        if (daemon.id() > 0)
+            kill(daemon.id(), SIGKILL);
+        daemon.wait(10);
+    }
+    bool ready() const { return factoryInstalled && loggerReady && simulatorReady && daemonReady; }
+
+    std::string log() const { return readText(sysmgtPath("/tmp/dbg.log")); }
+    std::string daemonOutput() const { return readText(sysmgtPath("/tmp/daemon.out")); }
+    bool waitLog(const std::string& text, double limitSec = 20) const {
+        return waitFor([&] { return log().find(text) != std::string::npos; }, limitSec);
+    }
+    // Everything the daemon, its peers and the log said, for a failure message.
+    std::string everything() const {
+        return "--- daemon output\n" + daemonOutput() + "--- traffic\n" + simulator.traffic() + "--- log\n" + log();
+    }
+
+    TestRoot root;  // made first, removed last
+    ChildProcess logger;
+    SimProcess simulator;
+    ChildProcess daemon;
+
+private:
+    bool factoryInstalled = false;
+    bool loggerReady = false;
+    bool simulatorReady = false;
+    bool daemonReady = false;
+};
+
+// The front end's side: an engine on sockets of its own, subscribed to the
+// channel manager, that keeps every event it receives for the test to wait
+// on. Make it after the session, inside the session's root. Events arrive on
+// the engine's server thread; the test reads them under the same mutex.
+class FrontEnd : public NullDataHolder {
+public:
+    FrontEnd() {
+        engine.init(this, "/tmp/sockFrontEnd", "/tmp/sockSendFrontEnd", "tFrontEnd");
+        engine.start();
+    }
+    ~FrontEnd() override { engine.stop(); }
+
+    Fcodes handle(MessageEvent* event) override {
+        std::unique_ptr<MessageEvent> owned(event);
+        std::lock_guard<std::mutex> guard(mutex);
+        events.push_back(*owned);
+        arrived.notify_all();
+        return FC_OK;
+    }
+    Fcodes subscribe() { return command("SUBSCRIBE", {{"SockName", "/tmp/sockFrontEnd"}}); }
+
+    // Sends a command to the channel manager (one try) and returns its verdict:
+    // the Fcode of its ACK, or of its NACK (the engine's own requestCommand
+    // would turn a NACK into "Message Header Error").
+    Fcodes command(const std::string& id, const MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
+        MessageCommand request;
+        request.setId(id);
+        request.params = params;
+        std::string text, replyBody;
+        request.toString(text);
+        const std::string body = "<BODY>\n\t" + text + "\n</BODY>\n";
+        MessageHeader header, reply;
+        header.ID = 100;
+        header.Type = "COMMAND";
+        header.Size = static_cast<int32_t>(body.size());
+        Fcodes code = engine.sendRequest("/tmp/sockChan", header, body, reply, replyBody, timeoutSec, 1);
+        if (!isOk(code))
+            return code;
+        return reply.Type == "ACK" || reply.Type == "NACK" ? reply.Fcode : FC_HEADER_ERROR;
+    }
+
+    // Waits a bounded time for an event that `match` accepts; true with it in `found`.
+    bool waitEvent(const std::function<bool(const MessageEvent&)>& match, MessageEvent& found, int limitSec = 30) {
+        std::unique_lock<std::mutex> lock(mutex);
+        return arrived.wait_for(lock, std::chrono::seconds(limitSec), [&] {
+            for (const MessageEvent& event : events)
+                if (match(event)) {
+                    found = event;
+                    return true;
+                }
+            return false;
+        });
+    }
+    // A configuration event ("Channels Loaded", "Channels Stored") naming `file`.
+    bool waitFileEvent(const std::string& id, const std::string& file, MessageEvent& found, int limitSec = 30) {
+        return waitEvent(
+            [&](const MessageEvent& event) {
+                std::string named;
+                return event.id == id && event.getParam("File", named) && named == file;
+            },
+            found, limitSec);
+    }
+    std::vector<std::string> ids() {
+        std::lock_guard<std::mutex> guard(mutex);
+        std::vector<std::string> out;
+        for (const MessageEvent& event : events)
+            out.push_back(event.id);
+        return out;
+    }
+
+    DataCommunicator engine;
+
+private:
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::vector<MessageEvent> events;
+};

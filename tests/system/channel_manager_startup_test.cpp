@@ -1,0 +1,94 @@
+// channel_manager's start-up as a real process: its options, the pid and
+// start files, the order of its first requests to its peers, and that it
+// serves as soon as the start file is there.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "DaemonProcess.h"
+
+namespace {
+
+// Positions of `texts` in `haystack`, each searched after the previous one;
+// "" when all are there in order, otherwise the first one missing.
+std::string missingInOrder(const std::string& haystack, const std::vector<std::string>& texts) {
+    size_t at = 0;
+    for (const std::string& text : texts) {
+        at = haystack.find(text, at);
+        if (at == std::string::npos)
+            return text;
+        at += text.size();
+    }
+    return "";
+}
+
+}  // namespace
+
+TEST(ChannelManagerStartup, BadOptionsPrintTheUsageAndExit1) {
+    ASSERT_TRUE(installFactoryData());
+    for (const char* options : {"-x", "-s /tmp/cm.start -v", "-p", "-s /tmp/cm.start -d -q -p /tmp/cm.pid"}) {
+        ChildProcess daemon(toolCommand("channel_manager") + " " + options + " > " + sysmgtPath("/tmp/usage.out") +
+                            " 2>&1");
+        EXPECT_EQ(1, daemon.wait(30)) << options;
+        const std::string output = readText(sysmgtPath("/tmp/usage.out"));
+        EXPECT_EQ(0u, output.find("Usage: ")) << options << ": " << output;
+        EXPECT_NE(std::string::npos, output.find(" [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n"))
+            << options << ": " << output;
+        EXPECT_FALSE(fileExists("/tmp/cm.start")) << options;
+        EXPECT_FALSE(fileExists("/tmp/cm.pid")) << options;
+    }
+}
+
+TEST(ChannelManagerStartup, DetachedDaemonWritesPidThenStartFileThenServes) {
+    DaemonSession session("-v 3 -d -p /tmp/cm.pid");
+    // The detached daemon is not the process that was started: end it by the pid it wrote.
+    const pid_t detached = static_cast<pid_t>(std::atoi(readText(sysmgtPath("/tmp/cm.pid")).c_str()));
+    struct EndDetached {
+        pid_t pid;
+        ~EndDetached() {
+            if (pid > 0)
+                kill(pid, SIGTERM);
+        }
+    } endDetached{detached};
+    ASSERT_TRUE(session.ready()) << session.everything();
+    EXPECT_EQ(0, session.daemon.wait(30)) << "the foreground process ends once detached";
+    ASSERT_GT(detached, 0);
+    EXPECT_NE(session.daemon.id(), detached);
+    EXPECT_EQ(std::to_string(detached) + "\n", readText(sysmgtPath("/tmp/cm.pid")));
+    EXPECT_EQ("0:" + std::to_string(detached) + ":0\n", readText(sysmgtPath(DaemonSession::START_FILE)));
+
+    // Serving at once: the start file is written only after start-up is complete.
+    ToolRun dvi = chanctl("command 'Set DVI mode' DVI_mode=1");
+    EXPECT_EQ(0, dvi.status) << dvi.output;
+
+    // Its first requests, in order: the mediator's events, the time zone, the device manager's events.
+    EXPECT_EQ("", missingInOrder(session.simulator.traffic(),
+                                 {"IN  mediator COMMAND", "\"SUBSCRIBE\" SockName=\"/tmp/sockChan\"",
+                                  "IN  device GET", "DateTimeTable", "IN  device COMMAND",
+                                  "\"SUBSCRIBE\" SockName=\"/tmp/sockChan\""}))
+        << session.simulator.traffic();
+    // At level 3 only FATAL and SYS lines are written.
+    ASSERT_TRUE(session.waitLog("init: setenv TZ=UTC")) << session.everything();
+    EXPECT_EQ(std::string::npos, session.log().find("init: init Channels done.")) << session.log();
+
+    // SIGTERM ends it: the daemon installs no handler of its own.
+    ASSERT_EQ(0, kill(detached, SIGTERM));
+    EXPECT_TRUE(waitFor([&] { return kill(detached, 0) != 0; }, 20));
+    endDetached.pid = -1;
+}
+
+TEST(ChannelManagerStartup, WithoutOptionsItStaysInTheForegroundAndLogsEverything) {
+    DaemonSession session;
+    ASSERT_TRUE(session.ready()) << session.everything();
+    EXPECT_TRUE(session.daemon.running());
+    EXPECT_FALSE(fileExists("/tmp/cm.pid"));
+    ASSERT_TRUE(session.waitLog("init: dataCommunicator started")) << session.everything();
+    const std::string log = session.log();
+    EXPECT_EQ("", missingInOrder(log, {"init: init Channels done.", "init: init Sources done.", "init: setenv TZ=UTC",
+                                       "init: dataCommunicator started"}))
+        << log;
+    EXPECT_NE(std::string::npos, log.find("tChanInit")) << log;
+    EXPECT_EQ(0u, session.daemonOutput().find("Clock ret=0 res=")) << session.daemonOutput();
+    EXPECT_EQ(std::string::npos, log.find("FATAL")) << log;
+    EXPECT_EQ(std::string::npos, session.daemonOutput().find("FATAL"));
+}

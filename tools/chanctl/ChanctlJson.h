@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ChanctlFormat.h"
+#include "records/Fcodes.h"
+
+class MessageEvent;
+
+// chanctl's --json output: one compact JSON object per answer, and per event
+// when listening, each on one line, for scripts and front-end developers.
+// Every object of an answer carries "fcode" (the number) and "result" (its
+// text); values stay the texts the service sent.
+
+// {"id","fcode","source","status","severity","description","time","params":{...}}
+std::string eventJson(const MessageEvent& event);
+
+// {"command","fcode","result","reply":{NAME: VALUE...}}; "reply" holds the
+// answer's parameters, or {"text": ...} when the answer is free text.
+std::string commandJson(const std::string& commandId, Fcodes code, const std::string& replyBody);
+
+// {"dataset","component","property","instance","fcode","result"[,"value"]}
+// from the words of a get (`set` false) or a set.
+std::string valueJson(const std::vector<std::string>& words, bool set, Fcodes code, const std::string& value);
+
+// {"fcode","result","channels":[{"row","title", LABEL: CELL...}]}, the cells as the table shows them.
+std::string statusJson(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels,
+                       Fcodes code);
