@@ -86,6 +86,10 @@ public:
     // video source and re-arms it. Not started at start-up. 0 when armed, -1
     // (errno set) otherwise.
     int startTimer();
+    // Deletes the timer and ends the refresh thread; idempotent. A derived
+    // manager calls it in its own destructor, before its members go, since a
+    // refresh may be running through its overrides.
+    void stopTimer();
     // The SIGRTMIN handler. Runs in signal context, so it only wakes the
     // refresh thread (an async-signal-safe semaphore post).
     static void timerTicked(int signo, siginfo_t* info, void* context);

@@ -16,6 +16,11 @@
 #include "system/DbgPrintClient.h"
 
 ChannelMngr::~ChannelMngr() {
+    stopTimer();
+    shutdown();
+}
+
+void ChannelMngr::stopTimer() {
     if (refreshRunning) {
         refreshStopping = true;
         sem_post(&ticks);
@@ -25,8 +30,8 @@ ChannelMngr::~ChannelMngr() {
     if (timerMade) {
         timer_delete(static_cast<timer_t>(timer));
         sem_destroy(&ticks);
+        timerMade = false;
     }
-    shutdown();
 }
 
 int ChannelMngr::startTimer() {
@@ -53,6 +58,7 @@ int ChannelMngr::startTimer() {
         timerMade = true;
     }
     if (!refreshRunning) {
+        refreshStopping = false;
         const int made = pthread_create(&refreshThread, nullptr, &ChannelMngr::refreshWork, this);
         if (made != 0) {
             DBG(DBG_ERROR) << "startTimer: pthread_create failed errno=" << made;

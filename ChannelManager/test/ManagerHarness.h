@@ -19,7 +19,10 @@
 class TestChannelMngr : public ChannelMngr {
 public:
     TestChannelMngr() = default;
-    ~TestChannelMngr() override { shutdown(); }
+    ~TestChannelMngr() override {
+        stopTimer();
+        shutdown();
+    }
 
     void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override {
         std::lock_guard<std::mutex> guard(mutex);
