@@ -89,31 +89,26 @@ bool PipelineRun::present(const std::string& component) const {
 }
 
 void PipelineRun::put(const std::string& component, const std::string& parameter, const std::string& value) {
-    const bool checked = assemblyChecked(component);
-    if (checked && !present(component)) {
-        DBG(DBG_INFO) << operation << ": rowId=" << rowId << " comp=" << component
-                      << " not in assembly, param=" << parameter << " left alone";
-        return;
-    }
-    const Fcodes code = ITarnevelClient::setTarnevelTextParam(&holder, component, parameter, value);
-    if (!isOk(code)) {
-        DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Error: val=" << value << " param=" << parameter
-                       << " comp=" << component << (checked ? " assembly=" + assembly : std::string()) << " fcode=0x"
-                       << std::hex << static_cast<uint32_t>(code);
-        result |= code;
-    }
+    write(component, parameter, value,
+          [&] { return ITarnevelClient::setTarnevelTextParam(&holder, component, parameter, value); });
 }
 
 void PipelineRun::put(const std::string& component, const std::string& parameter, int value) {
+    write(component, parameter, std::to_string(value),
+          [&] { return ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value); });
+}
+
+void PipelineRun::write(const std::string& component, const std::string& parameter, const std::string& shown,
+                        const std::function<Fcodes()>& send) {
     const bool checked = assemblyChecked(component);
     if (checked && !present(component)) {
         DBG(DBG_INFO) << operation << ": rowId=" << rowId << " comp=" << component
                       << " not in assembly, param=" << parameter << " left alone";
         return;
     }
-    const Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
+    const Fcodes code = send();
     if (!isOk(code)) {
-        DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Error: val=" << value << " param=" << parameter
+        DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Error: val=" << shown << " param=" << parameter
                        << " comp=" << component << (checked ? " assembly=" + assembly : std::string()) << " fcode=0x"
                        << std::hex << static_cast<uint32_t>(code);
         result |= code;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,10 @@ struct PipelineRun {
     // True when `component` may be written: always for the components every
     // assembly holds, otherwise when the assembly names it.
     bool present(const std::string& component) const;
+    // The one write path of both put forms: the assembly check, then `send`,
+    // then the failure line with the value as `shown`.
+    void write(const std::string& component, const std::string& parameter, const std::string& shown,
+               const std::function<Fcodes()>& send);
     // Logs "configChannel: rowId=<row> Unknown <what>=<value>".
     void unknown(const char* what, const std::string& value) const;
 
