@@ -7,6 +7,10 @@
 #include "records/MessageEvent.h"
 #include "records/TagText.h"
 #include "records/WireConstants.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
+
+using namespace vocab;
 
 namespace {
 
@@ -31,8 +35,11 @@ const struct {
     uint32_t bit;
     const char* meaning;
 } kChannelConditions[] = {
-    {0x2, "channel error: video input lost"}, {0x4, "data stream: Zixi connection failed"}, {0x8, "data stream lost"},
-    {0x10, "stopped: input format changed"},  {0x20, "stopped by a user command"},
+    {cond::CHANNEL_ERROR & ~cond::INFO, "channel error: video input lost"},
+    {cond::ZIXI_CONNECTION & ~cond::INFO, "data stream: Zixi connection failed"},
+    {cond::DATA_STREAM & ~cond::INFO, "data stream lost"},
+    {cond::FORMAT_CHANGED & ~cond::INFO, "stopped: input format changed"},
+    {cond::FORCED_STOP & ~cond::INFO, "stopped by a user command"},
 };
 
 std::string trimmed(const std::string& text) {
@@ -54,9 +61,9 @@ std::string eventLine(const MessageEvent& event) {
 }
 
 std::string channelFcodeMeaning(uint32_t code) {
-    if ((code & 0xFFFF0000u) != 0x20000u)
+    if ((code & 0xFFFF0000u) != cond::INFO)
         return fcodeText(static_cast<Fcodes>(code));
-    if (code == 0x20000u)
+    if (code == cond::INFO)
         return "informational";
     std::string meaning;
     uint32_t known = 0;
@@ -91,19 +98,19 @@ std::string replyText(const std::string& replyBody) {
 
 const std::vector<StatusRow>& statusRows() {
     static const std::vector<StatusRow> rows = {
-        {"State", "State"},
-        {"Status", "Status"},
-        {"Fcode", "Fcode"},
-        {"Source", "Source"},
-        {"Input", "Input Resolution"},
-        {"Resolution", "Resolution"},
-        {"Total Bit Rate", "Total Bit Rate"},
+        {"State", prop::STATE},
+        {"Status", prop::STATUS},
+        {"Fcode", prop::FCODE},
+        {"Source", prop::SOURCE},
+        {"Input", prop::INPUT_RESOLUTION},
+        {"Resolution", prop::RESOLUTION},
+        {"Total Bit Rate", prop::TOTAL_BIT_RATE},
     };
     return rows;
 }
 
 std::string statusCell(const StatusRow& row, const std::string& value) {
-    if (std::string(row.property) != "Fcode")
+    if (std::string(row.property) != prop::FCODE)
         return value;
     // The store keeps the Fcode as an integer: decimal on the wire.
     char* end = nullptr;

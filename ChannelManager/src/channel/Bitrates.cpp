@@ -1,7 +1,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
@@ -18,6 +19,16 @@ using namespace vocab;
 // so that host builds and the 32-bit target compute the same figures.
 
 namespace {
+
+// The device manager's KLV inputs and the property that holds the bitrate of
+// each ("KLV over IP" is shared with the KLV sections).
+constexpr const char* COM_PORTS_TABLE = "ComPortsTable";
+constexpr const char* BAUD_RATE = "Baud Rate";
+constexpr const char* KLV_BITRATE = "KLV Bitrate";
+constexpr const char* KLV_OVER_SDI_TABLE = "KLV over SDI";
+constexpr const char* KLV_OVER_SDI_BITRATE = "Bitrate";
+// The encoder parameter that makes a running encoder take its new bitrates.
+constexpr const char* APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
 
 constexpr int32_t FIXED_MUX_OVERHEAD = 74197;        // tables and PCR
 constexpr int32_t FIXED_OVERHEAD_PCR_ON_VIDEO = 24064;  // PCR carried on the video PID
@@ -75,14 +86,14 @@ Fcodes ConfigChannelTarnevel::readKlvBitrate(const std::string& ingest, int& bit
     const char* component = nullptr;
     const char* property = nullptr;
     if (ingest == value::KLV_SERIAL) {
-        component = tbl::COM_PORTS;
-        property = prop::BAUD_RATE;
+        component = COM_PORTS_TABLE;
+        property = BAUD_RATE;
     } else if (ingest == value::KLV_IP) {
         component = tbl::KLV_OVER_IP;
-        property = prop::KLV_BITRATE;
+        property = KLV_BITRATE;
     } else if (ingest == value::KLV_SDI || ingest == value::KLV_SDI_SYNC) {
-        component = tbl::KLV_OVER_SDI;
-        property = prop::BITRATE;
+        component = KLV_OVER_SDI_TABLE;
+        property = KLV_OVER_SDI_BITRATE;
     } else {
         return FC_OK;
     }
@@ -258,7 +269,7 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     }
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
     if (channel == 1)
-        setEncoderOnTheFly(rowId, encoder, med::PARAM_APPLY_ON_THE_FLY, 1);
+        setEncoderOnTheFly(rowId, encoder, APPLY_ON_THE_FLY, 1);
 
     result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
     result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);

@@ -1,7 +1,8 @@
 #include <cstdlib>
 #include <mutex>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "holder/DataHolder.h"

@@ -1,7 +1,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "holder/DataHolder.h"

@@ -3,7 +3,8 @@
 #include <mutex>
 #include <thread>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"

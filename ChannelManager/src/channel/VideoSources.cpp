@@ -1,8 +1,8 @@
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
@@ -42,20 +42,6 @@
 
 namespace {
 
-const std::pair<const char*, const char*> kReceivers[] = {
-    {vocab::value::SRC_HD_SDI, vocab::med::SDI_RECEIVER},
-    {vocab::value::SRC_COMPOSITE, vocab::med::CVBS_RECEIVER},
-    {vocab::value::SRC_DVI_D, vocab::med::DVI_RECEIVER},
-    {vocab::value::SRC_HDMI, vocab::med::HDMI_RECEIVER},
-};
-
-const char* receiverOf(const std::string& source) {
-    for (const auto& [row, receiver] : kReceivers)
-        if (source == row)
-            return receiver;
-    return nullptr;
-}
-
 bool isNoSignal(const std::string& format) {
     return format.empty() || format == vocab::state::INPUT_NONE || format == vocab::state::NO_SIGNAL;
 }
@@ -79,7 +65,7 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) 
         DBG(2) << "updateVideoSource: Error: Empty src=" << videoSource;
         return FC_BAD_VALUE;
     }
-    const char* receiver = receiverOf(videoSource);
+    const char* receiver = vocab::med::receiverOf(videoSource);
     if (receiver == nullptr || !holder.hasInstance(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, videoSource)) {
         DBG(2) << "updateVideoSource: Couldn't find either a row of videoSource=" << videoSource;
         return FC_NO_SUCH_NAME;

@@ -10,11 +10,26 @@
 #include <ctime>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
+
+namespace {
+
+// The JSON datasets loaded at start-up; the channel data comes later.
+constexpr const char* VIDEO_SOURCES_FILE = "/etc/sysmgt/vsrc_data_set.json";
+constexpr const char* ZIXI_STATS_FILE = "/etc/sysmgt/zixistat_data_set.json";
+constexpr const char* SRT_STATS_FILE = "/etc/sysmgt/srtstat_data_set.json";
+// The factory channel data, loaded under this name while it is merged.
+constexpr const char* DEFAULT_DATASET = "Default Dataset";
+// The device manager's time zone.
+constexpr const char* DATE_TIME_TABLE = "DateTimeTable";
+constexpr const char* TZ = "TZ";
+
+}  // namespace
 
 ChannelMngr* ChannelMngr::instance = nullptr;
 
@@ -37,9 +52,9 @@ void ChannelMngr::init() {
     DataHolder::init("tChMngr");
 
     // The channel data itself comes later, with "LOAD_CHANNELS".
-    loadDataSet(vocab::path::VIDEO_SOURCES);
-    loadDataSet(vocab::path::ZIXI_STATS);
-    loadDataSet(vocab::path::SRT_STATS);
+    loadDataSet(VIDEO_SOURCES_FILE);
+    loadDataSet(ZIXI_STATS_FILE);
+    loadDataSet(SRT_STATS_FILE);
 
     DataCommunicator* engine = getDataCommunicator();
     engine->init(this, wire::SOCK_CHAN, wire::SOCK_SEND_CHAN, "tChCom");
@@ -50,7 +65,7 @@ void ChannelMngr::init() {
     DBG(DBG_INFO) << "init: init Sources done.";
 
     std::string zone;
-    if (isOk(requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::DATE_TIME, vocab::prop::TZ, zone,
+    if (isOk(requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, DATE_TIME_TABLE, TZ, zone,
                                  ""))) {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
         setenv("TZ", zone.c_str(), 1);
@@ -131,9 +146,9 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.
     if (path != vocab::path::FACTORY_CHANNELS) {
-        loadDataSet(vocab::ds::DEFAULT, vocab::path::FACTORY_CHANNELS);
-        updateDataSet(vocab::ds::CHANNEL, vocab::ds::DEFAULT, false, true, false);
-        deleteDataSet(vocab::ds::DEFAULT);
+        loadDataSet(DEFAULT_DATASET, vocab::path::FACTORY_CHANNELS);
+        updateDataSet(vocab::ds::CHANNEL, DEFAULT_DATASET, false, true, false);
+        deleteDataSet(DEFAULT_DATASET);
     }
 
     sapStopAll();

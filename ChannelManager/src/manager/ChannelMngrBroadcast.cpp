@@ -2,7 +2,8 @@
 // withdrawal of every SAP announcement.
 #include "manager/ChannelMngr.h"
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"

@@ -5,13 +5,17 @@
 #include <string>
 
 #include "manager/ChannelMngr.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "records/MessageCommand.h"
 #include "system/DbgPrintClient.h"
 #include "system/SysmgtRoot.h"
 
 namespace {
+
+// A channel file stored under it also refreshes the settings archive.
+constexpr const char* SETTINGS_DIR = "/data/settings";
 
 // A path for the shell: mapped under SYSMGT_ROOT like every system call, and
 // single-quoted so that a root with blanks stays one word.
@@ -30,7 +34,7 @@ std::string shellPath(const std::string& logicalPath) {
 std::string settingsArchiveLine() {
     const std::string tar = shellPath("/tmp/devsettings.tar");
     const std::string gz = shellPath("/tmp/devsettings.tar.gz");
-    return "tar cvf " + tar + " " + shellPath(vocab::path::SETTINGS_DIR) + ";gzip " + tar + ";mv " + gz + " " +
+    return "tar cvf " + tar + " " + shellPath(SETTINGS_DIR) + ";gzip " + tar + ";mv " + gz + " " +
            shellPath("/tmp/devsettings.tgz");
 }
 
@@ -120,7 +124,7 @@ Fcodes ChannelMngr::runStoreChannels(const MessageCommand& command, const std::s
     }
     DBG(DBG_SYS) << "execute: After Storing file=" << file;
     sendCfgEvent(vocab::ev::CHANNELS_STORED, file, result);
-    if (file.find(vocab::path::SETTINGS_DIR) != std::string::npos && std::system(settingsArchiveLine().c_str()) != 0)
+    if (file.find(SETTINGS_DIR) != std::string::npos && std::system(settingsArchiveLine().c_str()) != 0)
         result |= FC_UNAVAILABLE;
     return result;
 }

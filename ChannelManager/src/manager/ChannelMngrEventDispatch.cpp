@@ -7,9 +7,24 @@
 #include <vector>
 
 #include "manager/ChannelMngr.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "system/DbgPrintClient.h"
+
+namespace {
+
+// Events only this table names: the mediator's critical error, and the
+// device manager's changes of the KLV inputs and of the date and time
+// (whose parameter "TZ" carries the new time zone).
+constexpr const char* DATA_CRITICAL_ERROR = "Data Critical Error";
+constexpr const char* KLVOIP_UPDATED = "KLVoIP Updated";
+constexpr const char* KLVOSDI_UPDATED = "KLVoSDI Updated";
+constexpr const char* COM_PORT_UPDATED = "Com Port Updated";
+constexpr const char* DATE_TIME_UPDATED = "Date&Time Updated";
+constexpr const char* PARAM_TZ = "TZ";
+
+}  // namespace
 
 const ChannelMngr::EventRoute ChannelMngr::eventRoutes[] = {
     {vocab::ev::AUTO_DETECTION, &ChannelMngr::onAutoDetection},
@@ -19,11 +34,11 @@ const ChannelMngr::EventRoute ChannelMngr::eventRoutes[] = {
     {vocab::ev::DATA_STREAM, &ChannelMngr::onFeederEvent},
     {vocab::ev::ZIXI_CHANGE_BITRATE_REQUEST, &ChannelMngr::onFeederEvent},
     {vocab::ev::SRT_NEW_CLIENT_REQUEST, &ChannelMngr::onSrtNewClient},
-    {vocab::ev::DATA_CRITICAL_ERROR, &ChannelMngr::onIgnored},
-    {vocab::ev::KLVOIP_UPDATED, &ChannelMngr::onKlvOverIp},
-    {vocab::ev::KLVOSDI_UPDATED, &ChannelMngr::onKlvOverSdi},
-    {vocab::ev::COM_PORT_UPDATED, &ChannelMngr::onComPort},
-    {vocab::ev::DATE_TIME_UPDATED, &ChannelMngr::onDateTime},
+    {DATA_CRITICAL_ERROR, &ChannelMngr::onIgnored},
+    {KLVOIP_UPDATED, &ChannelMngr::onKlvOverIp},
+    {KLVOSDI_UPDATED, &ChannelMngr::onKlvOverSdi},
+    {COM_PORT_UPDATED, &ChannelMngr::onComPort},
+    {DATE_TIME_UPDATED, &ChannelMngr::onDateTime},
 };
 
 Fcodes ChannelMngr::doHandle(MessageEvent* event) {
@@ -108,7 +123,7 @@ Fcodes ChannelMngr::reconfigureKlvIngest(const std::string& transport) {
 
 Fcodes ChannelMngr::onDateTime(MessageEvent& event) {
     std::string zone;
-    if (event.getParam(vocab::cmd::PARAM_TZ, zone) != 0) {
+    if (event.getParam(PARAM_TZ, zone) != 0) {
         DBG(DBG_SYS) << "doHandle: setenv TZ=" << zone;
         setenv("TZ", zone.c_str(), 1);
         tzset();

@@ -11,7 +11,7 @@
 #include <cerrno>
 
 #include "manager/ChannelMngr.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
 #include "records/MessageCommand.h"
 #include "system/DbgPrintClient.h"
 

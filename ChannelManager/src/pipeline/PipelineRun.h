@@ -124,7 +124,6 @@ using TextTable = std::vector<TextPair>;
 // The mapped text, or nullptr when `from` is not in the table.
 const char* lookup(const TextTable& table, const std::string& from);
 
-extern const TextTable SOURCE_RECEIVER;              // section 5 (and the SDI output's mixer)
 extern const TextTable AUDIO_INPUT;                  // section 6, non-embedded sources
 extern const TextTable AUDIO_SAMPLE_RATE;            // section 10
 extern const TextTable SDI_TX_AUDIO;                 // section 12, non-embedded sources

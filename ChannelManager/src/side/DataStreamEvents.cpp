@@ -1,7 +1,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
@@ -15,6 +16,9 @@
 // the fly; a new SRT client re-divides what the SRT senders may still send.
 
 namespace {
+
+// What an SRT sender may still send, re-divided when a client joins.
+constexpr const char* REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
 
 // "Data Stream" and "Zixi Connection Failed": "ON" adds the condition to
 // what the channel holds, anything else clears every condition. A channel
@@ -120,10 +124,10 @@ Fcodes ConfigChannelTarnevel::srtNewClient() {
                 remaining = 0;
             const int value = side::clampToInt(static_cast<unsigned long long>(remaining));
             Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, sender,
-                                                              vocab::med::PARAM_REMAINING_OUTPUT_BITRATE, value);
+                                                              REMAINING_OUTPUT_BITRATE, value);
             if (!isOk(set))
                 DBG(2) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
-                       << " param=" << vocab::med::PARAM_REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
+                       << " param=" << REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
                        << side::hexCode(set);
             result |= set;
         }

@@ -1,6 +1,7 @@
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
@@ -18,10 +19,18 @@
 // A channel whose rows cannot be read lights nothing; the read's failure is
 // in the result.
 
+namespace {
+
+constexpr const char* DEVICE = "Device";
+constexpr const char* STREAMING_LED = "Streaming LED";
+constexpr const char* ERROR_LED = "Error LED";
+
+}  // namespace
+
 Fcodes ConfigChannelTarnevel::setLed(const std::string& led, int value) {
-    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, vocab::med::DEVICE, led, value);
+    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, DEVICE, led, value);
     if (!isOk(code))
-        DBG(2) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << vocab::med::DEVICE << " fcode=0x"
+        DBG(2) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << DEVICE << " fcode=0x"
                << side::hexCode(code);
     return code;
 }
@@ -46,7 +55,7 @@ Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
         streaming = streaming || playing;
         error = error || status == vocab::state::STATUS_ERROR || (playing && detected == vocab::state::INPUT_NONE);
     }
-    result |= setLed(vocab::med::STREAMING_LED, streaming ? 1 : 0);
-    result |= setLed(vocab::med::ERROR_LED, error ? 1 : 0);
+    result |= setLed(STREAMING_LED, streaming ? 1 : 0);
+    result |= setLed(ERROR_LED, error ? 1 : 0);
     return result;
 }

@@ -1,7 +1,8 @@
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
@@ -30,6 +31,7 @@ const char* const RAW_KLV_O_SERIAL = "RAWKLVoSerial";
 const char* const KLV_O_IP = "KLVoIP";
 const char* const RAW_KLV_O_IP = "RAWKLVoIP";
 const char* const KLV_O_SDI_ASYNC = "KLVoSDI Async";
+const char* const KLV_O_SDI[2] = {"KLVoSDI CH0", "KLVoSDI CH1"};  // synchronous, one per channel
 const char* const FORMAT_COT = "COT";
 const char* const FORMAT_KLV = "KLV";
 const char* const ENCAPSULATION_TS = "TS";
@@ -65,7 +67,7 @@ Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, s
         return read;
     }
     if (ingest == vocab::value::KLV_SDI_SYNC)
-        branch = vocab::med::KLVOSDI_BRANCH[channel];
+        branch = KLV_O_SDI[channel];
     if (ingest == vocab::value::KLV_SDI)
         branch = KLV_O_SDI_ASYNC;
     if (!branch.empty())

@@ -1,7 +1,8 @@
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
@@ -17,10 +18,10 @@
 namespace {
 
 // The parameters of the SAP announcer's commands.
-const char* const P_CHANNEL_NAME = "ChannelName";
+const char* const P_CHANNEL_NAME = vocab::cmd::PARAM_SAP_CHANNEL_NAME;
 const char* const P_PROTOCOL = "Streaming Protocol";
-const char* const P_DESTINATION_IP = "DestinationIp";
-const char* const P_DESTINATION_PORT = "DestinationPort";
+const char* const P_DESTINATION_IP = vocab::cmd::PARAM_SAP_DESTINATION_IP;
+const char* const P_DESTINATION_PORT = vocab::cmd::PARAM_SAP_DESTINATION_PORT;
 const char* const P_IF_ADDRESS = "IfAddress";
 const char* const P_SDP_FILE = "SdpFile";
 const char* const P_TTL = "TTL";
@@ -28,6 +29,9 @@ const char* const P_INPUT = "Input";
 const char* const P_INPUT_FORMAT = "Input Format";
 const char* const P_STATUS = "Status";
 const char* const P_FCODE = "Fcode";
+// The device manager's address of a network interface (row = its name).
+const char* const NETWORK_INTERFACES_TABLE = "NetworkInterfacesTable";
+const char* const IP_ADDRESS = "IP Address";
 
 struct TargetSettings {
     std::string channelName, interface, address, protocol;
@@ -108,8 +112,8 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
             continue;
         }
         std::string ifAddress;
-        result |= holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::NETWORK_INTERFACES,
-                                             vocab::prop::IP_ADDRESS, ifAddress, settings.interface) |
+        result |= holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, NETWORK_INTERFACES_TABLE,
+                                             IP_ADDRESS, ifAddress, settings.interface) |
                   FC_OK;
         std::string sdpFile;
         if (settings.protocol == vocab::value::RTP_ES) {

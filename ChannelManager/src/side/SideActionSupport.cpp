@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/DatasetNames.h"
 
 namespace side {
 

@@ -1,7 +1,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"

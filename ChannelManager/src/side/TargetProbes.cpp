@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "side/BoundedCommand.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "side/ProbeRegistry.h"

@@ -3,7 +3,8 @@
 #include <fstream>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "TestRoot.h"
 
 // Copies a factory dataset of etc/sysmgt (by file name) to its logical path

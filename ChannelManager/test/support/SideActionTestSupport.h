@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "support/ChannelHarness.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "records/MessageCommand.h"
 
 // Helpers of the side-action tests: dataset reads, mediator events, the
