@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 
 #include "support/ChannelPipelineSupport.h"
 #include "pipeline/PipelineRun.h"
@@ -27,35 +26,21 @@ bool anyWrite(const std::vector<std::string>& writes, const std::string& prefix)
     return false;
 }
 
-#if defined(__SANITIZE_THREAD__)
-constexpr bool kLogChecked = false;  // LogCapture swaps the log's descriptor unsynchronised
-#else
-constexpr bool kLogChecked = true;
-#endif
-
-// Error lines only, so the pipe of the capture holds a whole run. The
-// simulator's threads log too, so the capture is left out of the
-// ThreadSanitizer build, where its descriptor swap is a race by design;
-// the other builds check the lines.
+// Error lines only, so the pipe of the capture holds a whole run; the
+// simulator's threads log into it too.
 class ErrorLog {
 public:
-    ErrorLog() : saved(gDbgLevel.load()) {
-        gDbgLevel = DBG_ERROR;
-        if (kLogChecked)
-            capture = std::make_unique<LogCapture>();
-    }
+    ErrorLog() : saved(gDbgLevel.load()) { gDbgLevel = DBG_ERROR; }
     ~ErrorLog() { gDbgLevel = saved; }
-    // True when `line` was logged (always true where lines are not captured).
+    // True when `line` was logged.
     bool logged(const std::string& line) {
-        if (!capture)
-            return true;
-        text += capture->take();
+        text += capture.take();
         return text.find(line) != std::string::npos;
     }
 
 private:
     int32_t saved;
-    std::unique_ptr<LogCapture> capture;
+    LogCapture capture;
     std::string text;
 };
 
