@@ -9,6 +9,8 @@
 #include "records/TagText.h"
 #include "TarnevelWire.h"
 
+using namespace vocab;
+
 namespace {
 
 // Parameter values travel as texts: integers in decimal, booleans as
@@ -215,7 +217,7 @@ bool startsWith(const std::string& text, const char* prefix) {
 
 Fcodes MediatorModel::setInput(const std::string& source, const std::string& format,
                                std::vector<MessageEvent>& events) {
-    const char* receiver = vocab::med::receiverOf(source);
+    const char* receiver = med::receiverOf(source);
     if (receiver == nullptr)
         return FC_NO_SUCH_NAME;
     {

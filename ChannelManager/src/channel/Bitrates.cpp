@@ -121,7 +121,8 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     std::vector<std::string> targets;
     result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     if (targets.empty()) {
-        DBG(2) << "calcBitrates: Couldn't find targetId in table=" << tbl::TARGET << " for chan rowId=" << rowId;
+        DBG(DBG_ERROR) << "calcBitrates: Couldn't find targetId in table=" << tbl::TARGET
+                       << " for chan rowId=" << rowId;
         result |= FC_UNAVAILABLE;
     } else {
         result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
@@ -158,7 +159,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     const int32_t fixedOverhead = pcrOnVideoPid ? FIXED_OVERHEAD_PCR_ON_VIDEO : FIXED_MUX_OVERHEAD;
     int32_t frameTerm = static_cast<int32_t>(frameRate);
     if (scan == 'i' && rowId == row::HEVC) {
-        DBG(0) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
+        DBG(DBG_INFO) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
         frameTerm *= FRAME_OVERHEAD_BITS_HEVC_INTERLACED;
     } else {
         frameTerm *= FRAME_OVERHEAD_BITS;
@@ -184,7 +185,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     audioBitrate = audio;
     klvBitrate = klv;
 
-    DBG(0) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
+    DBG(DBG_INFO) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
            << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
            << " totalBitrate=" << totalBitrate << " rowId=" << rowId;
     return result;
@@ -195,7 +196,7 @@ void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const s
                                                const std::string& parameter, int value) {
     const Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
     if (!isOk(set))
-        DBG(2) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
+        DBG(DBG_ERROR) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
                << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
 }
 
@@ -226,10 +227,10 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
 
     if (encodeVideo && video < MIN_VIDEO_BITRATE[channel]) {
         if (channel == 1)
-            DBG(1) << "changeBitrateOnTheFly: Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
-                   << " inst=" << rowId;
+            DBG(DBG_WARN) << "changeBitrateOnTheFly: Video BR=" << video
+                          << ". Reset to min=" << MIN_VIDEO_BITRATE[channel] << " inst=" << rowId;
         else
-            DBG(1) << "changeBitrateOnTheFly: Video BR=" << video << ". Reseting to min="
+            DBG(DBG_WARN) << "changeBitrateOnTheFly: Video BR=" << video << ". Reseting to min="
                    << MIN_VIDEO_BITRATE[channel] << " inst=" << rowId;
         video = MIN_VIDEO_BITRATE[channel];
         totalBitrate = 0;
@@ -240,7 +241,7 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
         int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
         result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
         if (maxBitrate < floorTotal) {
-            DBG(1) << "changeBitrateOnTheFly: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
+            DBG(DBG_WARN) << "changeBitrateOnTheFly: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
                    << " is greater than prev=" << maxBitrate << " inst=" << rowId;
             maxBitrate = floorTotal;
             result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
@@ -259,7 +260,7 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
             int maxVideo = 0;
             result |= calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
             margin = static_cast<int32_t>(static_cast<int64_t>(maxVideo) * 100 / video - 100);
-            DBG(0) << "changeBitrateOnTheFly: rowId=" << rowId << " maxBitrate=" << maxBitrate
+            DBG(DBG_INFO) << "changeBitrateOnTheFly: rowId=" << rowId << " maxBitrate=" << maxBitrate
                    << " maxVideoBitrate=" << maxVideo << " rateControl=" << rateControl << " margin=" << margin;
             if (rateControl == value::CAPPED_VBR)
                 overheadPercent = margin;

@@ -26,7 +26,7 @@ int toNumber(const std::string& text) {
 Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::string&) {
     MessageCommand command;
     if (!isOk(command.initFromString(commandText))) {
-        DBG(2) << "execute: Not found tags in:\n" << commandText;
+        DBG(DBG_ERROR) << "execute: Not found tags in:\n" << commandText;
         return FC_BODY_ERROR;
     }
     const std::string& name = command.getId();
@@ -34,7 +34,7 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
     command.getParam(cmd::PARAM_ROW_ID, rowId);
     if (rowId == row::ALL_NUMERIC)
         rowId = row::ALL;
-    DBG(0) << "execute: RowID=" << rowId;
+    DBG(DBG_INFO) << "execute: RowID=" << rowId;
 
     // The statistics commands name a target row, not a channel.
     if (rowId != row::ALL && !isChannelRow(rowId)) {
@@ -46,7 +46,7 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
             updateSrtStatistics(rowId);
             return FC_OK;
         }
-        DBG(2) << "execute: Unexpected rowId=" << rowId << " in command=" << name;
+        DBG(DBG_ERROR) << "execute: Unexpected rowId=" << rowId << " in command=" << name;
         return FC_BAD_VALUE;
     }
 
@@ -85,13 +85,14 @@ std::vector<std::string> ConfigChannelTarnevel::channelRows() {
 }
 
 Fcodes ConfigChannelTarnevel::activateRow(const std::string& rowId, const MessageCommand&) {
-    DBG(0) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
+    DBG(DBG_INFO) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
     Fcodes result = holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
     const Fcodes configured = configChannel(rowId);
-    DBG(0) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
+    DBG(DBG_INFO) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
            << static_cast<uint32_t>(configured);
     const Fcodes updated = updateChannel(rowId);
-    DBG(0) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex << static_cast<uint32_t>(updated);
+    DBG(DBG_INFO) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex
+                  << static_cast<uint32_t>(updated);
     result |= configured | updated;
     if (!isOk(result))
         return result;
@@ -115,7 +116,7 @@ Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const Mes
         holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
     if (isOk(reads) && currentTotal == total && currentMax == max)
         return FC_OK;
-    DBG(0) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
+    DBG(DBG_INFO) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
            << " param=" << cmd::PARAM_MAX_BITRATE << " val=" << max;
     return changeBitrateOnTheFly(rowId, total, max);
 }
@@ -128,7 +129,7 @@ Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageComman
 
 Fcodes ConfigChannelTarnevel::forcedStop(const std::string& rowId) {
     std::lock_guard<DataHolder> guard(holder);
-    DBG(0) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
+    DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
     Fcodes result = holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
     result |= stopChannel(rowId);
     return result | FC_OK;

@@ -90,7 +90,7 @@ Fcodes ConfigChannelTarnevel::writeBackEncoderSettings(const std::string& rowId)
 
 Fcodes ConfigChannelTarnevel::updateChannel(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
-        DBG(2) << "updateChannel: Unexpected rowId=" << rowId;
+        DBG(DBG_ERROR) << "updateChannel: Unexpected rowId=" << rowId;
         return FC_BAD_VALUE;
     }
     Fcodes result = FC_OK;
@@ -118,7 +118,7 @@ Fcodes ConfigChannelTarnevel::updateChannel(const std::string& rowId) {
 
 Fcodes ConfigChannelTarnevel::updateAutomaticParams(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
-        DBG(2) << "updateAutomaticParams: Unexpected rowId=" << rowId;
+        DBG(DBG_ERROR) << "updateAutomaticParams: Unexpected rowId=" << rowId;
         return FC_BAD_VALUE;
     }
     return writeBackEncoderSettings(rowId);

@@ -17,6 +17,8 @@
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
 
+using namespace vocab;
+
 namespace {
 
 // The JSON datasets loaded at start-up; the channel data comes later.
@@ -65,7 +67,7 @@ void ChannelMngr::init() {
     DBG(DBG_INFO) << "init: init Sources done.";
 
     std::string zone;
-    if (isOk(requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, DATE_TIME_TABLE, TZ, zone,
+    if (isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone,
                                  ""))) {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
         setenv("TZ", zone.c_str(), 1);
@@ -79,7 +81,7 @@ void ChannelMngr::init() {
 
 Fcodes ChannelMngr::initSources() {
     std::vector<std::string> sources;
-    getInstances(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, sources);
+    getInstances(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, sources);
     Fcodes result = FC_OK;
     for (const std::string& source : sources) {
         MessageEvent event;
@@ -110,15 +112,15 @@ Fcodes ChannelMngr::acceptChanges() {
     const struct {
         const char* component;
         Fcodes (ConfigChannelTarnevel::*apply)(const std::string&);
-    } applied[] = {{vocab::tbl::AV_SETTINGS, &ConfigChannelTarnevel::configAVSettings},
-                   {vocab::tbl::AUDIO_SOURCE, &ConfigChannelTarnevel::configAudioGain}};
+    } applied[] = {{tbl::AV_SETTINGS, &ConfigChannelTarnevel::configAVSettings},
+                   {tbl::AUDIO_SOURCE, &ConfigChannelTarnevel::configAudioGain}};
     for (const auto& entry : applied) {
-        if (!isChangedComponent(vocab::ds::CHANNEL, entry.component))
+        if (!isChangedComponent(ds::CHANNEL, entry.component))
             continue;
         std::vector<std::string> instances;
-        result |= getInstances(vocab::ds::CHANNEL, entry.component, instances);
+        result |= getInstances(ds::CHANNEL, entry.component, instances);
         for (const std::string& instance : instances) {
-            if (!isChangedInstance(vocab::ds::CHANNEL, entry.component, instance))
+            if (!isChangedInstance(ds::CHANNEL, entry.component, instance))
                 continue;
             ConfigChannelTarnevel channel(*this, *this);
             result |= (channel.*entry.apply)(instance);
@@ -129,8 +131,8 @@ Fcodes ChannelMngr::acceptChanges() {
 
 Fcodes ChannelMngr::loadChannels(const std::string& path) {
     MessageCommand stop;
-    stop.setId(vocab::cmd::STOP);
-    stop.addParam(vocab::cmd::PARAM_ROW_ID, vocab::row::ALL);
+    stop.setId(cmd::STOP);
+    stop.addParam(cmd::PARAM_ROW_ID, row::ALL);
     std::string stopText, response;
     stop.toString(stopText);
     {
@@ -145,9 +147,9 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
 
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.
-    if (path != vocab::path::FACTORY_CHANNELS) {
-        loadDataSet(DEFAULT_DATASET, vocab::path::FACTORY_CHANNELS);
-        updateDataSet(vocab::ds::CHANNEL, DEFAULT_DATASET, false, true, false);
+    if (path != path::FACTORY_CHANNELS) {
+        loadDataSet(DEFAULT_DATASET, path::FACTORY_CHANNELS);
+        updateDataSet(ds::CHANNEL, DEFAULT_DATASET, false, true, false);
         deleteDataSet(DEFAULT_DATASET);
     }
 

@@ -188,7 +188,7 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
 // per stream). Digital and embedded audio pass at unity; their rows are
 // accepted and nothing is written.
 Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId) {
-    PipelineRun run(holder, vocab::row::H264, "configAudioGain");
+    PipelineRun run(holder, row::H264, "configAudioGain");
     const std::string source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
     const bool enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);
     const int gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, audioRowId);

@@ -94,6 +94,10 @@ inline int channelIndex(const std::string& rowId) {
 inline bool isChannelRow(const std::string& rowId) {
     return channelIndex(rowId) >= 0;
 }
+// True when every bit of `condition` is set in a channel's "Fcode".
+inline bool holds(uint32_t fcode, uint32_t condition) {
+    return (fcode & condition) == condition;
+}
 // The channel condition code as an Fcodes value (they share the result type).
 inline Fcodes condCode(uint32_t code) {
     return static_cast<Fcodes>(code);

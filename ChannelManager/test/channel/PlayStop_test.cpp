@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -20,9 +20,9 @@ void failNext(ChannelHarness& h, const std::string& commandId) {
 }
 
 std::string hex(unsigned long code) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%lx", code);
-    return text;
+    std::ostringstream text;
+    text << "0x" << std::hex << code;
+    return text.str();
 }
 
 // "id rowId fcode" of each recorded event.

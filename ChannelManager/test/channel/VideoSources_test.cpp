@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <sstream>
 
 #include "support/SideActionTestSupport.h"
 
@@ -24,9 +24,9 @@ std::string sourceRow(ChannelHarness& h, const std::string& source) {
 std::string channelRow(ChannelHarness& h, const char* row) {
     bool changed = false;
     h.holder->getBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, changed, row);
-    char fcode[16];
-    snprintf(fcode, sizeof fcode, "%x", intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row));
-    return textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode + " " +
+    std::ostringstream fcode;
+    fcode << std::hex << intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row);
+    return textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode.str() + " " +
            textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row) + (changed ? " changed" : "");
 }
 

@@ -11,6 +11,8 @@
 #include "support/ManagerHarness.h"
 #include "system/SysmgtRoot.h"
 
+using namespace vocab;
+
 TEST(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     ManagerHarness h;
     ASSERT_TRUE(h.ready());
@@ -119,7 +121,7 @@ TEST(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDef
 TEST(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
     ManagerHarness h;
     ASSERT_TRUE(h.ready());
-    ASSERT_EQ(FC_OK, h.manager.loadDataSet(vocab::path::FACTORY_CHANNELS));
+    ASSERT_EQ(FC_OK, h.manager.loadDataSet(path::FACTORY_CHANNELS));
     // Nothing pending: "OK", nothing touched.
     EXPECT_EQ(FC_OK, h.execute("Accept Changes"));
     EXPECT_TRUE(h.waitLog("execute: command=Accept Changes"));

@@ -93,7 +93,7 @@ struct DbgVoidify {
     void operator&(std::ostream&) {}
 };
 
-// DBG(2) << "getIntParam: No such table=" << table;
+// DBG(DBG_ERROR) << "getIntParam: No such table=" << table;
 // Nothing is formatted, and no argument evaluated, when the level filters the line out.
 #define DBG(severity)                                                        \
     (gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \
