@@ -12,7 +12,8 @@ using namespace vocab;
 
 // The channel commands the manager forwards: "ACTIVATE_ROW", "Change
 // on-the-fly", "Play", "Stop" and the two statistics commands, addressed by
-// "RowID" to one channel or to "ALL" ("0" meaning "ALL").
+// "RowID" to one channel or to "ALL" ("0" meaning "ALL"); the statistics
+// commands name a target row instead.
 
 namespace {
 
@@ -36,46 +37,52 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
         rowId = row::ALL;
     DBG(DBG_INFO) << "execute: RowID=" << rowId;
 
-    // The statistics commands name a target row, not a channel.
-    if (rowId != row::ALL && !isChannelRow(rowId)) {
-        if (name == cmd::UPDATE_ZIXI_STATISTICS) {
-            updateZixiStatistics(rowId);
-            return FC_OK;
+    // The command table, first whole-text match wins. A row's `one` runs on
+    // the named row; "ALL" runs its `all`, or without one `one` on every
+    // channel. A statistics command runs on a target row only and answers
+    // "OK" whatever the update gives; on a channel or "ALL" it does nothing.
+    using OneRow = Fcodes (ConfigChannelTarnevel::*)(const std::string&, const MessageCommand&);
+    using AllRows = Fcodes (ConfigChannelTarnevel::*)();
+    struct Route {
+        const char* id;
+        bool onTarget;  // "RowID" names a target row, not a channel
+        OneRow one;
+        AllRows all;
+    };
+    static const Route kRoutes[] = {
+        {cmd::ACTIVATE_ROW, false, &ConfigChannelTarnevel::activateRow, nullptr},
+        {cmd::CHANGE_ON_THE_FLY, false, &ConfigChannelTarnevel::changeOnTheFly, nullptr},
+        {cmd::PLAY, false, &ConfigChannelTarnevel::play, nullptr},
+        {cmd::STOP, false, &ConfigChannelTarnevel::stop, &ConfigChannelTarnevel::stopAll},
+        {cmd::UPDATE_ZIXI_STATISTICS, true, &ConfigChannelTarnevel::zixiStatistics, nullptr},
+        {cmd::UPDATE_SRT_STATISTICS, true, &ConfigChannelTarnevel::srtStatistics, nullptr},
+    };
+    const Route* route = nullptr;
+    for (const Route& candidate : kRoutes)
+        if (name == candidate.id) {
+            route = &candidate;
+            break;
         }
-        if (name == cmd::UPDATE_SRT_STATISTICS) {
-            updateSrtStatistics(rowId);
+
+    if (rowId != row::ALL && !isChannelRow(rowId)) {
+        if (route != nullptr && route->onTarget) {
+            (this->*route->one)(rowId, command);
             return FC_OK;
         }
         DBG(DBG_ERROR) << "execute: Unexpected rowId=" << rowId << " in command=" << name;
         return FC_BAD_VALUE;
     }
-
-    if (name == cmd::STOP)
-        return rowId == row::ALL ? stopAll() : forcedStop(rowId);
-
-    using Handler = Fcodes (ConfigChannelTarnevel::*)(const std::string&, const MessageCommand&);
-    struct Entry {
-        const char* id;
-        Handler handler;
-    };
-    static const Entry kHandlers[] = {
-        {cmd::ACTIVATE_ROW, &ConfigChannelTarnevel::activateRow},
-        {cmd::CHANGE_ON_THE_FLY, &ConfigChannelTarnevel::changeOnTheFly},
-        {cmd::PLAY, &ConfigChannelTarnevel::play},
-    };
-    for (const Entry& entry : kHandlers) {
-        if (name != entry.id)
-            continue;
-        // "ALL" runs the command on every channel, as "Stop" does.
-        if (rowId != row::ALL)
-            return (this->*entry.handler)(rowId, command);
-        Fcodes result = FC_OK;
-        for (const std::string& channel : channelRows())
-            result |= (this->*entry.handler)(channel, command);
-        return result;
-    }
     // Any other command on a channel has nothing to do here.
-    return FC_OK;
+    if (route == nullptr || route->onTarget)
+        return FC_OK;
+    if (rowId != row::ALL)
+        return (this->*route->one)(rowId, command);
+    if (route->all != nullptr)
+        return (this->*route->all)();
+    Fcodes result = FC_OK;
+    for (const std::string& channel : channelRows())
+        result |= (this->*route->one)(channel, command);
+    return result;
 }
 
 std::vector<std::string> ConfigChannelTarnevel::channelRows() {
@@ -125,6 +132,18 @@ Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageComman
     const Fcodes result = playChannel(rowId) | FC_OK;
     testConnectionToTarget(rowId);
     return result;
+}
+
+Fcodes ConfigChannelTarnevel::stop(const std::string& rowId, const MessageCommand&) {
+    return forcedStop(rowId);
+}
+
+Fcodes ConfigChannelTarnevel::zixiStatistics(const std::string& targetRowId, const MessageCommand&) {
+    return updateZixiStatistics(targetRowId);
+}
+
+Fcodes ConfigChannelTarnevel::srtStatistics(const std::string& targetRowId, const MessageCommand&) {
+    return updateSrtStatistics(targetRowId);
 }
 
 Fcodes ConfigChannelTarnevel::forcedStop(const std::string& rowId) {

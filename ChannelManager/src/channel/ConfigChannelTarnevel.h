@@ -53,7 +53,8 @@ public:
     //      channel/PlayStop.cpp, channel/ChannelRows.cpp, channel/EncoderReadback.cpp) ----
 
     // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
-    // statistics commands, with "RowID" naming a channel, "ALL" or "0".
+    // statistics commands, with "RowID" naming a channel, "ALL" or "0" (a
+    // target row for the statistics commands).
     Fcodes execute(const std::string& commandText, std::string& response);
     Fcodes playChannel(const std::string& rowId);
     // A second stop of a stopped or stopping channel does nothing.
@@ -204,8 +205,13 @@ private:
     Fcodes activateRow(const std::string& rowId, const MessageCommand& command);
     Fcodes changeOnTheFly(const std::string& rowId, const MessageCommand& command);
     Fcodes play(const std::string& rowId, const MessageCommand& command);
+    Fcodes stop(const std::string& rowId, const MessageCommand& command);
+    // The statistics commands on one target row.
+    Fcodes zixiStatistics(const std::string& targetRowId, const MessageCommand& command);
+    Fcodes srtStatistics(const std::string& targetRowId, const MessageCommand& command);
     // The forced stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
     Fcodes forcedStop(const std::string& rowId);
+    // "Stop" on "ALL": every channel, then "STOP ALL SAP".
     Fcodes stopAll();
     // The instances of "ChannelsTable": the rows "ALL" stands for.
     std::vector<std::string> channelRows();
