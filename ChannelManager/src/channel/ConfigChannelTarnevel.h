@@ -63,6 +63,8 @@ public:
     Fcodes updateChannelStatus(const std::string& rowId);
     // Copies the effective encoder and multiplexer values into the summary.
     Fcodes updateChannel(const std::string& rowId);
+    // Reads back what the encoder chose by itself into the encoder settings.
+    Fcodes updateAutomaticParams(const std::string& rowId);
     // Start-up: configures both channels, replays those that were playing.
     Fcodes configChannels();
     Fcodes reconfigChannelFormat(const std::string& rowId);
@@ -100,8 +102,6 @@ public:
     Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
                         int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
     Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
-    // Reads back what the encoder chose by itself into the encoder settings.
-    Fcodes updateAutomaticParams(const std::string& rowId);
 
     // ---- Pipeline configuration (pipeline/) ----
 
@@ -123,7 +123,8 @@ public:
     // "Srt New Client Request"; borrows the event.
     Fcodes handleDataStreamEvent(MessageEvent* event);
 
-    // ---- SAP, KLV, target probes and LEDs (ConfigChannelSap/Klv/Probes/Leds.cpp) ----
+    // ---- SAP, KLV, target probes and LEDs (side/SapAnnouncements.cpp, side/KlvBranches.cpp,
+    //      side/TargetProbes.cpp, side/FrontPanelLeds.cpp) ----
 
     // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
     Fcodes sapAction(const std::string& rowId);

@@ -174,8 +174,8 @@ int gopSizeRough(int frameSampling, const std::string& gopStructure);
 }  // namespace pipeline
 
 // The values of the multiplexer, targets and summary that the text leaves to
-// the appliance (pipeline/MuxSection.cpp, ...Targets.cpp,
-// ...Summary.cpp); pure, each pinned by a table of its own.
+// the appliance (pipeline/MuxSection.cpp, TargetSenders.cpp,
+// SummarySection.cpp); pure, each pinned by a table of its own.
 namespace pipeline {
 // "Output Granularity": TS packets per datagram.
 int outputGranularity(int udpPacketSize, bool ultraLowLatency);
