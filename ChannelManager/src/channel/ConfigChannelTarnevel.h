@@ -107,9 +107,11 @@ public:
     // The channel's rows turned into the parameters of its mediator components.
     Fcodes configChannel(const std::string& rowId);
     // "Brightness", "Contrast", "Saturation", "Hue" of "ChannelAVSettings".
-    Fcodes configAVSettings(const std::string& rowId);
-    // "Audio Gain" of an audio row ("H.264 Audio1" ...).
-    Fcodes configAudioGain(const std::string& audioRowId);
+    // `pending`: apply the values being accepted (the store's pending
+    // values, else the committed ones) instead of the committed values.
+    Fcodes configAVSettings(const std::string& rowId, bool pending = false);
+    // "Audio Gain" of an audio row ("H.264 Audio1" ...); `pending` as above.
+    Fcodes configAudioGain(const std::string& audioRowId, bool pending = false);
 
     // ---- Stream statistics (side/StreamStatistics.cpp) and data-stream events (side/DataStreamEvents.cpp) ----
 

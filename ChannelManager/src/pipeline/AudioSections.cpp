@@ -185,12 +185,22 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
 // The gain of the analogue line input belongs to its amplifier: only a
 // stream on "Unbalanced analog" has one to set ("Audio Gain" in dB, one gain
 // per stream). Digital and embedded audio pass at unity; their rows are
-// accepted and nothing is written.
-Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId) {
+// accepted and nothing is written. When accepting, the row's pending values
+// (source, enabling and gain alike) are the ones applied.
+Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, bool pending) {
     PipelineRun run(holder, vocab::row::H264, "configAudioGain");
-    const std::string source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
-    const bool enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);
-    const int gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, audioRowId);
+    std::string source;
+    bool enabled = false;
+    int gain = 0;
+    if (pending) {
+        run.result |= holder.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
+                      holder.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
+                      holder.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
+    } else {
+        source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
+        enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);
+        gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, audioRowId);
+    }
     if (!isOk(run.result) || !enabled || source != "Unbalanced analog")
         return run.result;
     run.readAssembly();

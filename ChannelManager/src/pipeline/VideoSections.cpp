@@ -154,14 +154,16 @@ void ConfigChannelTarnevel::configVideoSwitch(PipelineRun& run) {
 
 // The picture adjustments of the channel, applied by its own video mixer so
 // that two channels on one input keep their own settings. Called by
-// configChannel and when the settings are accepted.
-Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId) {
+// configChannel and, with the values being accepted, when the settings are
+// accepted (before the commit).
+Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId, bool pending) {
     if (!isChannelRow(rowId))
         return FC_BAD_VALUE;
     PipelineRun run(holder, rowId, "configAVSettings");
     for (const char* p : {prop::BRIGHTNESS, prop::CONTRAST, prop::SATURATION, prop::HUE}) {
         int value = 0;
-        const Fcodes read = holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
+        const Fcodes read = pending ? holder.getNewIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId)
+                                    : holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
         run.result |= read;
         if (isOk(read))
             run.put(run.comp("VIDEO_MIXER_"), p, value);
