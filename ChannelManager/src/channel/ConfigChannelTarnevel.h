@@ -232,6 +232,13 @@ private:
     // ---- Bitrates (channel/Bitrates.cpp) ----
 
     Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
+    // The per-channel floors of the video bitrate and of the maximum, shared
+    // by a configuration and an on-the-fly change; logs under `operation`.
+    Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate, bool pcrOnVideoPid,
+                              int& video, int& total, int& max, bool& totalRaised, bool& maxRaised);
+    // The encoder's "Bitrate Margin" for a video bitrate and a maximum.
+    Fcodes bitrateMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
+                         bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid, int& margin);
     void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
                             int value);
 
