@@ -150,7 +150,8 @@ public:
 private:
     // ---- configChannel's sections, in the order they run ----
     // pipeline/PipelineRun.cpp
-    void configPrologue(PipelineRun& run);          // 1: status, assembly
+    void configPrologue(PipelineRun& run);          // 1: status, assembly, targets
+    void readAudioRows(PipelineRun& run);           // after 3: the audio rows as it left them
     void readProcessingSettings(PipelineRun& run);  // 7
     // pipeline/VideoSections.cpp
     void configInputFormat(PipelineRun& run);       // 2
