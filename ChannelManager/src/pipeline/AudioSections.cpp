@@ -145,10 +145,13 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
         const PipelineRun::Audio& a = run.audio[i];
         const std::string s = stream(i) + " " + run.suffix;
         const std::string encoder = "Audio Encoder " + s;
-        run.put("Audio Capture " + s, "Enable", a.encode && !(lowDelay && i == 0));
+        // The normal capture stands aside only when the low-delay path carries
+        // the stream: any other codec goes through the normal encoder, ULL or not.
+        const bool lowDelayStream = lowDelay && i == 0 && a.encode && (a.format == "AAC-ELD" || a.format == "PCM");
+        run.put("Audio Capture " + s, "Enable", a.encode && !lowDelayStream);
         if (!a.encode)
             continue;
-        if (lowDelay && i == 0 && (a.format == "AAC-ELD" || a.format == "PCM")) {
+        if (lowDelayStream) {
             const bool eld = a.format == "AAC-ELD";
             run.put("Audio Capture Str0 CH1 Low Delay", "Enable", true);
             run.put("Audio Capture Buffer Str0 CH1", "Samples per Frame", eld ? 480 : 240);
