@@ -130,6 +130,10 @@ public:
     Fcodes sapAction(const std::string& rowId);
     // Starts the channel's KLV branch while it plays, stops it otherwise.
     Fcodes klvAction(const std::string& rowId);
+    // While the channel plays: stops its KLV branches that run but that its
+    // settings no longer name (unless the other playing channel uses them),
+    // then starts the named ones as klvAction does. Run by configChannel.
+    Fcodes klvFollowSettings(const std::string& rowId);
     // Starts a bounded probe thread per enabled unicast target.
     Fcodes testConnectionToTarget(const std::string& rowId);
     // "ping -c 1", then "traceroute -I"; sends "Target Connection OK" or "...Failed".
@@ -190,6 +194,8 @@ private:
     void configZixiFeeder(PipelineRun& run, size_t target);
     void configSrtSender(PipelineRun& run, size_t target);
     void configRtmpServer(PipelineRun& run, size_t target);
+    // pipeline/UnusedComponents.cpp
+    void configUnusedComponents(PipelineRun& run);  // after 26: what this run does not use, off
     // pipeline/SummarySection.cpp
     void configSummary(PipelineRun& run);           // 27
 

@@ -132,7 +132,7 @@ void ConfigChannelTarnevel::configSdiOutput(PipelineRun& run) {
     run.put("SDI_TRANSMITTER", "Video Source", "VIDEO_MIXER_SDI_TX");
     run.put("SDI_TRANSMITTER", "Frame Buffer", run.source != value::SRC_HD_SDI);
     run.put("SDI_TRANSMITTER", "Audio Embedder", anyAudio);
-    run.put("SDI_TRANSMITTER", "Enable", true);
+    run.enable("SDI_TRANSMITTER");
 }
 
 // Sections 19 (HEVC) and 20 (H.264). On HEVC with "Ultra Low Latency - LAN",
@@ -153,10 +153,9 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
             continue;
         if (lowDelayStream) {
             const bool eld = a.format == "AAC-ELD";
-            run.put("Audio Capture Str0 CH1 Low Delay", "Enable", true);
+            run.enable("Audio Capture Str0 CH1 Low Delay");
             run.put("Audio Capture Buffer Str0 CH1", "Samples per Frame", eld ? 480 : 240);
-            run.put("AAC Encoder Str0 CH1 Low Delay", "Enable", eld);
-            run.put("PCM Converter Str0 CH1 Low Delay", "Enable", !eld);
+            run.enable(eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
             run.put("Audio Switch " + s, "Input",
                     eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
             if (eld)

@@ -115,6 +115,11 @@ void PipelineRun::write(const std::string& component, const std::string& paramet
     }
 }
 
+void PipelineRun::enable(const std::string& component) {
+    put(component, "Enable", true);
+    enabled.insert(component);
+}
+
 void PipelineRun::unknown(const char* what, const std::string& value) const {
     DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Unknown " << what << "=" << value;
 }
@@ -160,6 +165,7 @@ Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {
     configEncryption(run);
     configMultiplexer(run);
     configTargets(run);
+    configUnusedComponents(run);
     configSummary(run);
     return run.result;
 }

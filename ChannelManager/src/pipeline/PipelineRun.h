@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,9 @@ struct PipelineRun {
     // then the failure line with the value as `shown`.
     void write(const std::string& component, const std::string& parameter, const std::string& shown,
                const std::function<Fcodes()>& send);
+    // Writes "Enable" = true and remembers the component as used by this run
+    // (configUnusedComponents turns off the channel's others).
+    void enable(const std::string& component);
     // Logs "configChannel: rowId=<row> Unknown <what>=<value>".
     void unknown(const char* what, const std::string& value) const;
 
@@ -63,6 +67,7 @@ struct PipelineRun {
     std::string status;  // the channel's "Status" at the start of the run
     std::string assembly;
     bool assemblyRead = false;
+    std::set<std::string> enabled;  // components this run enabled
 
     // Input (sections 2, 8).
     std::string source;
