@@ -127,6 +127,10 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     Fcodes result = loadDataSet(path);
     if (!isOk(result))
         return result;
+    // Edits pending on the channel data belonged to the data just replaced:
+    // committed onto the loaded (or factory) data they would be stale. The
+    // store itself keeps pending values across a load; the manager drops them.
+    untouchDataSet(vocab::ds::CHANNEL);
 
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.

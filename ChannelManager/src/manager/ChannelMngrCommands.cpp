@@ -111,7 +111,12 @@ Fcodes ChannelMngr::runAcceptChanges(const MessageCommand& command, const std::s
 
 Fcodes ChannelMngr::runRollbackChanges(const MessageCommand& command, const std::string&, std::string&) {
     DBG(DBG_INFO) << "execute: command=" << command.getId();
-    return rollbackChanges();
+    // The command discards every pending edit, the JSON datasets' as well, so
+    // that "Accept Changes" has nothing stale left to commit. (rollbackChanges
+    // alone stays tabular: the engine also calls it after a refused SET, which
+    // must not take other clients' pending JSON edits with it.)
+    rollbackChanges();
+    return rollback() | FC_OK;
 }
 
 Fcodes ChannelMngr::runLoadChannels(const MessageCommand& command, const std::string&, std::string&) {
