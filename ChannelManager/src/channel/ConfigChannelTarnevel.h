@@ -99,6 +99,9 @@ public:
     Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
                         int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
     Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
+    // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
+    // range with a log line under `op`; 0 when `video` is 0.
+    static int32_t bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video);
     // Reads back what the encoder chose by itself into the encoder settings.
     Fcodes updateAutomaticParams(const std::string& rowId);
 
