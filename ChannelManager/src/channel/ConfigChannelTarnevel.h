@@ -120,7 +120,7 @@ public:
     Fcodes updateZixiStatistics(const std::string& targetRowId);
     Fcodes updateSrtStatistics(const std::string& targetRowId);
     // The number in front of `key` in a comma-separated statistics text; 0 without.
-    static unsigned long parseZixiStat(const std::string& text, const std::string& key);
+    static uint64_t parseZixiStat(const std::string& text, const std::string& key);
     // "Data Stream", "Zixi Connection Failed", "Zixi Change Bitrate Request",
     // "Srt New Client Request"; borrows the event.
     Fcodes handleDataStreamEvent(MessageEvent* event);
