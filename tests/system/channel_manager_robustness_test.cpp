@@ -126,13 +126,15 @@ TEST(ChannelManagerRobustness, OneBadCommandLeavesItAnswering) {
          "execute: settings archive failed"},
     };
     for (const auto& row : rows) {
-        if (std::string(row.output) == "Unavailable")
+        if (std::string(row.output) == "Unavailable") {
             ASSERT_EQ(0, mkdir(sysmgtPath("/tmp/devsettings.tar").c_str(), 0700));
+        }
         ToolRun run = chanctl(row.args);
         EXPECT_EQ(row.status, run.status) << row.args << ": " << run.output;
         EXPECT_NE(std::string::npos, run.output.find(row.output)) << row.args << ": " << run.output;
-        if (*row.logLine)
+        if (*row.logLine) {
             EXPECT_TRUE(session.waitLog(row.logLine)) << row.args;
+        }
         ToolRun next = chanctl("command 'Set DVI mode' DVI_mode=1");
         EXPECT_EQ(0, next.status) << "after " << row.args << ": " << next.output;
     }
