@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ChanctlArgs.h"
+#include "ChanctlFormat.h"
 #include "records/Fcodes.h"
 #include "engine/NullDataHolder.h"
 
@@ -22,6 +23,12 @@ Fcodes runGet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out
 Fcodes runSet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
 Fcodes runEvent(DataCommunicator& engine, const ChanctlOptions& options);
 Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
+
+// Both channels of the channel manager at `socket`, as status shows them and
+// chanweb serves them. Before any channel data is loaded the service knows no
+// "ChannelDataSet": the first read says so ("No Such Name") and no other is
+// made, so a service that logs each refused read logs one request, not dozens.
+StatusView readStatus(DataCommunicator& engine, const std::string& socket, unsigned timeoutSec);
 
 // One value of a JSON data set of the service at `socket`, read ("GET", empty
 // `setValue` ignored) or written ("SET", `write` true; `value` then receives
