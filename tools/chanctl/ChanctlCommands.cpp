@@ -92,10 +92,16 @@ Fcodes sendCommand(DataCommunicator& engine, const std::string& socket, const st
 
 }  // namespace
 
+Fcodes sendServiceCommand(DataCommunicator& engine, const std::string& socket, const std::string& id,
+                          const std::vector<std::pair<std::string, std::string>>& params, std::string& replyBody,
+                          unsigned timeoutSec) {
+    return sendCommand(engine, socket, commandText(id, params), replyBody, timeoutSec);
+}
+
 Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
     std::string replyBody;
-    Fcodes code = sendCommand(engine, options.socket, commandText(options.words[0], options.params), replyBody,
-                              options.timeoutSec);
+    Fcodes code = sendServiceCommand(engine, options.socket, options.words[0], options.params, replyBody,
+                                     options.timeoutSec);
     std::fputs(options.json ? commandJson(options.words[0], code, replyBody).c_str() : replyText(replyBody).c_str(),
                out);
     return code;

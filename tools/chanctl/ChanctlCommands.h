@@ -30,6 +30,12 @@ Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* 
 // made, so a service that logs each refused read logs one request, not dozens.
 StatusView readStatus(DataCommunicator& engine, const std::string& socket, unsigned timeoutSec);
 
+// One command with its parameters to the service at `socket`, one try; its
+// verdict as runCommand gives it, the answer's body in `replyBody`.
+Fcodes sendServiceCommand(DataCommunicator& engine, const std::string& socket, const std::string& id,
+                          const std::vector<std::pair<std::string, std::string>>& params, std::string& replyBody,
+                          unsigned timeoutSec);
+
 // One value of a JSON data set of the service at `socket`, read ("GET", empty
 // `setValue` ignored) or written ("SET", `write` true; `value` then receives
 // the value now pending). A refusal gives the service's own Fcode from its
