@@ -18,7 +18,7 @@
 #include <map>
 #include <vector>
 
-#include "ChannelHarness.h"
+#include "support/ChannelHarness.h"
 #include "ITarnevelClient.h"
 #include "system/DbgPrintClient.h"
 

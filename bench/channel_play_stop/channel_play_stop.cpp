@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "ChannelHarness.h"
-#include "MediatorTranscript.h"
+#include "support/ChannelHarness.h"
+#include "support/MediatorTranscript.h"
 #include "system/DbgPrintClient.h"
 
 using namespace vocab;

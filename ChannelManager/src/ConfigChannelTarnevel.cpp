@@ -1,9 +1,0 @@
-#include "ConfigChannelTarnevel.h"
-
-#include "ChannelMngr.h"
-
-ConfigChannelTarnevel::ConfigChannelTarnevel()
-    : ConfigChannelTarnevel(*ChannelMngr::getInstance(), *ChannelMngr::getInstance()) {}
-
-ConfigChannelTarnevel::ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events)
-    : holder(holder), events(events) {}

@@ -1,0 +1,269 @@
+#include <cstdint>
+#include <cstdio>
+
+#include "vocab/ChannelVocabulary.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "channel/IChannelEvents.h"
+#include "ITarnevelClient.h"
+#include "holder/DataHolder.h"
+#include "records/WireConstants.h"
+#include "system/DbgPrintClient.h"
+
+using namespace vocab;
+
+// The transport-stream model of a channel's total bitrate: the video share
+// with its per-frame and 188/184 packet overhead, the audio packetised in
+// whole transport packets per audio frame, the KLV inputs and the fixed
+// multiplex overhead. The 32-bit and 64-bit steps are those of the appliance,
+// so that host builds and the 32-bit target compute the same figures.
+
+namespace {
+
+constexpr int32_t FIXED_MUX_OVERHEAD = 74197;        // tables and PCR
+constexpr int32_t FIXED_OVERHEAD_PCR_ON_VIDEO = 24064;  // PCR carried on the video PID
+constexpr int32_t FRAME_OVERHEAD_BITS = 888;
+constexpr int32_t FRAME_OVERHEAD_BITS_HEVC_INTERLACED = 1776;
+constexpr int32_t TS_PACKET_BITS = 1504;
+
+// Per-channel floors of the video bitrate and of the video bitrate the
+// maximum must allow (the floor plus ten per cent); the two encoders differ.
+constexpr int32_t MIN_VIDEO_BITRATE[2] = {100000, 23900};
+constexpr int32_t MIN_MAX_VIDEO_BITRATE[2] = {110000, 26290};
+constexpr int32_t CBR_MARGIN[2] = {25, 0};
+
+bool isTransportProtocol(const std::string& protocol) {
+    return protocol == value::UDP_TS || protocol == value::RTP_TS || protocol == value::PRO_MPEG ||
+           protocol == value::ZIXI || protocol == value::SRT;
+}
+
+int32_t sampleRate(const std::string& sampling) {
+    if (sampling == "8 KHz") return 8000;
+    if (sampling == "16 KHz") return 16000;
+    if (sampling == "24 KHz") return 24000;
+    if (sampling == "32 KHz") return 32000;
+    if (sampling == "48 KHz") return 48000;
+    return 0;
+}
+
+int32_t packetsPerAudioFrame(int32_t bitrate) {
+    if (bitrate < 56000) return 1;
+    if (bitrate < 128000) return 2;
+    if (bitrate < 192000) return 3;
+    if (bitrate < 320000) return 4;
+    return 5;
+}
+
+int32_t samplesPerAudioFrame(const std::string& format) {
+    if (format == "AAC-LC" || format == "HE AAC-v1" || format == "HE AAC-v2") return 1024;
+    if (format == "MPEG-1 Layer 2") return 1152;
+    return 0;
+}
+
+// (video + frame term) x 188 / 184 in 32-bit arithmetic. The product wraps
+// as the target's 32-bit int does (above about 11.4 Mbit/s); computed
+// unsigned so that the wrap is defined behaviour on every build.
+int32_t packetisedVideo(int32_t videoAndFrames) {
+    const int32_t product = static_cast<int32_t>(static_cast<uint32_t>(videoAndFrames) * 188u);
+    return product / 184;
+}
+
+}  // namespace
+
+// The KLV bitrate of one ingest setting, read from the device manager; a
+// failed read leaves `bitrate` as it was.
+Fcodes ConfigChannelTarnevel::readKlvBitrate(const std::string& ingest, int& bitrate) {
+    const char* component = nullptr;
+    const char* property = nullptr;
+    if (ingest == value::KLV_SERIAL) {
+        component = tbl::COM_PORTS;
+        property = prop::BAUD_RATE;
+    } else if (ingest == value::KLV_IP) {
+        component = tbl::KLV_OVER_IP;
+        property = prop::KLV_BITRATE;
+    } else if (ingest == value::KLV_SDI || ingest == value::KLV_SDI_SYNC) {
+        component = tbl::KLV_OVER_SDI;
+        property = prop::BITRATE;
+    } else {
+        return FC_OK;
+    }
+    return holder.requestGetIntParam(wire::SOCK_DEV, ds::DEVICE, component, property, bitrate, "");
+}
+
+Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
+                                           float frameRate, int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
+    Fcodes result = FC_OK;
+    std::string rateControl, ingestKlv, ingestKlv2, encodingFormat;
+    bool encodeVideo = false;
+    int overheadPercent = 0;
+    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
+    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, ingestKlv, rowId);
+    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, ingestKlv2, rowId);
+    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent,
+                                 rowId);
+    char scan = 'x';
+    std::sscanf(encodingFormat.c_str(), "%*dx%*d%c @ %*f", &scan);
+
+    // The first target's protocol decides the model, enabled or not.
+    std::string protocol;
+    std::vector<std::string> targets;
+    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    if (targets.empty()) {
+        DBG(2) << "calcBitrates: Couldn't find targetId in table=" << tbl::TARGET << " for chan rowId=" << rowId;
+        result |= FC_UNAVAILABLE;
+    } else {
+        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
+    }
+
+    int32_t audio = 0;
+    std::vector<std::string> audioRows;
+    result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::CHANNEL_ID, rowId, audioRows);
+    for (const std::string& audioRow : audioRows) {
+        bool encodeAudio = false;
+        int bitrate = 0;
+        std::string format, sampling;
+        result |= holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, encodeAudio, audioRow);
+        result |= holder.getIntParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, bitrate, audioRow);
+        if (!encodeAudio || bitrate == 0)
+            continue;
+        result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, format,
+                                      audioRow);
+        result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, sampling, audioRow);
+        const int32_t rate = sampleRate(sampling);
+        const int32_t samples = samplesPerAudioFrame(format);
+        // The transport rate of whole packets per audio frame, not the codec rate.
+        audio += (rate != 0 && samples != 0) ? rate * packetsPerAudioFrame(bitrate) * TS_PACKET_BITS / samples
+                                             : bitrate;
+    }
+
+    int klv1 = 0;
+    int klv2 = 0;
+    result |= readKlvBitrate(ingestKlv, klv1);
+    result |= readKlvBitrate(ingestKlv2, klv2);
+    const int32_t klv = klv1 + klv2;
+
+    const int32_t percent = rateControl == value::CBR ? overheadPercent : 0;
+    const int32_t fixedOverhead = pcrOnVideoPid ? FIXED_OVERHEAD_PCR_ON_VIDEO : FIXED_MUX_OVERHEAD;
+    int32_t frameTerm = static_cast<int32_t>(frameRate);
+    if (scan == 'i' && rowId == row::HEVC) {
+        DBG(0) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
+        frameTerm *= FRAME_OVERHEAD_BITS_HEVC_INTERLACED;
+    } else {
+        frameTerm *= FRAME_OVERHEAD_BITS;
+    }
+
+    if (isTransportProtocol(protocol)) {
+        if (totalBitrate == 0) {
+            const int32_t packetised = packetisedVideo(frameTerm + videoBitrate);
+            const int64_t withOverhead = static_cast<int64_t>(packetised) * (percent + 100) / 100;
+            totalBitrate = static_cast<int32_t>(audio + klv + fixedOverhead + withOverhead);
+        } else if (!encodeVideo) {
+            videoBitrate = 0;
+        } else {
+            const int64_t payload = static_cast<int64_t>(totalBitrate - audio - klv - fixedOverhead);
+            videoBitrate =
+                static_cast<int32_t>(payload * 18400 / (static_cast<int64_t>(percent + 100) * 188) - frameTerm);
+        }
+    } else if (totalBitrate == 0) {
+        totalBitrate = videoBitrate + audio + klv;
+    } else {
+        videoBitrate = encodeVideo ? totalBitrate - audio - klv : 0;
+    }
+    audioBitrate = audio;
+    klvBitrate = klv;
+
+    DBG(0) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
+           << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
+           << " totalBitrate=" << totalBitrate << " rowId=" << rowId;
+    return result;
+}
+
+// Sets one encoder parameter; a refusal is logged and the change goes on.
+void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const std::string& component,
+                                               const std::string& parameter, int value) {
+    const Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
+    if (!isOk(set))
+        DBG(2) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
+               << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
+}
+
+Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
+    const int channel = channelIndex(rowId);
+    if (channel < 0)
+        return FC_OK;
+    const std::string encoder = med::VIDEO_ENCODER[channel];
+
+    Fcodes result = FC_OK;
+    bool encodeVideo = false;
+    int frameSampling = 0, previousTotal = 0, currentMax = 0, overheadPercent = 0, videoPid = 0, pcrPid = 0;
+    std::string rateControl;
+    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, previousTotal, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
+    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent,
+                                 rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::VIDEO_PID, videoPid, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::PCR_PID, pcrPid, rowId);
+    const bool pcrOnVideoPid = pcrPid == videoPid;
+    const float frameRate = static_cast<float>(frameSampling);
+
+    int audio = 0, klv = 0, video = 0;
+    result |= calcBitrates(rowId, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
+
+    if (encodeVideo && video < MIN_VIDEO_BITRATE[channel]) {
+        if (channel == 1)
+            DBG(1) << "changeBitrateOnTheFly: Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
+                   << " inst=" << rowId;
+        else
+            DBG(1) << "changeBitrateOnTheFly: Video BR=" << video << ". Reseting to min="
+                   << MIN_VIDEO_BITRATE[channel] << " inst=" << rowId;
+        video = MIN_VIDEO_BITRATE[channel];
+        totalBitrate = 0;
+        result |= calcBitrates(rowId, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
+        result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+
+        int floorTotal = 0;
+        int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
+        result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
+        if (maxBitrate < floorTotal) {
+            DBG(1) << "changeBitrateOnTheFly: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
+                   << " is greater than prev=" << maxBitrate << " inst=" << rowId;
+            maxBitrate = floorTotal;
+            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
+        }
+    }
+
+    result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, video, rowId);
+    setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE, video);
+
+    int margin = 0;
+    if (encodeVideo && video != 0) {
+        if (rateControl == value::CBR) {
+            margin = CBR_MARGIN[channel];
+        } else {
+            int maxTotal = maxBitrate;
+            int maxVideo = 0;
+            result |= calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
+            margin = static_cast<int32_t>(static_cast<int64_t>(maxVideo) * 100 / video - 100);
+            DBG(0) << "changeBitrateOnTheFly: rowId=" << rowId << " maxBitrate=" << maxBitrate
+                   << " maxVideoBitrate=" << maxVideo << " rateControl=" << rateControl << " margin=" << margin;
+            if (rateControl == value::CAPPED_VBR)
+                overheadPercent = margin;
+            result |= holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
+                                          overheadPercent, rowId);
+        }
+    }
+    setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
+    if (channel == 1)
+        setEncoderOnTheFly(rowId, encoder, med::PARAM_APPLY_ON_THE_FLY, 1);
+
+    result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+    result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
+    result |= updateChannel(rowId);
+    events.sendEvent(ev::BITRATE_RECALCULATED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                     "prev: " + std::to_string(previousTotal) + " new: " + std::to_string(totalBitrate));
+    return result;
+}

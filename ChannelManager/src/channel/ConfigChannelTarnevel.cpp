@@ -1,0 +1,9 @@
+#include "channel/ConfigChannelTarnevel.h"
+
+#include "manager/ChannelMngr.h"
+
+ConfigChannelTarnevel::ConfigChannelTarnevel()
+    : ConfigChannelTarnevel(*ChannelMngr::getInstance(), *ChannelMngr::getInstance()) {}
+
+ConfigChannelTarnevel::ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events)
+    : holder(holder), events(events) {}

@@ -1,0 +1,238 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "records/Fcodes.h"
+#include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
+
+class DataHolder;
+class IChannelEvents;
+struct PipelineRun;
+
+// The channel configuration logic: the state machine of the two channels
+// ("H.264" = channel 0, "HEVC" = channel 1), their whole pipeline
+// configuration in the mediator, bitrates, input-format validation, stream
+// statistics, data-stream events, SAP, KLV, target probes, LEDs and the
+// tracking of the video sources.
+//
+// A working object: made on the stack for one operation and dropped. It keeps
+// no state of its own; every decision reads and writes the channel rows of
+// the holder's JSON datasets, every media action goes to the mediator through
+// ITarnevelClient on the holder's engine, and events go out through
+// IChannelEvents. The default constructor uses the channel manager singleton
+// for both; tests pass a holder and an event recorder of their own.
+//
+// Locking: playChannel, stopChannel, handleTarnevelBranchEvent and
+// handleDataStreamEvent hold the holder's recursive lock for their whole run;
+// execute holds it around a forced stop. Other operations rely on the stores'
+// own locks. Any thread may use an object; one object is not shared between
+// threads.
+//
+// Results are Fcodes OR-merged over every step, "OK" (0x10000) when all
+// steps succeeded.
+//
+// The implementation is split by concern: channel/ChannelCommands.cpp (command
+// entry), channel/PlayStop.cpp (play, stop, start-up, branch
+// events), channel/ChannelRows.cpp (row and branch mappings, bitrate backup),
+// channel/EncoderReadback.cpp (effective encoder values), channel/InputFormatValidation.cpp
+// (format tables and validation), channel/Bitrates.cpp, the pipeline
+// sections (pipeline/), side/StreamStatistics.cpp,
+// side/DataStreamEvents.cpp, side/SapAnnouncements.cpp, side/KlvBranches.cpp,
+// side/TargetProbes.cpp, side/FrontPanelLeds.cpp and
+// channel/VideoSources.cpp.
+class ConfigChannelTarnevel {
+public:
+    ConfigChannelTarnevel();
+    ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events);
+    ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
+    ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
+
+    // ---- Command entry, state machine and rows (channel/ChannelCommands.cpp,
+    //      channel/PlayStop.cpp, channel/ChannelRows.cpp, channel/EncoderReadback.cpp) ----
+
+    // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
+    // statistics commands, with "RowID" naming a channel, "ALL" or "0".
+    Fcodes execute(const std::string& commandText, std::string& response);
+    Fcodes playChannel(const std::string& rowId);
+    // A second stop of a stopped or stopping channel does nothing.
+    Fcodes stopChannel(const std::string& rowId);
+    // Raises "Channel Error" when a playing channel's video input is gone.
+    Fcodes updateChannelStatus(const std::string& rowId);
+    // Copies the effective encoder and multiplexer values into the summary.
+    Fcodes updateChannel(const std::string& rowId);
+    // Start-up: configures both channels, replays those that were playing.
+    Fcodes configChannels();
+    Fcodes reconfigChannelFormat(const std::string& rowId);
+    // Polls the branch every 5 ms; running out of time is not a failure.
+    Fcodes waitWhileInTransition(const std::string& branch, const std::string& wantedState, int timeoutMs);
+    // Borrows the event; checks it against the channel state, changes nothing.
+    Fcodes handleTarnevelBranchEvent(MessageEvent* event);
+    Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
+    Fcodes getRowId(const std::string& branch, std::string& rowId);
+    // Instances of a component whose `keyProperty` equals `keyValue`, in
+    // document order (a channel's targets or audio rows by "Channel ID").
+    Fcodes getChildInstances(const std::string& dataSet, const std::string& component,
+                             const std::string& keyProperty, const std::string& keyValue,
+                             std::vector<std::string>& instances);
+    // The same search over a component whose instances are an array: the
+    // first matching index at or after 0, or after `index`; -1 when none.
+    int getFirstChildRowId(const std::string& dataSet, const std::string& component,
+                           const std::string& keyProperty, const std::string& keyValue);
+    int getNextChildRowId(const std::string& dataSet, const std::string& component, const std::string& keyProperty,
+                          const std::string& keyValue, int index);
+    // Writes the non-zero backup bitrates back, then clears the backup.
+    Fcodes restoreChannelParameters(const std::string& rowId);
+    Fcodes clearChannelParametersBackup(const std::string& rowId);
+
+    // ---- Input format validation (channel/InputFormatValidation.cpp) ----
+
+    // "Unavailable" when the detected input cannot feed the channel's
+    // encoding format at its frame sampling, or breaks the HEVC GOP rule.
+    Fcodes validateInputFormat(const std::string& rowId);
+
+    // ---- Bitrates (channel/Bitrates.cpp) ----
+
+    // totalBitrate 0 on entry: the total from videoBitrate; otherwise the
+    // video bitrate from the total. audioBitrate and klvBitrate are outputs.
+    Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
+                        int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
+    Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
+    // Reads back what the encoder chose by itself into the encoder settings.
+    Fcodes updateAutomaticParams(const std::string& rowId);
+
+    // ---- Pipeline configuration (pipeline/) ----
+
+    // The channel's rows turned into the parameters of its mediator components.
+    Fcodes configChannel(const std::string& rowId);
+    // "Brightness", "Contrast", "Saturation", "Hue" of "ChannelAVSettings".
+    Fcodes configAVSettings(const std::string& rowId);
+    // "Audio Gain" of an audio row ("H.264 Audio1" ...).
+    Fcodes configAudioGain(const std::string& audioRowId);
+
+    // ---- Stream statistics (side/StreamStatistics.cpp) and data-stream events (side/DataStreamEvents.cpp) ----
+
+    // `targetRowId` is a target row ("HEVC Target1" ... "H.264 Target2").
+    Fcodes updateZixiStatistics(const std::string& targetRowId);
+    Fcodes updateSrtStatistics(const std::string& targetRowId);
+    // The number in front of `key` in a comma-separated statistics text; 0 without.
+    static unsigned long parseZixiStat(const std::string& text, const std::string& key);
+    // "Data Stream", "Zixi Connection Failed", "Zixi Change Bitrate Request",
+    // "Srt New Client Request"; borrows the event.
+    Fcodes handleDataStreamEvent(MessageEvent* event);
+
+    // ---- SAP, KLV, target probes and LEDs (ConfigChannelSap/Klv/Probes/Leds.cpp) ----
+
+    // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
+    Fcodes sapAction(const std::string& rowId);
+    // Starts the channel's KLV branch while it plays, stops it otherwise.
+    Fcodes klvAction(const std::string& rowId);
+    // Starts a bounded probe thread per enabled unicast target.
+    Fcodes testConnectionToTarget(const std::string& rowId);
+    // "ping -c 1", then "traceroute -I"; sends "Target Connection OK" or "...Failed".
+    void traceroute(const std::string& rowId, const std::string& address);
+    // Sets the integer LED parameter `led` of the mediator's "Device".
+    Fcodes setLed(const std::string& led, int value);
+    Fcodes updateStreamAndErrorLeds();
+
+    // ---- Video sources (channel/VideoSources.cpp) ----
+
+    // Refreshes one source ("VideoSourceDataSet" row) and re-validates the
+    // channels that use it.
+    Fcodes updateVideoSource(const std::string& videoSource);
+    // The same for an "Auto Detection Event" (Source = the source row); borrows it.
+    Fcodes updateVideoSource(MessageEvent* event);
+    Fcodes triggerVideoSource(const std::string& videoSource);
+
+private:
+    // ---- configChannel's sections, in the order they run ----
+    // pipeline/PipelineRun.cpp
+    void configPrologue(PipelineRun& run);          // 1: status, assembly
+    void readProcessingSettings(PipelineRun& run);  // 7
+    // pipeline/VideoSections.cpp
+    void configInputFormat(PipelineRun& run);       // 2
+    void configSharedInput(PipelineRun& run);       // 3
+    void configFrameRateRatio(PipelineRun& run);    // 4
+    void configVideoInput(PipelineRun& run);        // 5
+    void configGenlock(PipelineRun& run);           // 9
+    void configVideoProcessing(PipelineRun& run);   // 13
+    void configCrop(PipelineRun& run);              // 18
+    void configVideoSwitch(PipelineRun& run);       // 21
+    // pipeline/FormatFollowsInput.cpp
+    void configFormatChange(PipelineRun& run);      // 8
+    // pipeline/AudioSections.cpp
+    void configAudioInput(PipelineRun& run);        // 6
+    void configAudioSampleRate(PipelineRun& run);   // 10
+    void configTestPatterns(PipelineRun& run);      // 11
+    void configSdiOutput(PipelineRun& run);         // 12
+    void configAudioEncoding(PipelineRun& run);     // 19 (HEVC) and 20 (H.264)
+    // pipeline/EncoderSections.cpp
+    void configEncodingResolution(PipelineRun& run);  // 14
+    void configBitrates(PipelineRun& run);            // 15
+    void configRateControl(PipelineRun& run);         // 16
+    void configGopAndCoding(PipelineRun& run);        // 17
+    void configCodingH264(PipelineRun& run);
+    void configCodingHevc(PipelineRun& run);
+    // pipeline/KlvSections.cpp
+    void configKlvIngest(PipelineRun& run);         // 22
+    void configKlvOverSdi(PipelineRun& run);        // 23
+    void configEncryption(PipelineRun& run);        // 24
+    // pipeline/MuxSection.cpp
+    void configMultiplexer(PipelineRun& run);       // 25
+    // pipeline/TargetSenders.cpp
+    void configTargets(PipelineRun& run);           // 26
+    void configUdpSender(PipelineRun& run, size_t target);
+    void configRtspServer(PipelineRun& run, size_t target);
+    void configZixiFeeder(PipelineRun& run, size_t target);
+    void configSrtSender(PipelineRun& run, size_t target);
+    void configRtmpServer(PipelineRun& run, size_t target);
+    // pipeline/SummarySection.cpp
+    void configSummary(PipelineRun& run);           // 27
+
+    // ---- Side-action helpers (side/DataStreamEvents.cpp, channel/VideoSources.cpp) ----
+    Fcodes zixiChangeBitrate(const MessageEvent& event);
+    Fcodes srtNewClient();
+    // Writes a source's detected format, makes its channels follow, tells the subscribers.
+    Fcodes applyDetectedInput(const std::string& videoSource, const std::string& format);
+    // One channel on the source follows its input; caller holds the holder lock.
+    Fcodes followInput(const std::string& rowId, const std::string& videoSource);
+
+    // ---- Command entry (channel/ChannelCommands.cpp) ----
+
+    // One command on one channel row; "ALL" is expanded by execute.
+    Fcodes activateRow(const std::string& rowId, const MessageCommand& command);
+    Fcodes changeOnTheFly(const std::string& rowId, const MessageCommand& command);
+    Fcodes play(const std::string& rowId, const MessageCommand& command);
+    // The forced stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
+    Fcodes forcedStop(const std::string& rowId);
+    Fcodes stopAll();
+    // The instances of "ChannelsTable": the rows "ALL" stands for.
+    std::vector<std::string> channelRows();
+
+    // ---- State machine helpers (channel/PlayStop.cpp) ----
+
+    // Starts the branch of every enabled target in state "STOP". On a failed
+    // start: "Channel Play Error", stopChannel, and `failed` is set with the
+    // start's code in `result`. Otherwise `result` holds the code of the last
+    // target visited (reads and branch lookup).
+    void startTargets(const std::string& rowId, const std::vector<std::string>& targets, Fcodes& result,
+                      bool& failed);
+    // Stops the running branches of the enabled targets of one kind (Zixi or
+    // not); sets `stopFailed` when a stop was refused.
+    Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi, bool& stopFailed);
+
+    // ---- Read-back (channel/EncoderReadback.cpp) ----
+
+    // The effective encoder and multiplexer values into the encoder settings.
+    Fcodes writeBackEncoderSettings(const std::string& rowId);
+
+    // ---- Bitrates (channel/Bitrates.cpp) ----
+
+    Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
+    void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
+                            int value);
+
+    DataHolder& holder;
+    IChannelEvents& events;
+};

@@ -1,0 +1,287 @@
+#include <chrono>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+#include "vocab/ChannelVocabulary.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "channel/IChannelEvents.h"
+#include "ITarnevelClient.h"
+#include "holder/DataHolder.h"
+#include "system/DbgPrintClient.h"
+
+using namespace vocab;
+
+// The channel state machine: "Stopped" -> "Played" -> "Playing" ->
+// "Stopping" -> "Stopped" (or left "Stopping" after a condition), driven by
+// the start and stop of the mediator branches of the channel's enabled
+// targets. Play, stop and the branch-event check hold the holder's recursive
+// lock for their whole run; a stop may run inside a play or a forced stop.
+
+namespace {
+
+constexpr int START_TIMEOUT_SEC = 20;
+constexpr int STOP_TIMEOUT_SEC = 20;
+constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
+constexpr int POLL_MS = 5;
+
+// True when every bit of `condition` is set in the channel's "Fcode".
+bool holds(int fcode, uint32_t condition) {
+    return (static_cast<uint32_t>(fcode) & condition) == condition;
+}
+
+std::string hex(Fcodes code) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(code));
+    return text;
+}
+
+}  // namespace
+
+void ConfigChannelTarnevel::startTargets(const std::string& rowId, const std::vector<std::string>& targets,
+                                         Fcodes& result, bool& failed) {
+    failed = false;
+    for (const std::string& target : targets) {
+        // Deliberately only the last target's code survives the loop.
+        result = FC_OK;
+        bool enabled = false;
+        std::string protocol;
+        result |= holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        if (!enabled)
+            continue;
+        std::string branch, branchState;
+        const Fcodes lookup = getBranch(rowId, protocol, branch);
+        result |= lookup;
+        // A target without a branch has nothing to ask the mediator about.
+        if (!isOk(lookup))
+            continue;
+        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        result |= stateRead;
+        if (!isOk(stateRead) || branchState != state::BRANCH_STOP)
+            continue;
+        const Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, START_TIMEOUT_SEC);
+        if (!isOk(started)) {
+            DBG(2) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=" << hex(started)
+                   << " rowId=" << rowId;
+            events.sendEvent(ev::CHANNEL_PLAY_ERROR, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
+                             "");
+            stopChannel(rowId);
+            result = started;
+            failed = true;
+            return;
+        }
+    }
+}
+
+Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
+    std::lock_guard<DataHolder> guard(holder);
+    Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
+
+    std::vector<std::string> targets;
+    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    Fcodes lastTarget = FC_OK;
+    bool failed = false;
+    startTargets(rowId, targets, lastTarget, failed);
+    if (failed)
+        return lastTarget;
+    result |= lastTarget;
+
+    result |= sapAction(rowId);
+    result |= klvAction(rowId);
+    result |= updateAutomaticParams(rowId);
+
+    result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, rowId);
+    result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+    result |= holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
+    events.sendEvent(ev::CHANNEL_PLAYED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+    events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+
+    std::string source, inputDetected;
+    result |= holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
+    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
+    if (isOk(result)) {
+        result |= holder.initTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputDetected, rowId);
+        result |= updateChannelStatus(rowId);
+        result |= updateStreamAndErrorLeds();
+    }
+    return result;
+}
+
+Fcodes ConfigChannelTarnevel::stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi,
+                                          bool& stopFailed) {
+    Fcodes result = FC_OK;
+    for (const std::string& target : targets) {
+        bool enabled = false;
+        std::string protocol;
+        result |= holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        if (!enabled || (protocol == value::ZIXI) != zixi)
+            continue;
+        std::string branch, branchState;
+        const Fcodes lookup = getBranch(rowId, protocol, branch);
+        result |= lookup;
+        if (!isOk(lookup))
+            continue;
+        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        result |= stateRead;
+        if (branchState != state::BRANCH_RUN) {
+            DBG(0) << "stopChannel: branch=" << branch << " is not RUN fcode=" << hex(stateRead) << " rowId=" << rowId;
+            continue;
+        }
+        const Fcodes stopped = zixi ? ITarnevelClient::stopTarnevelBranch(&holder, branch, false, ZIXI_STOP_TIMEOUT_SEC)
+                                    : ITarnevelClient::stopTarnevelBranch(&holder, branch, true, STOP_TIMEOUT_SEC);
+        result |= stopped;
+        if (!isOk(stopped)) {
+            DBG(2) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=" << hex(stopped)
+                   << " rowId=" << rowId;
+            stopFailed = true;
+        }
+    }
+    return result;
+}
+
+Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
+    std::lock_guard<DataHolder> guard(holder);
+    std::string chanState;
+    int fcode = 0;
+    const Fcodes reads = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
+                         holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
+    if (!isOk(reads) || chanState == state::STOPPING || chanState == state::STOPPED)
+        return reads;
+
+    DBG(0) << "stopChannel: setting chanState=Stopping";
+    Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
+    result |= klvAction(rowId);
+    result |= sapAction(rowId);
+
+    // Zixi first and without waiting, so that the feeder is released before
+    // the waited stops of the other branches.
+    std::vector<std::string> targets;
+    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    bool stopFailed = false;
+    result |= stopTargets(rowId, targets, true, stopFailed);
+    result |= stopTargets(rowId, targets, false, stopFailed);
+
+    // A channel stopped by a data-stream condition or a format change stays
+    // "Stopping" until it is played again.
+    if (!holds(fcode, cond::ZIXI_CONNECTION) && !holds(fcode, cond::DATA_STREAM) &&
+        !holds(fcode, cond::FORMAT_CHANGED))
+        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
+    result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+    result |= updateStreamAndErrorLeds();
+    result |= restoreChannelParameters(rowId);
+
+    events.sendEvent(ev::CHANNEL_STOPPED, rowId, stopFailed ? FC_UNAVAILABLE : cond::INFO, state::ALARM_NONE,
+                     state::SEVERITY_INFO, "");
+    events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+    return result;
+}
+
+Fcodes ConfigChannelTarnevel::updateChannelStatus(const std::string& rowId) {
+    std::string source;
+    bool encodeVideo = false;
+    Fcodes result = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
+    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+
+    bool embeddedAudio = false;
+    std::vector<std::string> audioRows;
+    result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, rowId, audioRows);
+    for (const std::string& audioRow : audioRows) {
+        bool enabled = false;
+        std::string audioSource;
+        result |= holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRow);
+        result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioSource, audioRow);
+        if (enabled && (audioSource == value::AUDIO_SDI_EMBEDDED || audioSource == value::AUDIO_HDMI_EMBEDDED))
+            embeddedAudio = true;
+    }
+    if (!isOk(result) || !(encodeVideo || embeddedAudio))
+        return result;
+
+    std::string chanState;
+    bool connected = false;
+    result |= holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+    result |= holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
+    if (!connected && chanState == state::PLAYING) {
+        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_ERROR, rowId);
+        events.sendEvent(ev::CHANNEL_ERROR, rowId, cond::CHANNEL_ERROR, state::ALARM_ON, state::SEVERITY_INFO, "");
+    }
+    return result;
+}
+
+// A channel whose input no longer fits its encoding stays stopped after a
+// restart. The validation decides the replay only: a misfit input is the
+// channel's condition, not a failure of the start-up, so its code is not in
+// the result.
+Fcodes ConfigChannelTarnevel::configChannels() {
+    Fcodes result = FC_OK;
+    std::vector<std::string> replay;
+    for (const std::string& rowId : channelRows()) {
+        std::string previous;
+        result |= holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, previous, rowId);
+        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
+        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+        result |= holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
+        result |= holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
+        DBG(0) << "configChannels: configuring channel=" << rowId;
+        const Fcodes configured = configChannel(rowId) | updateChannel(rowId);
+        if (isOk(configured))
+            events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+        else
+            events.sendEvent(ev::CHANNEL_CONFIG_ERROR, rowId, configured, state::ALARM_NONE, state::SEVERITY_INFO, "");
+        result |= configured;
+        if (previous == state::PLAYING && isOk(validateInputFormat(rowId)))
+            replay.push_back(rowId);
+    }
+    for (const std::string& rowId : replay)
+        result |= playChannel(rowId);
+    return result;
+}
+
+Fcodes ConfigChannelTarnevel::reconfigChannelFormat(const std::string& rowId) {
+    return configChannel(rowId) | FC_OK;
+}
+
+Fcodes ConfigChannelTarnevel::waitWhileInTransition(const std::string& branch, const std::string& wantedState,
+                                                    int timeoutMs) {
+    std::string branchState;
+    Fcodes result = FC_OK | ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+    int remaining = timeoutMs;
+    int mismatches = 0;
+    while (branchState != wantedState && remaining >= 1) {
+        ++mismatches;
+        std::this_thread::sleep_for(std::chrono::milliseconds(POLL_MS));
+        remaining -= POLL_MS;
+        result |= ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+    }
+    DBG(0) << "waitWhileInTransition: branch=" << branch << " state=" << branchState
+           << " transitiontime(ms)=" << POLL_MS * mismatches;
+    return result;
+}
+
+Fcodes ConfigChannelTarnevel::handleTarnevelBranchEvent(MessageEvent* event) {
+    if (event == nullptr)
+        return FC_BAD_VALUE;
+    std::lock_guard<DataHolder> guard(holder);
+    const std::string& name = event->id;
+    const std::string& branch = event->source;
+    DBG(0) << "handleTarnevelBranchEvent: ev=" << name << " branch=" << branch;
+    std::string rowId;
+    const Fcodes found = getRowId(branch, rowId);
+    if (!isOk(found))
+        return found;
+
+    std::string chanState, status;
+    int fcode = 0;
+    bool formatAsDetected = false;
+    Fcodes result = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+    result |= holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, status, rowId);
+    result |= holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
+    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, formatAsDetected, rowId);
+    // Only the two contradictions are worth a line; nothing is changed.
+    if (name == ev::BRANCH_STOPPED && chanState == state::PLAYED)
+        DBG(2) << "handleTarnevelBranchEvent: chan is in stopped state after being played rowId=" << rowId;
+    else if (name == ev::BRANCH_STARTED && chanState == state::STOPPING)
+        DBG(2) << "handleTarnevelBranchEvent: chan is in playing state after stop rowId=" << rowId;
+    return result;
+}

@@ -1,0 +1,55 @@
+// channel_manager: the daemon that owns the appliance's two encoding
+// channels. Reads its options, optionally detaches, writes its pid file,
+// starts the channel manager, tells its supervisor that start-up is complete
+// and sleeps while the manager's threads serve.
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "manager/ChannelMngr.h"
+#include "daemon/DaemonFiles.h"
+#include "system/DbgPrintClient.h"
+
+int main(int argc, char** argv) {
+    bool detach = false;
+    std::string pidFile, startFile;
+    opterr = 0;  // the usage line alone tells what went wrong
+    int option;
+    while ((option = getopt(argc, argv, "v:dp:s:")) != -1) {
+        switch (option) {
+            case 'v':
+                gDbgLevel = std::atoi(optarg);
+                break;
+            case 'd':
+                detach = true;
+                break;
+            case 'p':
+                pidFile = optarg;
+                break;
+            case 's':
+                startFile = optarg;
+                break;
+            default:
+                std::fprintf(stderr, "Usage: %s [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n", argv[0]);
+                return 1;
+        }
+    }
+    // A failed detach leaves the daemon in the foreground, where it serves just as well.
+    if (detach && daemon(1, 1) != 0)
+        std::perror("daemon");
+    if (!pidFile.empty())
+        writePidFile(pidFile);
+
+    ChannelMngr::getInstance()->init();
+
+    if (!startFile.empty())
+        writeStartFile(startFile);
+    notifyServiceManager();
+
+    while (pause() == -1 && errno == EINTR) {
+    }
+    return 0;
+}

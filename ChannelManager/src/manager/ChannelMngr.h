@@ -1,0 +1,158 @@
+#pragma once
+
+#include <pthread.h>
+#include <semaphore.h>
+#include <signal.h>
+
+#include <atomic>
+#include <chrono>
+#include <string>
+
+#include "channel/IChannelEvents.h"
+#include "holder/DataHolder.h"
+
+class MessageCommand;
+
+// The channel manager: the one application service of the daemon. A data
+// holder that owns the channel, video-source and statistics datasets, serves
+// "/tmp/sockChan" and turns commands, events and accepted changes into calls
+// on the channel logic (ConfigChannelTarnevel), to which it also lends its
+// outgoing events. A process-wide singleton, created on the first
+// getInstance() (made by main before any thread exists) and never destroyed.
+//
+// Threads: init() runs on the main thread. execute (and so acceptChanges,
+// loadChannels, initSources) runs on the engine's server thread "tChCom";
+// doHandle and doExecute on the worker "tChMngr". Every channel operation
+// works on a fresh ConfigChannelTarnevel made on the stack.
+//
+// The implementation is split by concern: manager/ChannelMngr.cpp (start-up, loading,
+// change acceptance), manager/ChannelMngrCommands.cpp (execute, doExecute, deleteRow),
+// manager/ChannelMngrEventDispatch.cpp (doHandle), manager/ChannelMngrBroadcast.cpp (outgoing
+// events), manager/ChannelMngrTimer.cpp (the periodic source refresh).
+class ChannelMngr : public DataHolder, public IChannelEvents {
+public:
+    static ChannelMngr* getInstance();
+    // Stops the refresh timer and its thread, then the engine and the worker.
+    ~ChannelMngr() override;
+
+    // ---- Start-up and loading (manager/ChannelMngr.cpp) ----
+
+    // The whole start-up: datasets, engine, subscriptions, video sources, time
+    // zone. Returns once the engine serves; failures are logged, never fatal.
+    void init();
+    // Applies pending "ChannelAVSettings" and "Audio Source Table" changes to
+    // the running channels, then commits every pending change.
+    Fcodes acceptChanges() override;
+    // Stops every channel, loads the file (merged with the factory defaults
+    // unless it is the factory file) and configures both channels.
+    Fcodes loadChannels(const std::string& path);
+    // Refreshes every video source of "VideoSourceDataSet"; the OR of the results.
+    Fcodes initSources();
+    // Configures both channels from the loaded data; always "OK".
+    Fcodes initChannels();
+
+    // ---- Commands (manager/ChannelMngrCommands.cpp) ----
+
+    // Answers a command synchronously on the calling thread; commands it does
+    // not know are queued for the worker, which refuses them.
+    Fcodes execute(const std::string& commandText, std::string& result) override;
+    // Refuses every queued command: this service does its command work in execute.
+    Fcodes doExecute(const std::string& commandText, std::string& result) override;
+    // Not supported: "Unavailable".
+    Fcodes deleteRow(const std::string& table, int rowId) override;
+
+    // ---- Events (manager/ChannelMngrEventDispatch.cpp) ----
+
+    // Worker hook for queued events. Borrows the event: the worker deletes it.
+    Fcodes doHandle(MessageEvent* event) override;
+    // The channel a Zixi-side event belongs to, from the feeder its
+    // description names: "HEVC", "H.264", or "" when it names neither.
+    static std::string feederChannel(const std::string& description);
+
+    // ---- Outgoing events (manager/ChannelMngrBroadcast.cpp), broadcast to every subscriber ----
+
+    // Source empty, status "None", severity "Debug", description and "File" = fileName.
+    void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override;
+    // Source = rowId, parameter "RowID" = rowId.
+    void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
+                   const std::string& status, const std::string& severity, const std::string& description) override;
+    // "Video Source Updated", source = input, status "OFF" when the source went away, else "ON".
+    void sendSourceEvent(const std::string& input, bool off, const std::string& description) override;
+    Fcodes sapStopAll() override;
+
+    // ---- Periodic source refresh (manager/ChannelMngrTimer.cpp) ----
+
+    // Arms a one-shot 30-second timer on SIGRTMIN; each expiry refreshes every
+    // video source and re-arms it. Not started at start-up. 0 when armed, -1
+    // (errno set) otherwise.
+    int startTimer();
+    // Deletes the timer and ends the refresh thread; idempotent. A derived
+    // manager calls it in its own destructor, before its members go, since a
+    // refresh may be running through its overrides.
+    void stopTimer();
+    // The SIGRTMIN handler. Runs in signal context, so it only wakes the
+    // refresh thread (an async-signal-safe semaphore post).
+    static void timerTicked(int signo, siginfo_t* info, void* context);
+    void* getTimer() const { return timer; }
+    void setTimer(void* newTimer) { timer = newTimer; }
+
+protected:
+    // Made by getInstance(); tests derive a manager of their own.
+    ChannelMngr() = default;
+    // The KLV-ingest reconfiguration's action on one channel: configChannel.
+    // A seam, so that tests can watch which channels are reconfigured.
+    virtual Fcodes reconfigureChannel(const std::string& rowId);
+    // Period of the source refresh timer.
+    std::chrono::milliseconds timerPeriod{30000};
+
+private:
+    using CommandHandler = Fcodes (ChannelMngr::*)(const MessageCommand&, const std::string&, std::string&);
+    struct CommandRoute {
+        const char* id;
+        CommandHandler run;
+    };
+    using EventHandler = Fcodes (ChannelMngr::*)(MessageEvent&);
+    struct EventRoute {
+        const char* id;
+        EventHandler run;
+    };
+    static const CommandRoute commandRoutes[];
+    static const EventRoute eventRoutes[];
+
+    Fcodes runAcceptChanges(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runRollbackChanges(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runLoadChannels(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runStoreChannels(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runChannelCommand(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runUpdateSource(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runSetDviMode(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runSetAnalogFormat(const MessageCommand& command, const std::string& text, std::string& result);
+    Fcodes runStatistics(const MessageCommand& command, const std::string& text, std::string& result);
+    // "Set DVI mode" and "Set Analog Format": the parameter is required, never applied.
+    Fcodes acceptIgnoredParameter(const MessageCommand& command, const std::string& text, const char* parameter);
+
+    Fcodes onAutoDetection(MessageEvent& event);
+    Fcodes onBranchEvent(MessageEvent& event);
+    Fcodes onFeederEvent(MessageEvent& event);
+    Fcodes onSrtNewClient(MessageEvent& event);
+    Fcodes onIgnored(MessageEvent& event);
+    Fcodes onKlvOverIp(MessageEvent& event);
+    Fcodes onKlvOverSdi(MessageEvent& event);
+    Fcodes onComPort(MessageEvent& event);
+    Fcodes onDateTime(MessageEvent& event);
+    // Reconfigures, one by one under the holder lock, the channels whose
+    // "Ingest KLV" or "Ingest KLV2" is `transport`.
+    Fcodes reconfigureKlvIngest(const std::string& transport);
+
+    static void* refreshWork(void* self);
+    void refreshLoop();
+    int armTimer();
+
+    static ChannelMngr* instance;
+    void* timer = nullptr;   // the POSIX timer, once startTimer made it
+    bool timerMade = false;  // the first timer's id is 0: `timer` alone cannot tell
+    sem_t ticks{};          // posted by timerTicked, taken by the refresh thread
+    pthread_t refreshThread{};
+    bool refreshRunning = false;
+    std::atomic<bool> refreshStopping{false};
+};

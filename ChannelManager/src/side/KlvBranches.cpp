@@ -1,0 +1,168 @@
+#include <string>
+#include <vector>
+
+#include "vocab/ChannelVocabulary.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "ITarnevelClient.h"
+#include "side/SideActionSupport.h"
+#include "holder/DataHolder.h"
+#include "records/MessageCommand.h"
+#include "records/WireConstants.h"
+#include "system/DbgPrintClient.h"
+
+// The KLV metadata branch of a channel, chosen from its "Ingest KLV" and
+// "Ingest KLV2" and, for serial and IP ingest, the device manager's KLV
+// settings.
+//
+// The rule: while the channel is "Played" or "Playing", each of its KLV
+// branches that the mediator reports "STOP" is started (synchronously, 20 s)
+// and the device manager's statistics of that ingest are reset, so that the
+// counters describe this run. A branch already running (shared with the
+// other channel: the serial, IP and asynchronous SDI branches are one per
+// appliance) is left alone, statistics included. Otherwise (the channel
+// stops) a branch reported "RUN" is stopped, unless the other channel plays
+// and uses the same branch.
+
+namespace {
+
+const char* const KLV_O_SERIAL = "KLVoSerial";
+const char* const RAW_KLV_O_SERIAL = "RAWKLVoSerial";
+const char* const KLV_O_IP = "KLVoIP";
+const char* const RAW_KLV_O_IP = "RAWKLVoIP";
+const char* const KLV_O_SDI_ASYNC = "KLVoSDI Async";
+const char* const FORMAT_COT = "COT";
+const char* const FORMAT_KLV = "KLV";
+const char* const ENCAPSULATION_TS = "TS";
+const char* const ENCAPSULATION_RAW = "RAW";
+
+// The branch of one ingest setting ("" for "None" or an unknown setting) and
+// the device manager's command that resets its statistics.
+Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, std::string& branch,
+                   const char*& resetCommand) {
+    branch.clear();
+    resetCommand = nullptr;
+    std::string setting;
+    if (ingest == vocab::value::KLV_SERIAL) {
+        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::KLV_TABLE,
+                                                 vocab::prop::INPUT_DATA_FORMAT, setting, "") |
+                      FC_OK;
+        if (setting == FORMAT_COT)
+            branch = KLV_O_SERIAL;
+        if (setting == FORMAT_KLV)
+            branch = RAW_KLV_O_SERIAL;
+        resetCommand = vocab::cmd::RESET_KLV_STATISTICS;
+        return read;
+    }
+    if (ingest == vocab::value::KLV_IP) {
+        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::KLV_OVER_IP,
+                                                 vocab::prop::ENCAPSULATION, setting, "") |
+                      FC_OK;
+        if (setting == ENCAPSULATION_TS)
+            branch = KLV_O_IP;
+        if (setting == ENCAPSULATION_RAW)
+            branch = RAW_KLV_O_IP;
+        resetCommand = vocab::cmd::RESET_KLVOIP_STATISTICS;
+        return read;
+    }
+    if (ingest == vocab::value::KLV_SDI_SYNC)
+        branch = vocab::med::KLVOSDI_BRANCH[channel];
+    if (ingest == vocab::value::KLV_SDI)
+        branch = KLV_O_SDI_ASYNC;
+    if (!branch.empty())
+        resetCommand = vocab::cmd::RESET_KLVOSDI_STATISTICS;
+    return FC_OK;
+}
+
+// The distinct KLV branches of a channel, with their reset commands.
+Fcodes klvBranches(DataHolder& holder, const std::string& rowId, std::vector<std::string>& branches,
+                   std::vector<const char*>& resets) {
+    const int channel = vocab::channelIndex(rowId);
+    Fcodes result = FC_OK;
+    for (const char* property : {vocab::prop::INGEST_KLV, vocab::prop::INGEST_KLV2}) {
+        std::string ingest, branch;
+        const char* reset = nullptr;
+        result |= holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, property, ingest, rowId) | FC_OK;
+        result |= klvBranchOf(holder, ingest, channel, branch, reset);
+        bool seen = branch.empty();
+        for (const std::string& known : branches)
+            seen = seen || known == branch;
+        if (seen)
+            continue;
+        branches.push_back(branch);
+        resets.push_back(reset);
+    }
+    return result;
+}
+
+bool isPlaying(const std::string& state) {
+    return state == vocab::state::PLAYING || state == vocab::state::PLAYED;
+}
+
+Fcodes deviceCommand(DataHolder& holder, const char* id) {
+    MessageCommand command;
+    command.setId(id);
+    std::string text, result;
+    command.toString(text);
+    return holder.requestCommand(wire::SOCK_DEV, text, result, 10, 3) | FC_OK;
+}
+
+}  // namespace
+
+Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
+    const int channel = vocab::channelIndex(rowId);
+    if (channel < 0)
+        return FC_BAD_VALUE;
+    std::string state;
+    Fcodes result =
+        FC_OK | holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId);
+    if (!isOk(result))
+        return result;
+    std::vector<std::string> branches;
+    std::vector<const char*> resets;
+    result |= klvBranches(holder, rowId, branches, resets);
+
+    // The other channel's branches, to keep shared branches running for it.
+    const std::string other = channel == 0 ? vocab::row::HEVC : vocab::row::H264;
+    std::string otherState;
+    std::vector<std::string> otherBranches;
+    std::vector<const char*> unused;
+    if (!isPlaying(state) &&
+        isOk(holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, otherState, other)) &&
+        isPlaying(otherState))
+        result |= klvBranches(holder, other, otherBranches, unused);
+
+    for (size_t i = 0; i < branches.size(); ++i) {
+        const std::string& branch = branches[i];
+        std::string branchState;
+        Fcodes read = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        result |= read;
+        if (!isOk(read))
+            continue;
+        if (isPlaying(state)) {
+            if (branchState != vocab::state::BRANCH_STOP)
+                continue;
+            Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, 20);
+            if (isOk(started)) {
+                DBG(0) << "klvAction: called startTarnevelBranch branch=" << branch;
+                result |= deviceCommand(holder, resets[i]);
+            } else {
+                DBG(2) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x"
+                       << side::hexCode(started);
+            }
+            result |= started;
+            continue;
+        }
+        bool shared = false;
+        for (const std::string& used : otherBranches)
+            shared = shared || used == branch;
+        if (shared || branchState != vocab::state::BRANCH_RUN)
+            continue;
+        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
+        if (isOk(stopped))
+            DBG(0) << "klvAction: called stopTarnevelBranch branch=" << branch;
+        else
+            DBG(2) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << side::hexCode(stopped);
+        result |= stopped;
+    }
+    return result;
+}

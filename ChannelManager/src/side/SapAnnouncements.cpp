@@ -1,0 +1,139 @@
+#include <string>
+#include <vector>
+
+#include "vocab/ChannelVocabulary.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "ITarnevelClient.h"
+#include "side/SideActionSupport.h"
+#include "holder/DataHolder.h"
+#include "records/MessageCommand.h"
+#include "records/WireConstants.h"
+#include "system/DbgPrintClient.h"
+
+// Announcing a channel's streams through the SAP announcer ("/tmp/sockSap"):
+// every enabled target with "SAP" set is announced ("START_SAP") while the
+// channel is "Played" or "Playing" and withdrawn ("STOP_SAP") otherwise.
+
+namespace {
+
+// The parameters of the SAP announcer's commands.
+const char* const P_CHANNEL_NAME = "ChannelName";
+const char* const P_PROTOCOL = "Streaming Protocol";
+const char* const P_DESTINATION_IP = "DestinationIp";
+const char* const P_DESTINATION_PORT = "DestinationPort";
+const char* const P_IF_ADDRESS = "IfAddress";
+const char* const P_SDP_FILE = "SdpFile";
+const char* const P_TTL = "TTL";
+const char* const P_INPUT = "Input";
+const char* const P_INPUT_FORMAT = "Input Format";
+const char* const P_STATUS = "Status";
+const char* const P_FCODE = "Fcode";
+
+struct TargetSettings {
+    std::string channelName, interface, address, protocol;
+    int port = 0;
+    int ttl = 0;
+};
+
+Fcodes readTarget(DataHolder& holder, const std::string& target, TargetSettings& out) {
+    const char* ds = vocab::ds::CHANNEL;
+    const char* tbl = vocab::tbl::TARGET;
+    return FC_OK | holder.getTextParam(ds, tbl, vocab::prop::CHANNEL_NAME, out.channelName, target) |
+           holder.getTextParam(ds, tbl, vocab::prop::NETWORK_INTERFACE, out.interface, target) |
+           holder.getTextParam(ds, tbl, vocab::prop::TARGET_ADDRESS, out.address, target) |
+           holder.getTextParam(ds, tbl, vocab::prop::STREAMING_PROTOCOL, out.protocol, target) |
+           holder.getIntParam(ds, tbl, vocab::prop::TARGET_PORT, out.port, target) |
+           holder.getIntParam(ds, tbl, vocab::prop::TTL, out.ttl, target);
+}
+
+// The RTSP server writes one SDP file per target; it is named after the
+// target row with blanks made underscores ("H.264_Target1.sdp") in the
+// server's "SDP directory".
+std::string sdpFileName(const std::string& directory, const std::string& target) {
+    std::string name = target;
+    for (char& c : name)
+        if (c == ' ')
+            c = '_';
+    std::string path = directory;
+    if (!path.empty() && path.back() != '/')
+        path += '/';
+    return path + name + ".sdp";
+}
+
+Fcodes sendToAnnouncer(DataHolder& holder, const MessageCommand& command) {
+    std::string text, result;
+    command.toString(text);
+    return holder.requestCommand(wire::SOCK_SAP, text, result, 10, 3) | FC_OK;
+}
+
+}  // namespace
+
+Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
+    const int channel = vocab::channelIndex(rowId);
+    if (channel < 0)
+        return FC_BAD_VALUE;
+    const char* ds = vocab::ds::CHANNEL;
+    std::string state, status, source, detected = vocab::state::INPUT_NONE;
+    int fcode = 0;
+    Fcodes result = FC_OK | holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId) |
+                    holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, status, rowId) |
+                    holder.getIntParam(ds, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcode, rowId) |
+                    holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::SOURCE, source, rowId);
+    result |= holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
+                                  detected, source) |
+              FC_OK;
+    const bool announce = state == vocab::state::PLAYING || state == vocab::state::PLAYED;
+
+    std::vector<std::string> targets;
+    result |= side::channelChildren(holder, vocab::tbl::TARGET, rowId, targets);
+    for (const std::string& target : targets) {
+        bool enabled = false, sap = false;
+        Fcodes read = FC_OK | holder.getBoolParam(ds, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled, target) |
+                      holder.getBoolParam(ds, vocab::tbl::TARGET, vocab::prop::SAP, sap, target);
+        TargetSettings settings;
+        if (isOk(read) && enabled && sap)
+            read |= readTarget(holder, target, settings);
+        result |= read;
+        // A target whose settings cannot be read cannot be named to the announcer.
+        if (!isOk(read) || !enabled || !sap)
+            continue;
+
+        MessageCommand command;
+        command.addParam(P_CHANNEL_NAME, settings.channelName);
+        command.addParam(P_DESTINATION_IP, settings.address);
+        command.addParam(P_DESTINATION_PORT, std::to_string(settings.port));
+        if (!announce) {
+            command.setId(vocab::cmd::STOP_SAP);
+            result |= sendToAnnouncer(holder, command);
+            continue;
+        }
+        std::string ifAddress;
+        result |= holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::NETWORK_INTERFACES,
+                                             vocab::prop::IP_ADDRESS, ifAddress, settings.interface) |
+                  FC_OK;
+        std::string sdpFile;
+        if (settings.protocol == vocab::value::RTP_ES) {
+            const char* server = vocab::med::RTSP_SERVER[channel];
+            std::string directory;
+            Fcodes sdp =
+                ITarnevelClient::getTarnevelTextParam(&holder, server, vocab::med::PARAM_SDP_DIRECTORY, directory);
+            if (isOk(sdp))
+                sdpFile = sdpFileName(directory, target);
+            else
+                DBG(2) << "sapAction: rowId=" << rowId << " Error: param=" << vocab::med::PARAM_SDP_DIRECTORY
+                       << " comp=" << server << " fcode=0x" << side::hexCode(sdp);
+            result |= sdp;
+        }
+        command.setId(vocab::cmd::START_SAP);
+        command.addParam(P_PROTOCOL, settings.protocol);
+        command.addParam(P_IF_ADDRESS, ifAddress);
+        command.addParam(P_SDP_FILE, sdpFile);
+        command.addParam(P_TTL, std::to_string(settings.ttl));
+        command.addParam(P_INPUT, source);
+        command.addParam(P_INPUT_FORMAT, detected);
+        command.addParam(P_STATUS, status);
+        command.addParam(P_FCODE, side::hexCode(static_cast<uint32_t>(fcode)));
+        result |= sendToAnnouncer(holder, command);
+    }
+    return result;
+}

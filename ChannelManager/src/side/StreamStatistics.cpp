@@ -1,0 +1,219 @@
+#include <cstdlib>
+#include <string>
+
+#include "vocab/ChannelVocabulary.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "ITarnevelClient.h"
+#include "side/SideActionSupport.h"
+#include "holder/DataHolder.h"
+#include "system/DbgPrintClient.h"
+
+// Zixi and SRT link statistics: the sender components of the mediator are
+// told to refresh ("Update Stats" = 1), their statistics texts are read and
+// the numbers published in "ZixiStatDataSet" and "SrtStatDataSet" (instance =
+// the target row). A failed read leaves the previously published values; a
+// failed write is OR-ed into the result.
+
+namespace {
+
+// The sender of a target row: index 0/1 = channel, second = the channel's
+// second target.
+struct TargetSender {
+    const char* target;
+    const char* zixiFeeder;
+    const char* srtSender;
+};
+
+const TargetSender kTargetSenders[] = {
+    {"HEVC Target1", vocab::med::ZIXI_FEEDER[1], vocab::med::SRT_SENDER[1]},
+    {"HEVC Target2", vocab::med::ZIXI_FEEDER_2[1], vocab::med::SRT_SENDER_2[1]},
+    {"H.264 Target1", vocab::med::ZIXI_FEEDER[0], vocab::med::SRT_SENDER[0]},
+    {"H.264 Target2", vocab::med::ZIXI_FEEDER_2[0], vocab::med::SRT_SENDER_2[0]},
+};
+
+const TargetSender* senderOf(const std::string& targetRow) {
+    for (const TargetSender& entry : kTargetSenders)
+        if (targetRow == entry.target)
+            return &entry;
+    return nullptr;
+}
+
+// Zixi statistics texts and the keys published from each.
+const char* const NETWORK_STATS = "Network Stats";
+const char* const ERROR_CORRECTION_STATS = "Error Correction Stats";
+const char* const CONNECTION_STATS = "Connection Stats";
+
+struct ZixiKey {
+    const char* key;
+    const char* component;
+    const char* property;
+};
+
+const ZixiKey kNetworkKeys[] = {
+    {" packets", vocab::tbl::ZIXI_QOS, vocab::prop::TOTAL_PACKETS},
+    {" packet_rate", vocab::tbl::ZIXI_QOS, vocab::prop::PACKET_RATE},
+    {" dropped", vocab::tbl::ZIXI_QOS, vocab::prop::DROPPED_PACKETS},
+    {" bitrate", vocab::tbl::ZIXI_NETWORK, vocab::prop::TOTAL_BITRATE},
+    {" available", vocab::tbl::ZIXI_NETWORK, vocab::prop::AVAILABLE_BITRATE},
+    {" rtt", vocab::tbl::ZIXI_NETWORK, vocab::prop::ROUND_TRIP_TIME},
+    {" jitter", vocab::tbl::ZIXI_NETWORK, vocab::prop::JITTER},
+    {" latency", vocab::tbl::ZIXI_NETWORK, vocab::prop::ZIXI_LATENCY},
+};
+
+// SRT sender text parameters and where they are published.
+struct SrtStat {
+    const char* parameter;
+    const char* component;
+    const char* property;
+};
+
+const char* const SRT_BITRATE_MBPS = vocab::med::PARAM_STAT_BITRATE_MBPS;
+const SrtStat kSrtStats[] = {
+    {"Stat: RTT", vocab::tbl::SRT_NETWORK, vocab::prop::ROUND_TRIP_TIME},
+    {"Stat: Packets", vocab::tbl::SRT_QOS, vocab::prop::TOTAL_PACKETS},
+    {"Stat: Lost Packets", vocab::tbl::SRT_QOS, vocab::prop::PACKET_LOSS},
+    {"Stat: Dropped Packets", vocab::tbl::SRT_QOS, vocab::prop::DROPPED_PACKETS},
+    {"Stat: Retransmitted Packets", vocab::tbl::SRT_QOS, vocab::prop::RECOVERED_PACKETS},
+};
+
+void logFailure(const char* prefix, const std::string& rowId, const std::string& value, const char* parameter,
+                const std::string& component, Fcodes code) {
+    DBG(2) << prefix << "rowId=" << rowId << " Error: val=" << value << " param=" << parameter << " comp=" << component
+           << " fcode=0x" << side::hexCode(code);
+}
+
+// Asks the sender to refresh its figures; the reads that follow see them.
+Fcodes requestUpdate(DataHolder& holder, const char* operation, const std::string& rowId,
+                     const std::string& component) {
+    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, vocab::med::PARAM_UPDATE_STATS, 1);
+    if (!isOk(code))
+        logFailure(operation, rowId, "1", vocab::med::PARAM_UPDATE_STATS, component, code);
+    return code;
+}
+
+// A statistics text of the sender; the read's failure is logged with the
+// prefix shared with the configuration messages.
+Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::string& component, const char* parameter,
+                    std::string& text) {
+    Fcodes code = ITarnevelClient::getTarnevelTextParam(&holder, component, parameter, text);
+    if (!isOk(code))
+        logFailure("configChannel: ", rowId, text, parameter, component, code);
+    return code;
+}
+
+Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, const char* property,
+               unsigned long long value, const std::string& rowId) {
+    return holder.initIntParam(dataSet, component, property, side::clampToInt(value), rowId) | FC_OK;
+}
+
+}  // namespace
+
+// Naive by design: the first occurrence of the key decides, and the number
+// is whatever stands between the last comma before it and the key.
+unsigned long ConfigChannelTarnevel::parseZixiStat(const std::string& text, const std::string& key) {
+    const std::string::size_type position = text.find(key);
+    if (position == std::string::npos || key.empty())
+        return 0;
+    const std::string::size_type comma = position == 0 ? std::string::npos : text.rfind(',', position - 1);
+    const std::string::size_type start = comma == std::string::npos ? 0 : comma + 1;
+    const std::string item = text.substr(start, position - start);
+    return std::strtoul(item.c_str(), nullptr, 0);
+}
+
+// "Packet Loss" is the share of dropped packets in percent, rounded to the
+// nearest whole percent (0 while no packet was sent): the figure an operator
+// compares against the link's tolerated loss. 64-bit maths, so that counters
+// near the 32-bit limit do not overflow.
+static unsigned long long packetLossPercent(unsigned long long dropped, unsigned long long total) {
+    if (total == 0)
+        return 0;
+    if (dropped >= total)
+        return 100;
+    return (dropped * 100 + total / 2) / total;
+}
+
+Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowId) {
+    const TargetSender* sender = senderOf(targetRowId);
+    if (sender == nullptr) {
+        DBG(2) << "updateZixiStatistics: no Zixi feeder for rowId=" << targetRowId;
+        return FC_NO_SUCH_NAME;
+    }
+    const std::string feeder = sender->zixiFeeder;
+    const char* dataSet = vocab::ds::ZIXI_STAT;
+    Fcodes result = FC_OK | requestUpdate(holder, "updateZixiStatistics: ", targetRowId, feeder);
+
+    std::string text;
+    Fcodes read = readStatText(holder, targetRowId, feeder, NETWORK_STATS, text);
+    result |= read;
+    if (isOk(read)) {
+        for (const ZixiKey& key : kNetworkKeys)
+            result |= publish(holder, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
+        result |=
+            publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::PACKET_LOSS,
+                    packetLossPercent(parseZixiStat(text, " dropped"), parseZixiStat(text, " packets")), targetRowId);
+    }
+
+    text.clear();
+    read = readStatText(holder, targetRowId, feeder, ERROR_CORRECTION_STATS, text);
+    result |= read;
+    if (isOk(read)) {
+        const unsigned long long recovered = static_cast<unsigned long long>(parseZixiStat(text, " arq_recovered")) +
+                                             parseZixiStat(text, " fec_recovered");
+        result |=
+            publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::RECOVERED_PACKETS, recovered, targetRowId);
+        result |= publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::NON_RECOVERED_PACKETS,
+                          parseZixiStat(text, " not_recovered"), targetRowId);
+    }
+
+    text.clear();
+    read = readStatText(holder, targetRowId, feeder, CONNECTION_STATS, text);
+    result |= read;
+    if (isOk(read))
+        result |= publish(holder, dataSet, vocab::tbl::ZIXI_NETWORK, vocab::prop::RECONNECTION,
+                          parseZixiStat(text, " reconnections"), targetRowId);
+    return result;
+}
+
+// The sender reports its bitrate in Mbit/s with decimals ("8.5"); it is
+// published in kbit/s (factor 1000), rounded to the nearest unit.
+static unsigned long long mbpsToKbps(const std::string& text) {
+    const double mbps = std::strtod(text.c_str(), nullptr);
+    return mbps > 0 ? static_cast<unsigned long long>(mbps * 1000.0 + 0.5) : 0;
+}
+
+Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId) {
+    const TargetSender* sender = senderOf(targetRowId);
+    if (sender == nullptr) {
+        DBG(2) << "updateSrtStatistics: no SRT sender for rowId=" << targetRowId;
+        return FC_NO_SUCH_NAME;
+    }
+    const std::string component = sender->srtSender;
+    const char* dataSet = vocab::ds::SRT_STAT;
+    Fcodes result = FC_OK | requestUpdate(holder, "updateSrtStatistics: ", targetRowId, component);
+
+    std::string text;
+    Fcodes read = readStatText(holder, targetRowId, component, SRT_BITRATE_MBPS, text);
+    result |= read;
+    if (isOk(read))
+        result |= publish(holder, dataSet, vocab::tbl::SRT_NETWORK, vocab::prop::TOTAL_BITRATE, mbpsToKbps(text),
+                          targetRowId);
+    for (const SrtStat& stat : kSrtStats) {
+        text.clear();
+        read = readStatText(holder, targetRowId, component, stat.parameter, text);
+        result |= read;
+        if (isOk(read))
+            result |= publish(holder, dataSet, stat.component, stat.property, std::strtoull(text.c_str(), nullptr, 0),
+                              targetRowId);
+    }
+
+    int latency = 0;
+    read =
+        holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::SRT_SETTINGS, vocab::prop::LATENCY, latency, targetRowId) |
+        FC_OK;
+    result |= read;
+    if (isOk(read))
+        result |=
+            holder.initIntParam(dataSet, vocab::tbl::SRT_NETWORK, vocab::prop::SRT_LATENCY, latency, targetRowId) |
+            FC_OK;
+    return result;
+}

@@ -1,0 +1,133 @@
+#include <arpa/inet.h>
+
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "side/BoundedCommand.h"
+#include "vocab/ChannelVocabulary.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "channel/IChannelEvents.h"
+#include "side/ProbeRegistry.h"
+#include "side/SideActionSupport.h"
+#include "holder/DataHolder.h"
+#include "system/DbgPrintClient.h"
+
+// Reachability probes of a channel's unicast targets. Each probe runs on a
+// detached thread of its own that takes no lock: it copies the row id and the
+// address, pings the address once and, when that fails, traces the route,
+// and reports "Target Connection OK" or "Target Connection Failed".
+//
+// Bounds: a probe runs "ping -c 1 <address>" for at most 3 s (a reachable
+// target answers in milliseconds; a silent one is not reachable, whatever
+// ping would still wait), then "traceroute -I <address>" for at most 10 s,
+// whose output read so far is reported. The bound is kept by the probe
+// itself (BoundedCommand kills the command's process group), so the command
+// lines stay exactly these on every ping and traceroute, busybox included.
+//
+// Lifetime: a probe uses only its copies and the event sink; the sink must
+// outlive it. The channel manager lives for the process; whoever else lends
+// a sink waits for ProbeRegistry::waitIdle() before dropping it.
+
+namespace {
+
+const int PING_LIMIT_MS = 3000;
+const int TRACEROUTE_LIMIT_MS = 10000;
+const std::size_t TRACEROUTE_OUTPUT_MAX = 1023;
+
+// 1 for an IPv4 dotted quad, 0 for no address, -1 for an address of another
+// family (an IPv6 text): the cases the probe tells apart.
+int addressKind(const std::string& address, in_addr& ipv4) {
+    if (inet_pton(AF_INET, address.c_str(), &ipv4) == 1)
+        return 1;
+    in6_addr ipv6;
+    if (inet_pton(AF_INET6, address.c_str(), &ipv6) == 1)
+        return -1;
+    return 0;
+}
+
+bool isMulticast(const in_addr& address) {
+    const unsigned firstOctet = ntohl(address.s_addr) >> 24;
+    return firstOctet >= 224 && firstOctet <= 239;
+}
+
+}  // namespace
+
+Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
+    std::vector<std::string> targets;
+    Fcodes result = side::channelChildren(holder, vocab::tbl::TARGET, rowId, targets);
+    for (const std::string& target : targets) {
+        bool enabled = false;
+        std::string protocol, address;
+        Fcodes read =
+            FC_OK | holder.getBoolParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled, target);
+        if (!isOk(read) || !enabled) {
+            result |= read;
+            continue;
+        }
+        read |=
+            holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::STREAMING_PROTOCOL, protocol,
+                                target) |
+            holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::TARGET_ADDRESS, address, target);
+        result |= read;
+        if (!isOk(read))
+            continue;
+        in_addr ipv4{};
+        const int kind = addressKind(address, ipv4);
+        if (kind == 0) {
+            DBG(2) << "testConnectionToTarget: Illegal IP Address=" << address;
+            result |= FC_BAD_VALUE;
+            continue;
+        }
+        if (kind < 0) {
+            DBG(2) << "testConnectionToTarget: Wrong IP family Address=" << address;
+            result |= FC_BAD_VALUE;
+            continue;
+        }
+        if (isMulticast(ipv4))
+            continue;
+
+        DataHolder* probeHolder = &holder;
+        IChannelEvents* sink = &events;
+        ProbeRegistry::instance().begin();
+        try {
+            std::thread([probeHolder, sink, rowId, address] {
+                ConfigChannelTarnevel(*probeHolder, *sink).traceroute(rowId, address);
+                ProbeRegistry::instance().end();
+            }).detach();
+        } catch (const std::system_error& error) {
+            ProbeRegistry::instance().end();
+            DBG(2) << "testConnectionToTarget: no probe thread for Address=" << address << " " << error.what();
+            result |= FC_UNAVAILABLE;
+        }
+    }
+    return result;
+}
+
+// Only a valid IPv4 address reaches the shell line, so nothing but an
+// address can be slipped into the commands.
+void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::string& address) {
+    in_addr ipv4{};
+    if (addressKind(address, ipv4) != 1) {
+        DBG(2) << "traceroute: Illegal IP Address=" << address;
+        return;
+    }
+    const std::string ping = "ping -c 1 " + address;
+    DBG(0) << "traceroute: command=" << ping;
+    const BoundedRun pinged = runBounded(ping, PING_LIMIT_MS, 0);
+    DBG(0) << "traceroute: ping rc=" << pinged.status;
+    if (pinged.started && pinged.status == 0) {
+        events.sendEvent(vocab::ev::TARGET_CONNECTION_OK, rowId, vocab::cond::INFO, vocab::state::ALARM_NONE,
+                         vocab::state::SEVERITY_INFO, "ping " + address + " OK");
+        return;
+    }
+    const std::string trace = "traceroute -I " + address;
+    DBG(0) << "traceroute: command=" << trace;
+    const BoundedRun traced = runBounded(trace, TRACEROUTE_LIMIT_MS, TRACEROUTE_OUTPUT_MAX);
+    if (!traced.started || traced.output.empty())
+        return;
+    // A failed probe carries "Unavailable" as its code, as a failed play does.
+    events.sendEvent(vocab::ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, vocab::state::ALARM_NONE,
+                     vocab::state::SEVERITY_INFO, traced.output);
+}

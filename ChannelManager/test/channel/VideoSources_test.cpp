@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "support/SideActionTestSupport.h"
+
+using namespace vocab;
+
+namespace {
+
+Fcodes detect(ChannelHarness& h, const std::string& source, const std::string& format) {
+    MessageEvent event = mediatorEvent(ev::AUTO_DETECTION, source, "ON", {{"Input Detected", format}});
+    return h.channel().updateVideoSource(&event);
+}
+
+std::string sourceRow(ChannelHarness& h, const std::string& source) {
+    bool connected = false;
+    h.holder->getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
+    return textOf(h, ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, source) + (connected ? " +" : " -");
+}
+
+// "State Fcode Status FormatChanged" of a channel.
+std::string channelRow(ChannelHarness& h, const char* row) {
+    bool changed = false;
+    h.holder->getBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, changed, row);
+    char fcode[16];
+    snprintf(fcode, sizeof fcode, "%x", intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row));
+    return textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode + " " +
+           textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row) + (changed ? " changed" : "");
+}
+
+}  // namespace
+
+TEST(ChannelVideoSources, RefreshFromTheReceiverOrTheEvent) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    struct Row {
+        const char* source;
+        const char* receiverFormat;  // nullptr: the event carries the format
+        const char* eventFormat;
+        const char* expected;
+    } rows[] = {
+        {"Composite", "None", nullptr, "None -"},  {"Composite", "720x576i @ 25", nullptr, "720x576i @ 25 +"},
+        {"DVI-D", "No signal", nullptr, "None -"}, {"DVI-D", nullptr, "1024x768p @ 60", "1024x768p @ 60 +"},
+        {"DVI-D", nullptr, "No signal", "None -"},
+    };
+    for (const Row& row : rows) {
+        h.recorder.clear();
+        if (row.receiverFormat) {
+            simControl(h, wire::SOCK_MEDIATOR, "Sim Set Input",
+                       {{"Source", row.source}, {"Input Detected", row.receiverFormat}});
+            EXPECT_EQ(h.channel().updateVideoSource(std::string(row.source)), FC_OK) << row.expected;
+        } else {
+            EXPECT_EQ(detect(h, row.source, row.eventFormat), FC_OK) << row.expected;
+        }
+        EXPECT_EQ(sourceRow(h, row.source), row.expected);
+        const std::vector<RecordedEvent> events = h.recorder.events();
+        ASSERT_EQ(events.size(), 1u) << row.expected;
+        const std::string expected(row.expected);
+        const bool on = expected.back() == '+';
+        EXPECT_EQ(events[0].id + " " + events[0].rowId + " " + events[0].status + " " + events[0].description,
+                  "Video Source Updated " + std::string(row.source) + (on ? " ON " : " OFF ") +
+                      expected.substr(0, expected.size() - 2));
+    }
+    EXPECT_EQ(h.channel().updateVideoSource(std::string()), FC_BAD_VALUE);
+    EXPECT_EQ(h.channel().updateVideoSource(std::string("SDI 2")), FC_NO_SUCH_NAME);
+    EXPECT_EQ(detect(h, "SDI 2", "None"), FC_NO_SUCH_NAME);
+    // An unanswered receiver is no lost input: the row stays.
+    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
+    EXPECT_EQ(h.channel().updateVideoSource(std::string("HD-SDI")), FC_UNAVAILABLE);
+    EXPECT_EQ(sourceRow(h, "HD-SDI"), "1920x1080i @ 25 +");
+}
+
+TEST(ChannelVideoSources, PlayingChannelFollowsItsInput) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
+    struct Step {
+        const char* format;  // of HD-SDI, the source of "H.264"
+        const char* channel;
+        const char* lastEvent;
+    } steps[] = {
+        {"None", "Playing 30002 ERROR", "Channel Error H.264"},                // lost while playing
+        {"1920x1080i @ 25", "Playing 10000 OK", "Close Alarms H.264"},         // back
+        {"1920x1080i @ 30", "Playing 10000 OK changed", nullptr},              // valid: followed
+        {"720x576i @ 25", "Stopping 20010 OK changed", "Close Alarms H.264"},  // invalid: stopped
+        {"None", "Stopping 20010 OK changed", nullptr},
+        {"1920x1080i @ 25", "Playing 10000 OK", "Close Alarms H.264"},  // valid again: resumed
+    };
+    for (const Step& step : steps) {
+        h.recorder.clear();
+        detect(h, "HD-SDI", step.format);
+        EXPECT_EQ(channelRow(h, row::H264), step.channel) << step.format;
+        const std::vector<std::string> names = h.recorder.names();
+        ASSERT_FALSE(names.empty());
+        EXPECT_EQ(names.size() > 1 ? names[names.size() - 2] : "", step.lastEvent ? step.lastEvent : "") << step.format;
+    }
+    EXPECT_EQ(textOf(h, ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 25");
+    // A user's stop is never undone by the input.
+    ASSERT_EQ(h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x20020, row::HEVC), FC_OK);
+    detect(h, "HDMI", "None");
+    detect(h, "HDMI", "1280x720p @ 50");
+    EXPECT_EQ(channelRow(h, row::HEVC), "Stopped 20020 OK");
+}
+
+TEST(ChannelVideoSources, FormatAsDetectedReconfiguresAndPlaysAgain) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    h.holder->initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, true, row::H264);
+    ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
+    detect(h, "HD-SDI", "1920x1080i @ 30");
+    EXPECT_EQ(channelRow(h, row::H264), "Playing 10000 OK changed");
+    EXPECT_EQ(textOf(h, ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 30");
+    const std::vector<std::string> names = h.recorder.names();
+    EXPECT_NE(std::find(names.begin(), names.end(), "Channel Stopped H.264"), names.end());
+    EXPECT_EQ(h.mediator.model().branchState("UDP CH0"), "RUN");
+}

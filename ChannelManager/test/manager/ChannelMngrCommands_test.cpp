@@ -1,0 +1,136 @@
+// The channel manager's command table, through execute as the engine calls
+// it: missing parameters and their log lines, letter case, the loading of
+// channel files and the acceptance of changes. (The stored file and its
+// archive are tested with the daemon as a process, in tests/system.)
+#include <gtest/gtest.h>
+
+#include <json/json.h>
+
+#include <fstream>
+
+#include "support/ManagerHarness.h"
+#include "system/SysmgtRoot.h"
+
+TEST(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
+    ManagerHarness h;
+    ASSERT_TRUE(h.ready());
+    const struct {
+        const char* id;
+        Fcodes expected;
+        std::vector<std::string> lines;  // in this order
+    } rows[] = {
+        {"Update Source", FC_BODY_ERROR, {"execute: command=Update Source", "execute: Not found tags Video Source in:\n"}},
+        {"Set DVI mode", FC_BODY_ERROR, {"execute: command=Set DVI mode", "execute: Not found tags DVI_mode in:\n"}},
+        {"Set Analog Format",
+         FC_BODY_ERROR,
+         {"execute: command=Set Analog Format", "execute: Not found tags analog_source in:\n"}},
+        {"STORE_CHANNELS", FC_BODY_ERROR, {"execute: Not found tags File in:\n", "execute: After Storing file=\n"}},
+        {"LOAD_CHANNELS", FC_BODY_ERROR, {}},
+    };
+    for (const auto& row : rows) {
+        h.takeLog();
+        EXPECT_EQ(row.expected, h.execute(row.id)) << row.id;
+        const std::string log = h.takeLog();
+        size_t at = 0;
+        for (const std::string& line : row.lines) {
+            at = log.find(line, at);
+            EXPECT_NE(std::string::npos, at) << row.id << " lacks, or has out of order: " << line << "\n" << log;
+        }
+        if (std::string(row.id) == "LOAD_CHANNELS") {
+            EXPECT_EQ(std::string::npos, log.find("execute:")) << log;
+        }
+    }
+    // "STORE_CHANNELS" without a file still tells the subscribers; "LOAD_CHANNELS" does not.
+    EXPECT_EQ(std::vector<std::string>{"Channels Stored  " + std::to_string(FC_BODY_ERROR)},
+              h.manager.configEvents());
+
+    // Text that is no command at all.
+    std::string result;
+    EXPECT_EQ(FC_BODY_ERROR, h.manager.execute("<Parameter Name=\"File\" Value=\"x\" />", result));
+    EXPECT_TRUE(h.waitLog("execute: Not found tags in:\n<Parameter"));
+
+    // With their parameter, the two input-mode commands answer "OK" and change nothing.
+    EXPECT_EQ(FC_OK, h.execute("Set DVI mode", {{"DVI_mode", "1"}}));
+    EXPECT_EQ(FC_OK, h.execute("Set Analog Format", {{"analog_source", "PAL"}}));
+    EXPECT_FALSE(h.manager.isChanged());
+}
+
+TEST(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
+    ManagerHarness h;
+    ASSERT_TRUE(h.ready());
+    for (const char* id : {"play", "STOP", "Load_Channels", "Set dvi mode", "Accept Changes "}) {
+        h.takeLog();
+        // Handed to the worker: the requester hears "OK" for the hand-over.
+        EXPECT_EQ(FC_OK, h.execute(id, {{"RowID", "HEVC"}})) << id;
+        EXPECT_TRUE(h.waitLog(std::string("doExecute: NOT SUPPORTED command=") + id + "\n")) << id;
+        EXPECT_EQ(std::string::npos, h.takeLog().find("execute: command=")) << id;
+    }
+    // The worker refuses whatever reaches it, also unparsable text.
+    std::string result;
+    EXPECT_EQ(FC_NO_SUCH_NAME, h.manager.doExecute(ManagerHarness::commandText("Play"), result));
+    EXPECT_EQ(FC_BODY_ERROR, h.manager.doExecute("no command", result));
+    EXPECT_EQ(FC_UNAVAILABLE, h.manager.deleteRow("ChannelsTable", 1));
+    EXPECT_TRUE(h.waitLog("deleteRow: Unsupported"));
+}
+
+TEST(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDefaults) {
+    ManagerHarness h;
+    ASSERT_TRUE(h.ready());
+    std::vector<std::string> channels;
+
+    // A missing file: the load's own failure, no channel data, the event all the same.
+    EXPECT_EQ(FC_NO_SUCH_NAME, h.execute("LOAD_CHANNELS", {{"File", "/data/settings/missing.json"}}));
+    EXPECT_TRUE(h.waitLog("execute: Loading Channels from file=/data/settings/missing.json"));
+    EXPECT_TRUE(h.waitLog("loadChannels: Loading /data/settings/missing.json"));
+    EXPECT_NE(FC_OK, h.manager.getInstances("ChannelDataSet", "ChannelsTable", channels));
+
+    h.takeLog();
+    h.execute("LOAD_CHANNELS", {{"File", "Default"}});
+    EXPECT_TRUE(h.waitLog("loadChannels: Loading /etc/sysmgt/channel_data_set_vex.json"));
+    EXPECT_EQ(std::string::npos, h.takeLog().find("execute: Loading Channels from file="));
+    ASSERT_EQ(FC_OK, h.manager.getInstances("ChannelDataSet", "ChannelsTable", channels));
+    EXPECT_EQ((std::vector<std::string>{"H.264", "HEVC"}), channels);
+    const std::vector<std::string> events = h.manager.configEvents();
+    ASSERT_EQ(2u, events.size());
+    EXPECT_EQ("Channels Loaded /data/settings/missing.json " + std::to_string(FC_NO_SUCH_NAME), events[0]);
+    EXPECT_EQ(0u, events[1].rfind("Channels Loaded Default ", 0)) << events[1];
+
+    // A stored file of an older release, without "Channel Name": the load adds
+    // it from the factory defaults and drops the defaults again.
+    {
+        std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/channel_data_set_vex.json");
+        Json::Value document;
+        in >> document;
+        Json::Value& table = document["components"]["ChannelsTable"];
+        table["properties"].removeMember("Channel Name");
+        for (const std::string& key : table["instances"].getMemberNames())
+            table["instances"][key].removeMember("Channel Name");
+        std::ofstream(sysmgtPath("/data/settings/old.json")) << document;
+    }
+    std::string name;
+    ASSERT_EQ(FC_OK, h.manager.loadDataSet("/data/settings/old.json"));
+    ASSERT_NE(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"))
+        << "the edited file still holds the property";
+    h.execute("LOAD_CHANNELS", {{"File", "/data/settings/old.json"}});
+    EXPECT_EQ(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
+    EXPECT_NE(FC_OK, h.manager.getInstances("Default Dataset", "ChannelsTable", channels));
+}
+
+TEST(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
+    ManagerHarness h;
+    ASSERT_TRUE(h.ready());
+    ASSERT_EQ(FC_OK, h.manager.loadDataSet(vocab::path::FACTORY_CHANNELS));
+    // Nothing pending: "OK", nothing touched.
+    EXPECT_EQ(FC_OK, h.execute("Accept Changes"));
+    EXPECT_TRUE(h.waitLog("execute: command=Accept Changes"));
+    EXPECT_EQ(std::string::npos, h.takeLog().find("acceptChanges: dataSets_json changed."));
+
+    ASSERT_EQ(FC_OK, h.manager.setTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", "Studio", "HEVC"));
+    ASSERT_TRUE(h.manager.isChanged());
+    EXPECT_EQ(FC_OK, h.execute("Accept Changes"));
+    EXPECT_TRUE(h.waitLog("acceptChanges: dataSets_json changed."));
+    EXPECT_FALSE(h.manager.isChanged());
+    std::string name;
+    EXPECT_EQ(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
+    EXPECT_EQ("Studio", name);
+}

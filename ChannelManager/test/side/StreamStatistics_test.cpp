@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include "support/SideActionTestSupport.h"
+
+using namespace vocab;
+
+TEST(ChannelStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
+    struct Row {
+        const char* text;
+        const char* key;
+        unsigned long expected;
+    };
+    const Row rows[] = {
+        {"1200 packets, 0 dropped", " dropped", 0},
+        {"1200 packets, 7 dropped", " dropped", 7},
+        {"1200 packets, 7 dropped", " packets", 1200},  // the first item parses from the start
+        {"1200 packets", " rtt", 0},                    // no key
+        {"", " packets", 0},
+        {"5 packets,0x1f dropped", " dropped", 31},  // base detected from the prefix
+        {"5 packets, 010 dropped", " dropped", 8},   // leading zero: octal
+        {"5 packets, 3 packet_rate", " packet", 5},  // naive: the first occurrence decides
+        {"5 packets, x dropped", " dropped", 0},     // no number in front
+        {"1,2,3 jitter", " jitter", 3},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(ConfigChannelTarnevel::parseZixiStat(row.text, row.key), row.expected)
+            << "text=\"" << row.text << "\" key=\"" << row.key << "\"";
+}
+
+TEST(ChannelStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    const std::string target = "HEVC Target2";
+    struct Expect {
+        const char* component;
+        const char* property;
+        int tick1;
+        int tick2;
+    };
+    // The simulator's feeder adds 1000 packets, 10 dropped, 3 ARQ- and 2
+    // FEC-recovered and 1 lost per refresh.
+    const Expect expected[] = {
+        {tbl::ZIXI_QOS, prop::TOTAL_PACKETS, 1000, 2000},
+        {tbl::ZIXI_QOS, prop::PACKET_RATE, 1000, 1000},
+        {tbl::ZIXI_QOS, prop::DROPPED_PACKETS, 10, 20},
+        {tbl::ZIXI_QOS, prop::PACKET_LOSS, 1, 1},
+        {tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, 5, 10},
+        {tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS, 1, 2},
+        {tbl::ZIXI_NETWORK, prop::TOTAL_BITRATE, 5000000, 5000000},
+        {tbl::ZIXI_NETWORK, prop::AVAILABLE_BITRATE, 20000000, 20000000},
+        {tbl::ZIXI_NETWORK, prop::ROUND_TRIP_TIME, 21, 22},
+        {tbl::ZIXI_NETWORK, prop::JITTER, 2, 2},
+        {tbl::ZIXI_NETWORK, prop::ZIXI_LATENCY, 500, 500},
+        {tbl::ZIXI_NETWORK, prop::RECONNECTION, 0, 0},
+    };
+    for (int tick = 1; tick <= 2; ++tick) {
+        EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_OK) << "tick " << tick;
+        for (const Expect& e : expected)
+            EXPECT_EQ(intOf(h, ds::ZIXI_STAT, e.component, e.property, target), tick == 1 ? e.tick1 : e.tick2)
+                << e.component << "/" << e.property << " tick " << tick;
+    }
+    EXPECT_EQ(writesTo(h, "Zixi Feeder CH1 2/Update Stats=1").size(), 2u);
+    // Another target's figures are untouched.
+    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, "HEVC Target1"), 0);
+
+    // A failed read of "Network Stats" keeps what was published; the other texts still arrive.
+    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
+    EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_UNAVAILABLE);
+    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), 2000);
+    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, target), 15);
+
+    EXPECT_EQ(h.channel().updateZixiStatistics("HEVC"), FC_NO_SUCH_NAME);
+    EXPECT_EQ(h.channel().updateSrtStatistics("H.264 Target3"), FC_NO_SUCH_NAME);
+}
+
+TEST(ChannelStatistics, SrtStatisticsScaleTheBitrateAndCopyTheConfiguredLatency) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    const std::string target = "H.264 Target1";
+    ASSERT_EQ(h.holder->initIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, 250, target), FC_OK);
+    EXPECT_EQ(h.channel().updateSrtStatistics(target), FC_OK);
+    // First refresh of the simulated sender: "5.5" Mbit/s, RTT 3, 1000 packets, 1 lost, 0 dropped, 2 retransmitted.
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME, target), 3);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::SRT_LATENCY, target), 250);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::TOTAL_PACKETS, target), 1000);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::PACKET_LOSS, target), 1);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::DROPPED_PACKETS, target), 0);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::RECOVERED_PACKETS, target), 2);
+    EXPECT_EQ(writesTo(h, "Srt Sender CH0/Update Stats=1").size(), 1u);
+
+    // A refused refresh is reported, and the reads still publish.
+    ASSERT_EQ(simFail(h, "Tarnevel Put Param"), FC_OK);
+    EXPECT_EQ(h.channel().updateSrtStatistics(target), FC_UNAVAILABLE);
+    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
+}
