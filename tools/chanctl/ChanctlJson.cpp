@@ -10,7 +10,7 @@
 #include "records/MessageEvent.h"
 #include "records/TagText.h"
 #include "records/WireConstants.h"
-#include "ChannelConditions.h"
+#include "vocab/ChannelConditions.h"
 
 namespace {
 

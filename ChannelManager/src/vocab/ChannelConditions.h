@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ChannelVocabulary.h"
+#include "vocab/ChannelVocabulary.h"
 
 // The channel conditions a channel's "Fcode" can hold, with the name a person
 // reads: the daemon sets and tests these codes, and chanctl and chanweb name
