@@ -68,7 +68,7 @@ function drawChart(chart) {
   canvas.height = canvas.clientHeight * scale;
   const g = canvas.getContext("2d");
   g.scale(scale, scale);
-  const width = canvas.clientWidth, height = canvas.clientHeight, left = 70, bottom = 20;
+  const width = canvas.clientWidth, height = canvas.clientHeight, left = 70, bottom = 20, above = 16;
   g.clearRect(0, 0, width, height);
   const now = Date.now(), span = 300000;
   let top = 0;
@@ -78,7 +78,7 @@ function drawChart(chart) {
   g.fillStyle = "#6b7280";
   g.font = "11px sans-serif";
   for (let i = 0; i <= 4; ++i) {
-    const y = (height - bottom) * (1 - i / 4);
+    const y = above + (height - bottom - above) * (1 - i / 4);
     g.beginPath(); g.moveTo(left, y); g.lineTo(width, y); g.stroke();
     g.fillText(Math.round(top * i / 4).toLocaleString(), 4, y + 4);
   }
@@ -93,13 +93,13 @@ function drawChart(chart) {
     chart.t.forEach((t, i) => {
       if (values[i] === null) { drawing = false; return; }
       const x = left + (width - left) * (1 - (now - t) / span);
-      const y = (height - bottom) * (1 - values[i] / top);
+      const y = above + (height - bottom - above) * (1 - values[i] / top);
       if (drawing) g.lineTo(x, y); else g.moveTo(x, y);
       drawing = true;
     });
     g.stroke();
     g.fillStyle = COLOURS[row];
-    g.fillText(row, left + 10 + index * 60, 12);
+    g.fillText(row, width - 130 + index * 60, 12);
   });
 }
 
