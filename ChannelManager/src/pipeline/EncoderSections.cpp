@@ -85,7 +85,7 @@ void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
 // Section 16. A transport stream needs a bounded rate, so "VBR" becomes
 // "Capped VBR" when any enabled target carries one; an elementary stream
 // ("RTP ES", "RTMP") may use plain VBR. The margin is that of an on-the-fly
-// change (bitrateMargin).
+// change (encoderMargin).
 void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     bool transport = false;
@@ -99,7 +99,7 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
         run.put(encoder, "Rate Control Mode", transport && run.rateControl == value::VBR ? value::CAPPED_VBR : mode);
 
     int margin = 0;
-    run.result |= bitrateMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate,
+    run.result |= encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate,
                                 run.maxBitrate, static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid,
                                 margin);
     if (run.rateControl == value::CAPPED_VBR && run.encodeVideo && run.videoBitrate != 0) {
