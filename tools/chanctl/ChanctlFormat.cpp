@@ -7,7 +7,7 @@
 #include "records/MessageEvent.h"
 #include "records/TagText.h"
 #include "records/WireConstants.h"
-#include "vocab/ChannelWireTexts.h"
+#include "vocab/ChannelConditions.h"
 #include "vocab/DatasetNames.h"
 
 using namespace vocab;
@@ -30,18 +30,6 @@ std::string hex(uint32_t code) {
     return "0x" + text;
 }
 
-// The channel condition bits above 0x20000 and their meaning.
-const struct {
-    uint32_t bit;
-    const char* meaning;
-} kChannelConditions[] = {
-    {cond::CHANNEL_ERROR & ~cond::INFO, "channel error: video input lost"},
-    {cond::ZIXI_CONNECTION & ~cond::INFO, "data stream: Zixi connection failed"},
-    {cond::DATA_STREAM & ~cond::INFO, "data stream lost"},
-    {cond::FORMAT_CHANGED & ~cond::INFO, "stopped: input format changed"},
-    {cond::FORCED_STOP & ~cond::INFO, "stopped by a user command"},
-};
-
 std::string trimmed(const std::string& text) {
     size_t first = text.find_first_not_of(" \t\r\n");
     if (first == std::string::npos)
@@ -61,20 +49,10 @@ std::string eventLine(const MessageEvent& event) {
 }
 
 std::string channelFcodeMeaning(uint32_t code) {
-    if ((code & 0xFFFF0000u) != cond::INFO)
-        return fcodeText(static_cast<Fcodes>(code));
-    if (code == cond::INFO)
-        return "informational";
     std::string meaning;
-    uint32_t known = 0;
-    for (const auto& condition : kChannelConditions)
-        if (code & condition.bit) {
-            meaning += (meaning.empty() ? "" : ", ") + std::string(condition.meaning);
-            known |= condition.bit;
-        }
-    if ((code & 0xFFFFu) != known)
-        meaning += (meaning.empty() ? "" : ", ") + std::string("unknown condition");
-    return meaning;
+    for (const std::string& name : channelConditionNames(code))
+        meaning += (meaning.empty() ? "" : ", ") + name;
+    return meaning.empty() ? "none" : meaning;
 }
 
 std::string replyText(const std::string& replyBody) {
@@ -127,14 +105,14 @@ std::string targetCell(const std::string& enabled, const std::string& protocol, 
     return protocol + " " + address + ":" + port;
 }
 
-std::string statusTable(const std::vector<ChannelSummary>& channels) {
-    std::vector<std::string> labels;
-    for (const auto& row : statusRows())
-        labels.push_back(row.label);
-    return statusTable(labels, channels);
-}
+const char* const NOT_LOADED_LINE =
+    "no channel data loaded; load it with: chanctl command LOAD_CHANNELS File=Default (or File=<stored file>)\n";
 
-std::string statusTable(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels) {
+std::string statusTable(const StatusView& view) {
+    if (!view.loaded)
+        return NOT_LOADED_LINE;
+    const std::vector<std::string>& labels = view.labels;
+    const std::vector<ChannelSummary>& channels = view.channels;
     size_t labelWidth = 0;
     for (const auto& label : labels)
         labelWidth = std::max(labelWidth, label.size());

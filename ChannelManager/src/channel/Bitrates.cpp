@@ -1,8 +1,10 @@
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
+#include "vocab/ValueRanges.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
@@ -70,15 +72,46 @@ int32_t samplesPerAudioFrame(const std::string& format) {
     return 0;
 }
 
-// (video + frame term) x 188 / 184 in 32-bit arithmetic. The product wraps
-// as the target's 32-bit int does (above about 11.4 Mbit/s); computed
-// unsigned so that the wrap is defined behaviour on every build.
-int32_t packetisedVideo(int32_t videoAndFrames) {
-    const int32_t product = static_cast<int32_t>(static_cast<uint32_t>(videoAndFrames) * 188u);
-    return product / 184;
+// (video + frame term) x 188 / 184 in 64-bit arithmetic: in 32 bits the
+// product wraps above about 11.4 Mbit/s of video, which the inverse formula
+// could not undo. int64_t gives the same figures on the host and the 32-bit
+// target.
+int64_t packetisedVideo(int64_t videoAndFrames) {
+    return videoAndFrames * 188 / 184;
+}
+
+// A bitrate as the integer property holds it; nothing the model computes from
+// clamped inputs comes near, but stored bitrates near the limit could.
+int32_t asInt(const std::string& rowId, const char* property, int64_t total) {
+    if (total > INT32_MAX || total < INT32_MIN) {
+        DBG(DBG_WARN) << "calcBitrates: rowId=" << rowId << " Error: param=" << property << " val=" << total
+               << " out of range, set to the nearer limit";
+        return total > 0 ? INT32_MAX : INT32_MIN;
+    }
+    return static_cast<int32_t>(total);
 }
 
 }  // namespace
+
+int32_t range::clampLogged(const char* op, const std::string& rowId, const IntRange& range, int64_t value) {
+    if (value >= range.minimum && value <= range.maximum)
+        return static_cast<int32_t>(value);
+    const int32_t bound = value < range.minimum ? range.minimum : range.maximum;
+    DBG(DBG_WARN) << op << ": rowId=" << rowId << " Error: param=" << range.property << " val=" << value
+           << " out of range [" << range.minimum << "," << range.maximum << "], set to " << bound;
+    return bound;
+}
+
+// The Capped VBR margin: how far above the video bitrate the maximum lets
+// the encoder go, in per cent. A maximum below the total (a "Max Bitrate" of
+// 0, say) would give a negative margin, stored as a negative overhead; it is
+// clamped to the overhead's range instead. `video` is not 0 here.
+int32_t ConfigChannelTarnevel::bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo,
+                                             int64_t video) {
+    if (video == 0)
+        return 0;
+    return range::clampLogged(op, rowId, range::OVERHEAD_PERCENT, maxVideo * 100 / video - 100);
+}
 
 // The KLV bitrate of one ingest setting, read from the device manager; a
 // failed read leaves `bitrate` as it was.
@@ -128,7 +161,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
         result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
     }
 
-    int32_t audio = 0;
+    int64_t audio = 0;  // a sum of stored bitrates: 64 bits, clamped at the end
     std::vector<std::string> audioRows;
     result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::CHANNEL_ID, rowId, audioRows);
     for (const std::string& audioRow : audioRows) {
@@ -153,11 +186,16 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     int klv2 = 0;
     result |= readKlvBitrate(ingestKlv, klv1);
     result |= readKlvBitrate(ingestKlv2, klv2);
-    const int32_t klv = klv1 + klv2;
+    const int32_t klv = asInt(rowId, KLV_BITRATE, static_cast<int64_t>(klv1) + klv2);
 
-    const int32_t percent = rateControl == value::CBR ? overheadPercent : 0;
+    // Clamped to their ranges: (P + 100) is a divisor, and the frame term a product.
+    const int64_t percent =
+        rateControl == value::CBR ? range::clampLogged("calcBitrates", rowId, range::OVERHEAD_PERCENT, overheadPercent)
+                                  : 0;
     const int32_t fixedOverhead = pcrOnVideoPid ? FIXED_OVERHEAD_PCR_ON_VIDEO : FIXED_MUX_OVERHEAD;
-    int32_t frameTerm = static_cast<int32_t>(frameRate);
+    const bool representable = std::isfinite(frameRate) && std::fabs(frameRate) < 1e9f;
+    int64_t frameTerm = range::clampLogged("calcBitrates", rowId, range::FRAME_SAMPLING,
+                                           representable ? static_cast<int64_t>(frameRate) : INT32_MAX);
     if (scan == 'i' && rowId == row::HEVC) {
         DBG(DBG_INFO) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
         frameTerm *= FRAME_OVERHEAD_BITS_HEVC_INTERLACED;
@@ -167,22 +205,23 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
 
     if (isTransportProtocol(protocol)) {
         if (totalBitrate == 0) {
-            const int32_t packetised = packetisedVideo(frameTerm + videoBitrate);
-            const int64_t withOverhead = static_cast<int64_t>(packetised) * (percent + 100) / 100;
-            totalBitrate = static_cast<int32_t>(audio + klv + fixedOverhead + withOverhead);
+            const int64_t packetised = packetisedVideo(frameTerm + videoBitrate);
+            const int64_t withOverhead = packetised * (percent + 100) / 100;
+            totalBitrate =
+                asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(audio) + klv + fixedOverhead + withOverhead);
         } else if (!encodeVideo) {
             videoBitrate = 0;
         } else {
-            const int64_t payload = static_cast<int64_t>(totalBitrate - audio - klv - fixedOverhead);
-            videoBitrate =
-                static_cast<int32_t>(payload * 18400 / (static_cast<int64_t>(percent + 100) * 188) - frameTerm);
+            const int64_t payload = static_cast<int64_t>(totalBitrate) - audio - klv - fixedOverhead;
+            videoBitrate = asInt(rowId, prop::VIDEO_BITRATE, payload * 18400 / ((percent + 100) * 188) - frameTerm);
         }
     } else if (totalBitrate == 0) {
-        totalBitrate = videoBitrate + audio + klv;
+        totalBitrate = asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(videoBitrate) + audio + klv);
     } else {
-        videoBitrate = encodeVideo ? totalBitrate - audio - klv : 0;
+        videoBitrate =
+            encodeVideo ? asInt(rowId, prop::VIDEO_BITRATE, static_cast<int64_t>(totalBitrate) - audio - klv) : 0;
     }
-    audioBitrate = audio;
+    audioBitrate = asInt(rowId, prop::AUDIO_BITRATE, audio);
     klvBitrate = klv;
 
     DBG(DBG_INFO) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
@@ -198,6 +237,64 @@ void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const s
     if (!isOk(set))
         DBG(DBG_ERROR) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
                << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
+}
+
+// The floors a channel's video bitrate keeps, wherever a total is turned
+// into a video bitrate (a configuration and an on-the-fly change alike): a
+// video bitrate below the channel's minimum is raised to it and the total
+// recomputed from it; the maximum is raised to the total that the minimum
+// plus ten per cent needs. The caller writes what was raised.
+Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate,
+                                                 bool pcrOnVideoPid, int& video, int& total, int& max,
+                                                 bool& totalRaised, bool& maxRaised) {
+    totalRaised = maxRaised = false;
+    const int channel = channelIndex(rowId);
+    if (channel < 0 || video >= MIN_VIDEO_BITRATE[channel])
+        return FC_OK;
+    if (channel == 1)
+        DBG(DBG_WARN) << operation << ": Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
+               << " inst=" << rowId;
+    else
+        DBG(DBG_WARN) << operation << ": Video BR=" << video << ". Reseting to min=" << MIN_VIDEO_BITRATE[channel]
+               << " inst=" << rowId;
+    int audio = 0, klv = 0;
+    video = MIN_VIDEO_BITRATE[channel];
+    total = 0;
+    Fcodes result = calcBitrates(rowId, total, video, frameRate, audio, klv, pcrOnVideoPid);
+    totalRaised = true;
+
+    int floorTotal = 0;
+    int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
+    result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
+    if (max < floorTotal) {
+        DBG(DBG_WARN) << operation << ": Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
+               << " is greater than prev=" << max << " inst=" << rowId;
+        max = floorTotal;
+        maxRaised = true;
+    }
+    return result;
+}
+
+// "Bitrate Margin" of the encoder: 0 without video; the channel's own margin
+// with "CBR"; otherwise the headroom, in per cent, that the maximum leaves
+// over the video bitrate.
+Fcodes ConfigChannelTarnevel::encoderMargin(const char* operation, const std::string& rowId,
+                                            const std::string& rateControl, bool encodeVideo, int video, int max,
+                                            float frameRate, bool pcrOnVideoPid, int& margin) {
+    margin = 0;
+    const int channel = channelIndex(rowId);
+    if (channel < 0 || !encodeVideo || video == 0)
+        return FC_OK;
+    if (rateControl == value::CBR) {
+        margin = CBR_MARGIN[channel];
+        return FC_OK;
+    }
+    int maxTotal = max, maxVideo = 0, audio = 0, klv = 0;
+    const Fcodes result = calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
+    margin = bitrateMargin(operation, rowId, maxVideo, video);
+    DBG(DBG_INFO) << operation << ": rowId=" << rowId << " maxBitrate=" << max << " maxVideoBitrate=" << maxVideo
+           << " rateControl=" << rateControl << " margin=" << margin;
+    return result;
 }
 
 Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
@@ -225,48 +322,27 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     int audio = 0, klv = 0, video = 0;
     result |= calcBitrates(rowId, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
 
-    if (encodeVideo && video < MIN_VIDEO_BITRATE[channel]) {
-        if (channel == 1)
-            DBG(DBG_WARN) << "changeBitrateOnTheFly: Video BR=" << video
-                          << ". Reset to min=" << MIN_VIDEO_BITRATE[channel] << " inst=" << rowId;
-        else
-            DBG(DBG_WARN) << "changeBitrateOnTheFly: Video BR=" << video << ". Reseting to min="
-                   << MIN_VIDEO_BITRATE[channel] << " inst=" << rowId;
-        video = MIN_VIDEO_BITRATE[channel];
-        totalBitrate = 0;
-        result |= calcBitrates(rowId, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
-        result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
-
-        int floorTotal = 0;
-        int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
-        result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
-        if (maxBitrate < floorTotal) {
-            DBG(DBG_WARN) << "changeBitrateOnTheFly: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
-                   << " is greater than prev=" << maxBitrate << " inst=" << rowId;
-            maxBitrate = floorTotal;
+    if (encodeVideo) {
+        bool totalRaised = false, maxRaised = false;
+        result |= applyBitrateFloors("changeBitrateOnTheFly", rowId, frameRate, pcrOnVideoPid, video, totalBitrate,
+                                     maxBitrate, totalRaised, maxRaised);
+        if (totalRaised)
+            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+        if (maxRaised)
             result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
-        }
     }
 
     result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, video, rowId);
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE, video);
 
     int margin = 0;
-    if (encodeVideo && video != 0) {
-        if (rateControl == value::CBR) {
-            margin = CBR_MARGIN[channel];
-        } else {
-            int maxTotal = maxBitrate;
-            int maxVideo = 0;
-            result |= calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
-            margin = static_cast<int32_t>(static_cast<int64_t>(maxVideo) * 100 / video - 100);
-            DBG(DBG_INFO) << "changeBitrateOnTheFly: rowId=" << rowId << " maxBitrate=" << maxBitrate
-                   << " maxVideoBitrate=" << maxVideo << " rateControl=" << rateControl << " margin=" << margin;
-            if (rateControl == value::CAPPED_VBR)
-                overheadPercent = margin;
-            result |= holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
-                                          overheadPercent, rowId);
-        }
+    result |= encoderMargin("changeBitrateOnTheFly", rowId, rateControl, encodeVideo, video, maxBitrate, frameRate,
+                            pcrOnVideoPid, margin);
+    if (encodeVideo && video != 0 && rateControl != value::CBR) {
+        if (rateControl == value::CAPPED_VBR)
+            overheadPercent = margin;
+        result |= holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
+                                      overheadPercent, rowId);
     }
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
     if (channel == 1)

@@ -51,7 +51,8 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
     };
     static const Route kRoutes[] = {
         {cmd::ACTIVATE_ROW, false, &ConfigChannelTarnevel::activateRow, nullptr},
-        {cmd::CHANGE_ON_THE_FLY, false, &ConfigChannelTarnevel::changeOnTheFly, nullptr},
+        {cmd::CHANGE_ON_THE_FLY, false, &ConfigChannelTarnevel::changeOnTheFly,
+         &ConfigChannelTarnevel::changeOnTheFlyAll},
         {cmd::PLAY, false, &ConfigChannelTarnevel::play, nullptr},
         {cmd::STOP, false, &ConfigChannelTarnevel::stop, &ConfigChannelTarnevel::stopAll},
         {cmd::UPDATE_ZIXI_STATISTICS, true, &ConfigChannelTarnevel::zixiStatistics, nullptr},
@@ -132,6 +133,15 @@ Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageComman
     const Fcodes result = playChannel(rowId) | FC_OK;
     testConnectionToTarget(rowId);
     return result;
+}
+
+// An on-the-fly change acts on one channel only: for "ALL" (also a missing
+// "RowID") it answers "OK" and does nothing, as changeBitrateOnTheFly does
+// for a row that is no channel.
+Fcodes ConfigChannelTarnevel::changeOnTheFlyAll() {
+    DBG(DBG_WARN) << "execute: " << cmd::CHANGE_ON_THE_FLY << " needs one channel, rowId=" << row::ALL
+                  << " ignored";
+    return FC_OK;
 }
 
 Fcodes ConfigChannelTarnevel::stop(const std::string& rowId, const MessageCommand&) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -102,15 +103,20 @@ public:
     Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
                         int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
     Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
+    // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
+    // range with a log line under `op`; 0 when `video` is 0.
+    static int32_t bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video);
 
     // ---- Pipeline configuration (pipeline/) ----
 
     // The channel's rows turned into the parameters of its mediator components.
     Fcodes configChannel(const std::string& rowId);
     // "Brightness", "Contrast", "Saturation", "Hue" of "ChannelAVSettings".
-    Fcodes configAVSettings(const std::string& rowId);
-    // "Audio Gain" of an audio row ("H.264 Audio1" ...).
-    Fcodes configAudioGain(const std::string& audioRowId);
+    // `pending`: apply the values being accepted (the store's pending
+    // values, else the committed ones) instead of the committed values.
+    Fcodes configAVSettings(const std::string& rowId, bool pending = false);
+    // "Audio Gain" of an audio row ("H.264 Audio1" ...); `pending` as above.
+    Fcodes configAudioGain(const std::string& audioRowId, bool pending = false);
 
     // ---- Stream statistics (side/StreamStatistics.cpp) and data-stream events (side/DataStreamEvents.cpp) ----
 
@@ -118,7 +124,7 @@ public:
     Fcodes updateZixiStatistics(const std::string& targetRowId);
     Fcodes updateSrtStatistics(const std::string& targetRowId);
     // The number in front of `key` in a comma-separated statistics text; 0 without.
-    static unsigned long parseZixiStat(const std::string& text, const std::string& key);
+    static uint64_t parseZixiStat(const std::string& text, const std::string& key);
     // "Data Stream", "Zixi Connection Failed", "Zixi Change Bitrate Request",
     // "Srt New Client Request"; borrows the event.
     Fcodes handleDataStreamEvent(MessageEvent* event);
@@ -130,6 +136,10 @@ public:
     Fcodes sapAction(const std::string& rowId);
     // Starts the channel's KLV branch while it plays, stops it otherwise.
     Fcodes klvAction(const std::string& rowId);
+    // While the channel plays: stops its KLV branches that run but that its
+    // settings no longer name (unless the other playing channel uses them),
+    // then starts the named ones as klvAction does. Run by configChannel.
+    Fcodes klvFollowSettings(const std::string& rowId);
     // Starts a bounded probe thread per enabled unicast target.
     Fcodes testConnectionToTarget(const std::string& rowId);
     // "ping -c 1", then "traceroute -I"; sends "Target Connection OK" or "...Failed".
@@ -150,7 +160,8 @@ public:
 private:
     // ---- configChannel's sections, in the order they run ----
     // pipeline/PipelineRun.cpp
-    void configPrologue(PipelineRun& run);          // 1: status, assembly
+    void configPrologue(PipelineRun& run);          // 1: status, assembly, targets
+    void readAudioRows(PipelineRun& run);           // after 3: the audio rows as it left them
     void readProcessingSettings(PipelineRun& run);  // 7
     // pipeline/VideoSections.cpp
     void configInputFormat(PipelineRun& run);       // 2
@@ -189,6 +200,8 @@ private:
     void configZixiFeeder(PipelineRun& run, size_t target);
     void configSrtSender(PipelineRun& run, size_t target);
     void configRtmpServer(PipelineRun& run, size_t target);
+    // pipeline/UnusedComponents.cpp
+    void configUnusedComponents(PipelineRun& run);  // after 26: what this run does not use, off
     // pipeline/SummarySection.cpp
     void configSummary(PipelineRun& run);           // 27
 
@@ -205,6 +218,7 @@ private:
     // One command on one channel row; "ALL" is expanded by execute.
     Fcodes activateRow(const std::string& rowId, const MessageCommand& command);
     Fcodes changeOnTheFly(const std::string& rowId, const MessageCommand& command);
+    Fcodes changeOnTheFlyAll();
     Fcodes play(const std::string& rowId, const MessageCommand& command);
     Fcodes stop(const std::string& rowId, const MessageCommand& command);
     // The statistics commands on one target row.
@@ -237,6 +251,13 @@ private:
     // ---- Bitrates (channel/Bitrates.cpp) ----
 
     Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
+    // The per-channel floors of the video bitrate and of the maximum, shared
+    // by a configuration and an on-the-fly change; logs under `operation`.
+    Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate, bool pcrOnVideoPid,
+                              int& video, int& total, int& max, bool& totalRaised, bool& maxRaised);
+    // The encoder's "Bitrate Margin" for a video bitrate and a maximum.
+    Fcodes encoderMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
+                         bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid, int& margin);
     void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
                             int value);
 

@@ -32,7 +32,10 @@ using namespace vocab;
 //   "Fcode" and updateChannelStatus raises "Channel Error"; the channel keeps
 //   playing, so that the stream resumes with the signal;
 // - input back while "Playing" after such a loss: 0x20002 is cleared, "Status"
-//   back to "OK", "Close Alarms" sent;
+//   back to "OK", "Close Alarms" sent. A loss is recognised by the channel's
+//   "Status" "ERROR" (only a lost input sets it) as well as by the bit: a
+//   play during the loss writes its own code, and a "Data Stream" event
+//   clears the bits, so the bit alone misses both;
 // - another format while "Playing": "Format Changed" becomes true. With
 //   "Format as Detected" the channel is stopped (0x20010), reconfigured for
 //   the new input and played again when the format validates. Otherwise a
@@ -127,7 +130,7 @@ Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource)
 // One channel on the source follows its input; caller holds the holder lock.
 Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::string& videoSource) {
     const char* ds = ds::CHANNEL;
-    std::string detected, state, running;
+    std::string detected, state, running, status;
     bool connected = false, asDetected = false;
     int fcodeValue = 0;
     Fcodes result = FC_OK |
@@ -136,6 +139,7 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
                     holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED,
                                         connected, videoSource) |
                     holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+                    holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
                     holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
                     holder.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
                     holder.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
@@ -159,7 +163,7 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
     }
 
     if (state == state::PLAYING) {
-        if (holds(fcode, cond::CHANNEL_ERROR)) {
+        if (status == state::STATUS_ERROR || holds(fcode, cond::CHANNEL_ERROR)) {
             DBG(DBG_INFO) << "updateVideoSource: input back rowId=" << rowId << " src=" << videoSource;
             result |= setFcode(withoutCondition(fcode, cond::CHANNEL_ERROR));
             result |=

@@ -3,7 +3,6 @@
 #include "manager/ChannelMngr.h"
 
 #include <pthread.h>
-#include <sys/prctl.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,6 +15,7 @@
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
+#include "system/SysmgtRoot.h"
 
 using namespace vocab;
 
@@ -49,8 +49,9 @@ void ChannelMngr::init() {
                 static_cast<long>(resolution.tv_nsec));
     std::fflush(stdout);
 
+    // The log's task name only: renaming the kernel thread would rename the
+    // process itself, and ps, pidof and pkill would no longer find it.
     setTaskName(pthread_self(), "tChanInit");
-    prctl(PR_SET_NAME, "tChanInit", 0, 0, 0);
     DataHolder::init("tChMngr");
 
     // The channel data itself comes later, with "LOAD_CHANNELS".
@@ -70,8 +71,7 @@ void ChannelMngr::init() {
     if (isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone,
                                  ""))) {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
-        setenv("TZ", zone.c_str(), 1);
-        tzset();
+        setTimeZone(zone);
     }
     engine->requestSubscribe(wire::SOCK_DEV);
 
@@ -108,10 +108,11 @@ Fcodes ChannelMngr::acceptChanges() {
     Fcodes result = FC_OK;
     // Only these two components are applied to running channels; every other
     // pending value is committed as it is and takes effect at the next
-    // configuration of its channel.
+    // configuration of its channel. They are applied before the commit, so
+    // they apply the pending values: the ones being accepted.
     const struct {
         const char* component;
-        Fcodes (ConfigChannelTarnevel::*apply)(const std::string&);
+        Fcodes (ConfigChannelTarnevel::*apply)(const std::string&, bool);
     } applied[] = {{tbl::AV_SETTINGS, &ConfigChannelTarnevel::configAVSettings},
                    {tbl::AUDIO_SOURCE, &ConfigChannelTarnevel::configAudioGain}};
     for (const auto& entry : applied) {
@@ -123,7 +124,7 @@ Fcodes ChannelMngr::acceptChanges() {
             if (!isChangedInstance(ds::CHANNEL, entry.component, instance))
                 continue;
             ConfigChannelTarnevel channel(*this, *this);
-            result |= (channel.*entry.apply)(instance);
+            result |= (channel.*entry.apply)(instance, true);
         }
     }
     return result | commit();
@@ -144,6 +145,10 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     Fcodes result = loadDataSet(path);
     if (!isOk(result))
         return result;
+    // Edits pending on the channel data belonged to the data just replaced:
+    // committed onto the loaded (or factory) data they would be stale. The
+    // store itself keeps pending values across a load; the manager drops them.
+    untouchDataSet(ds::CHANNEL);
 
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.

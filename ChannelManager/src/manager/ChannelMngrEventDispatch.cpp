@@ -11,6 +11,7 @@
 #include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "system/DbgPrintClient.h"
+#include "system/SysmgtRoot.h"
 
 using namespace vocab;
 
@@ -127,8 +128,7 @@ Fcodes ChannelMngr::onDateTime(MessageEvent& event) {
     std::string zone;
     if (event.getParam(PARAM_TZ, zone) != 0) {
         DBG(DBG_SYS) << "doHandle: setenv TZ=" << zone;
-        setenv("TZ", zone.c_str(), 1);
-        tzset();
+        setTimeZone(zone);
     }
     return FC_OK;
 }

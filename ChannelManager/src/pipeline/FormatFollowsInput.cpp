@@ -31,6 +31,9 @@ using namespace vocab;
 //   when the GOP had B pictures; else unchanged.
 // - H.264: an interlaced format cannot be coded with the Baseline profile,
 //   which then becomes "H.264 Main Profile".
+// - The choice must be one the channel's validation accepts: an input whose
+//   own format is not in the format matrix (such as "2048x1080p") has none,
+//   and then nothing is chosen and nothing is written.
 
 namespace {
 constexpr int kMaxRate = 60;
@@ -73,14 +76,17 @@ bool pipeline::chooseEncoding(int channel, const std::string& input, const std::
         choice.frameSampling = (choice.frameSampling + 1) / 2 <= limit ? (choice.frameSampling + 1) / 2 : limit;
     choice.h264MainProfile =
         channel == 0 && scan == 'i' && choice.encodingFormat.back() == 'i' && h264Profile == "H.264 Baseline Profile";
-    return true;
+    int inputLimit = 0;
+    return videoformat::inputAllowed(choice.encodingFormat, input) &&
+           (!videoformat::maxInputFrameRate(input, inputLimit) || choice.frameSampling <= inputLimit);
 }
 
 int pipeline::gopSizeRough(int frameSampling, const std::string& gopStructure) {
     if (gopStructure == value::GOP_I || frameSampling <= 0)
         return 1;
     const char* sub = lookup(HEVC_GOP_SUB_SIZE, gopStructure);
-    const int subGop = sub ? std::atoi(sub) : (gopStructure == "IBBrBP" ? 4 : 1);
+    const int tableSize = sub ? std::atoi(sub) : (gopStructure == "IBBrBP" ? 4 : 1);
+    const int subGop = tableSize > 0 ? tableSize : 1;  // a divisor
     const int rough = frameSampling / subGop * subGop;
     return rough > 0 ? rough : subGop;
 }
@@ -92,7 +98,9 @@ void ConfigChannelTarnevel::configFormatChange(PipelineRun& run) {
     if (!pipeline::chooseEncoding(run.channel, run.inputDetected, run.streamProfile,
                                   run.frameRateRatio == "Half of Input", run.gopStructure, run.videoCodecProfile,
                                   choice)) {
-        run.unknown("Input Detected", run.inputDetected);
+        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " src=" << run.source
+                       << " inputDetected=" << run.inputDetected
+                       << " no valid encoding format, kept encodingFormat=" << run.encodingFormat;
         return;
     }
     DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " src=" << run.source

@@ -21,6 +21,8 @@ constexpr PerChannel VIDEO_ENCODER = {"Video Encoder CH0", "Video Encoder CH1"};
 constexpr PerChannel TS_MULTIPLEXER = {"TS Multiplexer CH0", "TS Multiplexer CH1"};
 constexpr PerChannel RTSP_SERVER = {"Rtsp Server CH0", "Rtsp Server CH1"};
 // Senders of a channel's first and second target.
+constexpr PerChannel UDP_SENDER = {"UDP Sender CH0", "UDP Sender CH1"};
+constexpr PerChannel UDP_SENDER_2 = {"UDP Sender CH0 2", "UDP Sender CH1 2"};
 constexpr PerChannel ZIXI_FEEDER = {"Zixi Feeder CH0", "Zixi Feeder CH1"};
 constexpr PerChannel ZIXI_FEEDER_2 = {"Zixi Feeder CH0 2", "Zixi Feeder CH1 2"};
 constexpr PerChannel SRT_SENDER = {"Srt Sender CH0", "Srt Sender CH1"};
