@@ -1,40 +1,9 @@
-// The channel manager's commands as the front end sends them to the running
-// daemon: reply codes, the configuration events, the settings archive, and
-// the refusal of what it does not serve.
+// The channel manager's file commands as the front end sends them to the
+// running daemon: their reply codes, the configuration events and the
+// settings archive.
 #include <gtest/gtest.h>
 
 #include "DaemonProcess.h"
-
-TEST(ChannelManagerCommands, ReplyCodesOfTheManagersOwnCommands) {
-    DaemonSession session;
-    ASSERT_TRUE(session.ready()) << session.everything();
-    const struct {
-        const char* args;
-        int status;
-        const char* output;  // part of what chanctl prints
-    } rows[] = {
-        {"command 'Set DVI mode' DVI_mode=1", 0, ""},
-        {"command 'Set DVI mode'", 1, "Message Body Error"},
-        {"command 'Set Analog Format' analog_source=PAL", 0, ""},
-        {"command 'Set Analog Format' DVI_mode=1", 1, "Message Body Error"},
-        {"command 'Update Source'", 1, "Message Body Error"},
-        {"command LOAD_CHANNELS", 1, "Message Body Error"},
-        {"command STORE_CHANNELS", 1, "Message Body Error"},
-        {"command LOAD_CHANNELS File=/data/settings/none.json", 1, "No Such Name"},
-        {"command 'Accept Changes'", 0, ""},
-        {"command 'Rollback Changes'", 0, ""},
-        // Not one of its commands: handed to the worker, which refuses it in the log.
-        {"command play RowID=HEVC", 0, ""},
-    };
-    for (const auto& row : rows) {
-        ToolRun run = chanctl(row.args);
-        EXPECT_EQ(row.status, run.status) << row.args << ": " << run.output;
-        EXPECT_NE(std::string::npos, run.output.find(row.output)) << row.args << ": " << run.output;
-    }
-    EXPECT_TRUE(session.waitLog("doExecute: NOT SUPPORTED command=play")) << session.log();
-    EXPECT_TRUE(session.waitLog("execute: Not found tags DVI_mode in:")) << session.log();
-    EXPECT_TRUE(session.daemon.running());
-}
 
 TEST(ChannelManagerCommands, LoadAndStoreTellTheFrontEndAndArchiveTheSettings) {
     DaemonSession session;

@@ -25,12 +25,13 @@ std::string missingInOrder(const std::string& haystack, const std::vector<std::s
 }  // namespace
 
 TEST(ChannelManagerStartup, BadOptionsPrintTheUsageAndExit1) {
+    TestRoot root;
     ASSERT_TRUE(installFactoryData());
     for (const char* options : {"-x", "-s /tmp/cm.start -v", "-p", "-s /tmp/cm.start -d -q -p /tmp/cm.pid"}) {
         ChildProcess daemon(toolCommand("channel_manager") + " " + options + " > " + sysmgtPath("/tmp/usage.out") +
                             " 2>&1");
         EXPECT_EQ(1, daemon.wait(30)) << options;
-        const std::string output = readText(sysmgtPath("/tmp/usage.out"));
+        const std::string output = readText("/tmp/usage.out");
         EXPECT_EQ(0u, output.find("Usage: ")) << options << ": " << output;
         EXPECT_NE(std::string::npos, output.find(" [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n"))
             << options << ": " << output;
@@ -42,7 +43,7 @@ TEST(ChannelManagerStartup, BadOptionsPrintTheUsageAndExit1) {
 TEST(ChannelManagerStartup, DetachedDaemonWritesPidThenStartFileThenServes) {
     DaemonSession session("-v 3 -d -p /tmp/cm.pid");
     // The detached daemon is not the process that was started: end it by the pid it wrote.
-    const pid_t detached = static_cast<pid_t>(std::atoi(readText(sysmgtPath("/tmp/cm.pid")).c_str()));
+    const pid_t detached = static_cast<pid_t>(std::atoi(readText("/tmp/cm.pid").c_str()));
     struct EndDetached {
         pid_t pid;
         ~EndDetached() {
@@ -54,8 +55,8 @@ TEST(ChannelManagerStartup, DetachedDaemonWritesPidThenStartFileThenServes) {
     EXPECT_EQ(0, session.daemon.wait(30)) << "the foreground process ends once detached";
     ASSERT_GT(detached, 0);
     EXPECT_NE(session.daemon.id(), detached);
-    EXPECT_EQ(std::to_string(detached) + "\n", readText(sysmgtPath("/tmp/cm.pid")));
-    EXPECT_EQ("0:" + std::to_string(detached) + ":0\n", readText(sysmgtPath(DaemonSession::START_FILE)));
+    EXPECT_EQ(std::to_string(detached) + "\n", readText("/tmp/cm.pid"));
+    EXPECT_EQ("0:" + std::to_string(detached) + ":0\n", readText(DaemonSession::START_FILE));
 
     // Serving at once: the start file is written only after start-up is complete.
     ToolRun dvi = chanctl("command 'Set DVI mode' DVI_mode=1");
