@@ -171,8 +171,10 @@ public:
     static constexpr double START_LIMIT_SEC = 60;  // under qemu-arm and sanitizers too
     static constexpr const char* START_FILE = "/tmp/cm.start";
 
-    explicit DaemonSession(const std::string& daemonOptions = "", int simTimeoutSec = 120)
-        : simulator(simTimeoutSec) {
+    // `startFile`: the one the daemon is told to write and the session waits for.
+    explicit DaemonSession(const std::string& daemonOptions = "", int simTimeoutSec = 120,
+                           const std::string& startFile = START_FILE)
+        : simulator(simTimeoutSec), startFile(startFile) {
         factoryInstalled = installFactoryData();
         logger.start(toolCommand("dbglog") + " --timeout " + std::to_string(simTimeoutSec) + " > " +
                      sysmgtPath("/tmp/dbg.log"));
@@ -188,10 +190,10 @@ public:
     }
 
     void startDaemon(const std::string& options = "") {
-        unlink(sysmgtPath(START_FILE).c_str());
-        daemon.start(toolCommand("channel_manager") + " -s " + START_FILE + " " + options + " > " +
+        unlink(sysmgtPath(startFile).c_str());
+        daemon.start(toolCommand("channel_manager") + " -s " + startFile + " " + options + " > " +
                      sysmgtPath("/tmp/daemon.out") + " 2>&1");
-        daemonReady = waitFor([] { return !readText(START_FILE).empty(); }, START_LIMIT_SEC);
+        daemonReady = waitFor([this] { return !readText(startFile).empty(); }, START_LIMIT_SEC);
     }
     // Ends the daemon only, as a power cut would (SIGKILL, no clean-up).
     void killDaemon() {
@@ -217,6 +219,7 @@ public:
     ChildProcess daemon;
 
 private:
+    std::string startFile;
     bool factoryInstalled = false;
     bool loggerReady = false;
     bool simulatorReady = false;
