@@ -7,11 +7,33 @@
 
 #include "support/ChannelHarness.h"
 
-// Helpers of the pipeline tests: run configChannel and compare its mediator
-// writes with a data file.
+// Helpers of the pipeline tests: change a channel's rows, run configChannel
+// and compare its mediator writes with a data file.
 class PipelineBench {
 public:
     explicit PipelineBench(ChannelHarness& h) : h(h) {}
+
+    // Changes a channel's rows before a run; `ok` turns false on a refusal.
+    PipelineBench& text(const char* component, const char* property, const std::string& instance,
+                        const std::string& value) {
+        ok &= h.set({{component, property, instance, value}});
+        return *this;
+    }
+    PipelineBench& integer(const char* component, const char* property, const std::string& instance, int value) {
+        ok &= h.set({{component, property, instance, value}});
+        return *this;
+    }
+    PipelineBench& flag(const char* component, const char* property, const std::string& instance, bool value) {
+        ok &= h.set({{component, property, instance, value}});
+        return *this;
+    }
+    // A value of the channel's summary row.
+    std::string summary(const char* property, const std::string& rowId) {
+        return h.text(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, property, rowId);
+    }
+    bool summaryFlag(const char* property, const std::string& rowId) {
+        return h.flag(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, property, rowId);
+    }
 
     // Runs configChannel with the recorded writes cleared first.
     Fcodes configure(const std::string& rowId) {
@@ -28,6 +50,8 @@ public:
         return out;
     }
     bool wrote(const std::string& prefix) const { return !h.writes({prefix}).empty(); }
+
+    bool ok = true;
 
 private:
     ChannelHarness& h;
