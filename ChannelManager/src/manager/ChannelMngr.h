@@ -106,6 +106,8 @@ protected:
     std::chrono::milliseconds timerPeriod{30000};
 
 private:
+    // The holder's own init(name) is a step of init(), not to be called alone.
+    using DataHolder::init;
     using CommandHandler = Fcodes (ChannelMngr::*)(const MessageCommand&, const std::string&, std::string&);
     struct CommandRoute {
         const char* id;
