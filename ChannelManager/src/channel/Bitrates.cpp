@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 
@@ -67,6 +68,16 @@ int32_t packetisedVideo(int32_t videoAndFrames) {
     return product / 184;
 }
 
+// A minimal guard for values no channel has but a stored file can hold (any
+// integer, added by the configuration fuzzer): the model's sums run in 64
+// bits and are narrowed with saturation, and an overhead of -100 per cent or
+// less counts as none, so that no step overflows or divides by zero. A range
+// check of the settings themselves, refusing or clamping with a log line, is
+// the lasting fix; with sane values the figures are the same.
+int32_t saturated(int64_t value) {
+    return value > INT32_MAX ? INT32_MAX : value < INT32_MIN ? INT32_MIN : static_cast<int32_t>(value);
+}
+
 }  // namespace
 
 // The KLV bitrate of one ingest setting, read from the device manager; a
@@ -116,7 +127,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
         result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
     }
 
-    int32_t audio = 0;
+    int64_t audio = 0;
     std::vector<std::string> audioRows;
     result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::CHANNEL_ID, rowId, audioRows);
     for (const std::string& audioRow : audioRows) {
@@ -141,11 +152,11 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     int klv2 = 0;
     result |= readKlvBitrate(ingestKlv, klv1);
     result |= readKlvBitrate(ingestKlv2, klv2);
-    const int32_t klv = klv1 + klv2;
+    const int64_t klv = static_cast<int64_t>(klv1) + klv2;
 
-    const int32_t percent = rateControl == value::CBR ? overheadPercent : 0;
+    const int64_t percent = rateControl == value::CBR && overheadPercent > -100 ? overheadPercent : 0;
     const int32_t fixedOverhead = pcrOnVideoPid ? FIXED_OVERHEAD_PCR_ON_VIDEO : FIXED_MUX_OVERHEAD;
-    int32_t frameTerm = static_cast<int32_t>(frameRate);
+    int64_t frameTerm = std::fabs(frameRate) < 1e9f ? static_cast<int64_t>(frameRate) : 0;
     if (scan == 'i' && rowId == row::HEVC) {
         DBG(0) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
         frameTerm *= FRAME_OVERHEAD_BITS_HEVC_INTERLACED;
@@ -155,23 +166,22 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
 
     if (isTransportProtocol(protocol)) {
         if (totalBitrate == 0) {
-            const int32_t packetised = packetisedVideo(frameTerm + videoBitrate);
+            const int32_t packetised = packetisedVideo(saturated(frameTerm + videoBitrate));
             const int64_t withOverhead = static_cast<int64_t>(packetised) * (percent + 100) / 100;
-            totalBitrate = static_cast<int32_t>(audio + klv + fixedOverhead + withOverhead);
+            totalBitrate = saturated(audio + klv + fixedOverhead + withOverhead);
         } else if (!encodeVideo) {
             videoBitrate = 0;
         } else {
-            const int64_t payload = static_cast<int64_t>(totalBitrate - audio - klv - fixedOverhead);
-            videoBitrate =
-                static_cast<int32_t>(payload * 18400 / (static_cast<int64_t>(percent + 100) * 188) - frameTerm);
+            const int64_t payload = totalBitrate - audio - klv - fixedOverhead;
+            videoBitrate = saturated(payload * 18400 / ((percent + 100) * 188) - frameTerm);
         }
     } else if (totalBitrate == 0) {
-        totalBitrate = videoBitrate + audio + klv;
+        totalBitrate = saturated(videoBitrate + audio + klv);
     } else {
-        videoBitrate = encodeVideo ? totalBitrate - audio - klv : 0;
+        videoBitrate = encodeVideo ? saturated(totalBitrate - audio - klv) : 0;
     }
-    audioBitrate = audio;
-    klvBitrate = klv;
+    audioBitrate = saturated(audio);
+    klvBitrate = saturated(klv);
 
     DBG(0) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
            << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
