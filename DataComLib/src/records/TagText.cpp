@@ -61,7 +61,7 @@ int getSegment(const std::string& text, int from, const std::string& tag, std::s
         if (found == nullptr)
             break;
         at = static_cast<size_t>(static_cast<const char*>(found) - data);
-        if (at + 1 + length < size && text.compare(at + 1, length, tag) == 0) {
+        if (at + 1 + length < size && std::memcmp(data + at + 1, tag.data(), length) == 0) {
             const char next = data[at + 1 + length];
             if (next == ' ') {
                 withSpace = at;
@@ -71,7 +71,7 @@ int getSegment(const std::string& text, int from, const std::string& tag, std::s
                 plain = at;
         }
         if (plain != std::string::npos && plainClose == std::string::npos && at + 2 + length < size &&
-            data[at + 1] == '/' && text.compare(at + 2, length, tag) == 0 && data[at + 2 + length] == '>')
+            data[at + 1] == '/' && std::memcmp(data + at + 2, tag.data(), length) == 0 && data[at + 2 + length] == '>')
             plainClose = at;
     }
     const size_t start = withSpace != std::string::npos ? withSpace : plain;
