@@ -25,7 +25,7 @@ TestRoot::TestRoot() {
     if (mkdtemp(pattern) == nullptr)
         throw std::runtime_error("TestRoot: mkdtemp failed");
     root = pattern;
-    for (const char* dir : {"/tmp", "/etc", "/etc/sysmgt", "/data", "/data/settings"})
+    for (const char* dir : {"/tmp", "/run", "/etc", "/etc/sysmgt", "/data", "/data/settings"})
         mkdir((root + dir).c_str(), 0777);
     setenv("SYSMGT_ROOT", root.c_str(), 1);
 }

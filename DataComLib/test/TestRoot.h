@@ -3,7 +3,7 @@
 #include <string>
 
 // A temporary directory used as SYSMGT_ROOT for the life of the object, with
-// the appliance's directories (tmp, etc/sysmgt, data/settings) made inside it.
+// the appliance's directories (tmp, run, etc/sysmgt, data/settings) made inside it.
 // Removed with everything in it on destruction. Not thread-safe: make it
 // before starting threads.
 class TestRoot {

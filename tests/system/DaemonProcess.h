@@ -129,8 +129,10 @@ public:
     static constexpr double START_LIMIT_SEC = 60;  // under qemu-arm and sanitizers too
     static constexpr const char* START_FILE = "/tmp/cm.start";
 
-    explicit DaemonSession(const std::string& daemonOptions = "", int simTimeoutSec = 120)
-        : simulator(simTimeoutSec) {
+    // `startFile`: the one the daemon is told to write and the session waits for.
+    explicit DaemonSession(const std::string& daemonOptions = "", int simTimeoutSec = 120,
+                           const std::string& startFile = START_FILE)
+        : simulator(simTimeoutSec), startFile(startFile) {
         factoryInstalled = installFactoryData();
         logger.start(toolCommand("dbglog") + " --timeout " + std::to_string(simTimeoutSec) + " > " +
                      sysmgtPath("/tmp/dbg.log"));
@@ -146,10 +148,10 @@ public:
     }
 
     void startDaemon(const std::string& options = "") {
-        unlink(sysmgtPath(START_FILE).c_str());
-        daemon.start(toolCommand("channel_manager") + " -s " + START_FILE + " " + options + " > " +
+        unlink(sysmgtPath(startFile).c_str());
+        daemon.start(toolCommand("channel_manager") + " -s " + startFile + " " + options + " > " +
                      sysmgtPath("/tmp/daemon.out") + " 2>&1");
-        daemonReady = waitFor([] { return fileExists(START_FILE) && !readText(sysmgtPath(START_FILE)).empty(); },
+        daemonReady = waitFor([this] { return fileExists(startFile) && !readText(sysmgtPath(startFile)).empty(); },
                               START_LIMIT_SEC);
     }
     // Ends the daemon only, as a power cut would (SIGKILL, no clean-up).
@@ -176,6 +178,7 @@ public:
     ChildProcess daemon;
 
 private:
+    std::string startFile;
     bool factoryInstalled = false;
     bool loggerReady = false;
     bool simulatorReady = false;

@@ -3,7 +3,13 @@
 // serves as soon as the start file is there.
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <cstddef>
 #include <cstdlib>
+#include <cstring>
+#include <thread>
 
 #include "DaemonProcess.h"
 
@@ -91,4 +97,44 @@ TEST(ChannelManagerStartup, WithoutOptionsItStaysInTheForegroundAndLogsEverythin
     EXPECT_EQ(0u, session.daemonOutput().find("Clock ret=0 res=")) << session.daemonOutput();
     EXPECT_EQ(std::string::npos, log.find("FATAL")) << log;
     EXPECT_EQ(std::string::npos, session.daemonOutput().find("FATAL"));
+}
+
+// As the systemd unit starts it: the unit's own options and NOTIFY_SOCKET set
+// (a socket in the abstract namespace stands in for the service manager).
+// READY=1 must mean start-up is complete: the start file is there when it arrives.
+TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
+    std::ifstream unit(SYSMGT_SERVICE_UNIT);
+    std::string line, options;
+    while (std::getline(unit, line))
+        if (line.rfind("ExecStart=", 0) == 0 && line.find("/channel_manager ") != std::string::npos)
+            options = line.substr(line.find("/channel_manager ") + 17);
+    ASSERT_NE(std::string::npos, options.find("-s /run/channel_manager.start")) << options;
+    EXPECT_EQ(std::string::npos, options.find("-d")) << "a notify service stays in the foreground";
+
+    const std::string name = "@channel-manager-ready-" + std::to_string(getpid());
+    const int sock = socket(AF_UNIX, SOCK_DGRAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path + 1, name.c_str() + 1, name.size() - 1);
+    ASSERT_EQ(0, bind(sock, reinterpret_cast<sockaddr*>(&address),
+                      static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size())));
+    timeval limit{90, 0};
+    setsockopt(sock, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    std::string ready, startFileAtReady;
+    std::thread manager([&] {
+        char buffer[64];
+        const ssize_t got = recv(sock, buffer, sizeof buffer, 0);
+        startFileAtReady = readText(sysmgtPath("/run/channel_manager.start"));
+        ready.assign(buffer, got > 0 ? static_cast<size_t>(got) : 0);
+    });
+    setenv("NOTIFY_SOCKET", name.c_str(), 1);
+    DaemonSession session(options, 120, "/run/channel_manager.start");
+    unsetenv("NOTIFY_SOCKET");
+    manager.join();
+    close(sock);
+    ASSERT_TRUE(session.ready()) << session.everything();
+    const std::string pid = std::to_string(session.daemon.id());
+    EXPECT_EQ("READY=1", ready);
+    EXPECT_EQ("0:" + pid + ":0\n", startFileAtReady);
+    EXPECT_EQ(pid + "\n", readText(sysmgtPath("/run/channel_manager.pid")));
 }

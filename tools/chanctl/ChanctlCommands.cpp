@@ -1,6 +1,7 @@
 #include "ChanctlCommands.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 
 #include "ChanctlFormat.h"
@@ -91,10 +92,16 @@ Fcodes sendCommand(DataCommunicator& engine, const std::string& socket, const st
 
 }  // namespace
 
+Fcodes sendServiceCommand(DataCommunicator& engine, const std::string& socket, const std::string& id,
+                          const std::vector<std::pair<std::string, std::string>>& params, std::string& replyBody,
+                          unsigned timeoutSec) {
+    return sendCommand(engine, socket, commandText(id, params), replyBody, timeoutSec);
+}
+
 Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
     std::string replyBody;
-    Fcodes code = sendCommand(engine, options.socket, commandText(options.words[0], options.params), replyBody,
-                              options.timeoutSec);
+    Fcodes code = sendServiceCommand(engine, options.socket, options.words[0], options.params, replyBody,
+                                     options.timeoutSec);
     std::fputs(options.json ? commandJson(options.words[0], code, replyBody).c_str() : replyText(replyBody).c_str(),
                out);
     return code;
@@ -152,28 +159,32 @@ Fcodes runEvent(DataCommunicator& engine, const ChanctlOptions& options) {
     return engine.requestEvent(options.socket, event, options.timeoutSec, ONE_TRY);
 }
 
-Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
-    Fcodes result = FC_OK;
-    std::vector<ChannelSummary> channels;
-    std::vector<std::string> labels;
+StatusView readStatus(DataCommunicator& engine, const std::string& socket, unsigned timeoutSec) {
+    StatusView view;
     for (const auto& row : statusRows())
-        labels.push_back(row.label);
+        view.labels.push_back(row.label);
     for (const auto& channel : kChannels) {
         ChannelSummary summary{channel.rowId, channel.title, {}};
         for (const auto& row : statusRows()) {
             std::string value;
-            Fcodes code = exchangeValue(engine, options.socket, false, CHANNEL_DATASET, CHANNELS_TABLE, row.property,
-                                        channel.rowId, "", value, options.timeoutSec);
-            // A service that does not answer at all is not asked 13 more times.
-            if (code == FC_COMM_ERROR) {
-                if (options.json)
-                    std::fputs(statusJson({}, {}, code).c_str(), out);
-                return code;
+            Fcodes code = exchangeValue(engine, socket, false, CHANNEL_DATASET, CHANNELS_TABLE, row.property,
+                                        channel.rowId, "", value, timeoutSec);
+            // A service that does not answer at all is not asked 13 more times;
+            // one without channel data says so at the first read.
+            if (code == FC_COMM_ERROR || (code == FC_NO_SUCH_NAME && view.channels.empty() && summary.cells.empty())) {
+                view.loaded = code != FC_NO_SUCH_NAME;
+                view.code = code == FC_COMM_ERROR ? code : FC_OK;
+                view.channels.clear();
+                return view;
             }
-            result |= code;
+            view.code |= code;
             summary.cells.push_back(isOk(code) ? statusCell(row, value) : "? (" + fcodeText(code) + ")");
+            if (isOk(code) && std::string(row.property) == "Fcode") {
+                summary.fcodeRead = true;
+                summary.fcode = static_cast<uint32_t>(std::strtoul(value.c_str(), nullptr, 0));
+            }
         }
-        channels.push_back(summary);
+        view.channels.push_back(summary);
     }
     // The further rows: shown when the service served the row for a channel.
     for (const auto& row : kFurtherRows) {
@@ -183,16 +194,16 @@ Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* 
             std::string cell;
             Fcodes code;
             if (row.property != nullptr) {
-                code = exchangeValue(engine, options.socket, false, CHANNEL_DATASET, PROCESSING_TABLE, row.property,
-                                     channel.rowId, "", cell, options.timeoutSec);
+                code = exchangeValue(engine, socket, false, CHANNEL_DATASET, PROCESSING_TABLE, row.property,
+                                     channel.rowId, "", cell, timeoutSec);
             } else {
                 const std::string target = channel.rowId + std::string(row.target);
                 const char* properties[] = {"Enabled", "Streaming Protocol", "Target Address", "Target Port"};
                 std::string values[4];
                 code = FC_OK;
                 for (int i = 0; i < 4; ++i)
-                    code |= exchangeValue(engine, options.socket, false, CHANNEL_DATASET, TARGET_TABLE, properties[i],
-                                          target, "", values[i], options.timeoutSec);
+                    code |= exchangeValue(engine, socket, false, CHANNEL_DATASET, TARGET_TABLE, properties[i], target,
+                                          "", values[i], timeoutSec);
                 if (isOk(code))
                     cell = targetCell(values[0], values[1], values[2], values[3]);
             }
@@ -201,13 +212,18 @@ Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* 
         }
         if (!served)
             continue;
-        labels.push_back(row.label);
-        for (size_t i = 0; i < channels.size(); ++i)
-            channels[i].cells.push_back(cells[i]);
+        view.labels.push_back(row.label);
+        for (size_t i = 0; i < view.channels.size(); ++i)
+            view.channels[i].cells.push_back(cells[i]);
     }
-    std::fputs(options.json ? statusJson(labels, channels, result).c_str() : statusTable(labels, channels).c_str(),
-               out);
-    return result;
+    return view;
+}
+
+Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
+    const StatusView view = readStatus(engine, options.socket, options.timeoutSec);
+    if (view.code != FC_COMM_ERROR || options.json)
+        std::fputs(options.json ? statusJson(view).c_str() : statusTable(view).c_str(), out);
+    return view.code;
 }
 
 Fcodes ListenHolder::handle(MessageEvent* event) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ChanctlArgs.h"
+#include "ChanctlFormat.h"
 #include "records/Fcodes.h"
 #include "engine/NullDataHolder.h"
 
@@ -22,6 +23,18 @@ Fcodes runGet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out
 Fcodes runSet(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
 Fcodes runEvent(DataCommunicator& engine, const ChanctlOptions& options);
 Fcodes runStatus(DataCommunicator& engine, const ChanctlOptions& options, FILE* out);
+
+// Both channels of the channel manager at `socket`, as status shows them and
+// chanweb serves them. Before any channel data is loaded the service knows no
+// "ChannelDataSet": the first read says so ("No Such Name") and no other is
+// made, so a service that logs each refused read logs one request, not dozens.
+StatusView readStatus(DataCommunicator& engine, const std::string& socket, unsigned timeoutSec);
+
+// One command with its parameters to the service at `socket`, one try; its
+// verdict as runCommand gives it, the answer's body in `replyBody`.
+Fcodes sendServiceCommand(DataCommunicator& engine, const std::string& socket, const std::string& id,
+                          const std::vector<std::pair<std::string, std::string>>& params, std::string& replyBody,
+                          unsigned timeoutSec);
 
 // One value of a JSON data set of the service at `socket`, read ("GET", empty
 // `setValue` ignored) or written ("SET", `write` true; `value` then receives

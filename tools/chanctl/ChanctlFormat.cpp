@@ -7,6 +7,7 @@
 #include "records/MessageEvent.h"
 #include "records/TagText.h"
 #include "records/WireConstants.h"
+#include "vocab/ChannelConditions.h"
 
 namespace {
 
@@ -25,15 +26,6 @@ std::string hex(uint32_t code) {
     } while (code != 0);
     return "0x" + text;
 }
-
-// The channel condition bits above 0x20000 and their meaning.
-const struct {
-    uint32_t bit;
-    const char* meaning;
-} kChannelConditions[] = {
-    {0x2, "channel error: video input lost"}, {0x4, "data stream: Zixi connection failed"}, {0x8, "data stream lost"},
-    {0x10, "stopped: input format changed"},  {0x20, "stopped by a user command"},
-};
 
 std::string trimmed(const std::string& text) {
     size_t first = text.find_first_not_of(" \t\r\n");
@@ -54,20 +46,10 @@ std::string eventLine(const MessageEvent& event) {
 }
 
 std::string channelFcodeMeaning(uint32_t code) {
-    if ((code & 0xFFFF0000u) != 0x20000u)
-        return fcodeText(static_cast<Fcodes>(code));
-    if (code == 0x20000u)
-        return "informational";
     std::string meaning;
-    uint32_t known = 0;
-    for (const auto& condition : kChannelConditions)
-        if (code & condition.bit) {
-            meaning += (meaning.empty() ? "" : ", ") + std::string(condition.meaning);
-            known |= condition.bit;
-        }
-    if ((code & 0xFFFFu) != known)
-        meaning += (meaning.empty() ? "" : ", ") + std::string("unknown condition");
-    return meaning;
+    for (const std::string& name : channelConditionNames(code))
+        meaning += (meaning.empty() ? "" : ", ") + name;
+    return meaning.empty() ? "none" : meaning;
 }
 
 std::string replyText(const std::string& replyBody) {
@@ -120,14 +102,14 @@ std::string targetCell(const std::string& enabled, const std::string& protocol, 
     return protocol + " " + address + ":" + port;
 }
 
-std::string statusTable(const std::vector<ChannelSummary>& channels) {
-    std::vector<std::string> labels;
-    for (const auto& row : statusRows())
-        labels.push_back(row.label);
-    return statusTable(labels, channels);
-}
+const char* const NOT_LOADED_LINE =
+    "no channel data loaded; load it with: chanctl command LOAD_CHANNELS File=Default (or File=<stored file>)\n";
 
-std::string statusTable(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels) {
+std::string statusTable(const StatusView& view) {
+    if (!view.loaded)
+        return NOT_LOADED_LINE;
+    const std::vector<std::string>& labels = view.labels;
+    const std::vector<ChannelSummary>& channels = view.channels;
     size_t labelWidth = 0;
     for (const auto& label : labels)
         labelWidth = std::max(labelWidth, label.size());

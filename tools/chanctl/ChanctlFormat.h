@@ -15,8 +15,8 @@ class MessageEvent;
 // line breaks inside texts shown as spaces. Ends with a newline.
 std::string eventLine(const MessageEvent& event);
 
-// The meaning of a channel's "Fcode": the shared result texts for 0x1xxxx
-// codes, the channel condition names for 0x2xxxx codes.
+// The meaning of a channel's "Fcode": the names of the channel conditions it
+// holds, from the channel manager's condition table ("none" when it holds none).
 std::string channelFcodeMeaning(uint32_t code);
 
 // What a command's answer body says: the parameters of its Command element as
@@ -28,8 +28,21 @@ std::string replyText(const std::string& replyBody);
 struct ChannelSummary {
     std::string rowId;
     std::string title;
-    std::vector<std::string> cells;  // in the order of statusRows()
+    std::vector<std::string> cells;  // in the order of statusRows(), then the further rows
+    bool fcodeRead = false;          // the "Fcode" was read: `fcode` holds it
+    uint32_t fcode = 0;
 };
+
+// What status shows: both channels, or that no channel data is loaded yet.
+struct StatusView {
+    bool loaded = true;
+    std::vector<std::string> labels;  // of the rows shown
+    std::vector<ChannelSummary> channels;
+    Fcodes code = FC_OK;  // the OR of the reads
+};
+
+// The line status prints before any channel data is loaded.
+extern const char* const NOT_LOADED_LINE;
 
 // The summary rows of the status view: label, "ChannelsTable" property.
 struct StatusRow {
@@ -41,11 +54,10 @@ const std::vector<StatusRow>& statusRows();
 // The cell shown for a value read: the Fcode with its meaning, others as they are.
 std::string statusCell(const StatusRow& row, const std::string& value);
 
-// The channels side by side, one row per summary field.
-std::string statusTable(const std::vector<ChannelSummary>& channels);
-// The same with the labels of the rows shown (the summary fields, then those
-// of the further rows the service served).
-std::string statusTable(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels);
+// The channels side by side, one row per label (the summary fields, then
+// those of the further rows the service served); NOT_LOADED_LINE when the
+// view holds no channel data.
+std::string statusTable(const StatusView& view);
 
 // The cell of a channel target: "off" when it is not enabled, otherwise
 // "PROTOCOL ADDRESS:PORT".

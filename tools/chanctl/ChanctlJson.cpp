@@ -10,6 +10,7 @@
 #include "records/MessageEvent.h"
 #include "records/TagText.h"
 #include "records/WireConstants.h"
+#include "vocab/ChannelConditions.h"
 
 namespace {
 
@@ -75,19 +76,34 @@ std::string valueJson(const std::vector<std::string>& words, bool set, Fcodes co
     return line(object);
 }
 
-std::string statusJson(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels,
-                       Fcodes code) {
+Json::Value statusValue(const StatusView& view) {
     Json::Value object(Json::objectValue);
-    putResult(object, code);
+    putResult(object, view.code);
+    object["loaded"] = view.loaded;
+    if (!view.loaded) {
+        const std::string hint = NOT_LOADED_LINE;
+        object["hint"] = hint.substr(0, hint.size() - 1);
+    }
     Json::Value list(Json::arrayValue);
-    for (const ChannelSummary& channel : channels) {
+    for (const ChannelSummary& channel : view.channels) {
         Json::Value entry(Json::objectValue);
         entry["row"] = channel.rowId;
         entry["title"] = channel.title;
-        for (size_t i = 0; i < labels.size() && i < channel.cells.size(); ++i)
-            entry[labels[i]] = channel.cells[i];
+        for (size_t i = 0; i < view.labels.size() && i < channel.cells.size(); ++i)
+            entry[view.labels[i]] = channel.cells[i];
+        if (channel.fcodeRead) {
+            Json::Value names(Json::arrayValue);
+            for (const std::string& name : channelConditionNames(channel.fcode))
+                names.append(name);
+            entry["condition"]["fcode"] = static_cast<Json::UInt>(channel.fcode);
+            entry["condition"]["names"] = names;
+        }
         list.append(entry);
     }
     object["channels"] = list;
-    return line(object);
+    return object;
+}
+
+std::string statusJson(const StatusView& view) {
+    return line(statusValue(view));
 }

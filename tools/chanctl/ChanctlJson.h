@@ -1,5 +1,7 @@
 #pragma once
 
+#include <json/json.h>
+
 #include <string>
 #include <vector>
 
@@ -24,6 +26,9 @@ std::string commandJson(const std::string& commandId, Fcodes code, const std::st
 // from the words of a get (`set` false) or a set.
 std::string valueJson(const std::vector<std::string>& words, bool set, Fcodes code, const std::string& value);
 
-// {"fcode","result","channels":[{"row","title", LABEL: CELL...}]}, the cells as the table shows them.
-std::string statusJson(const std::vector<std::string>& labels, const std::vector<ChannelSummary>& channels,
-                       Fcodes code);
+// {"fcode","result","loaded","channels":[{"row","title", LABEL: CELL...,
+// "condition":{"fcode","names":[...]}}]}, the cells as the table shows them,
+// "condition" where the channel's Fcode was read; without channel data
+// "loaded" is false, "channels" empty and "hint" says how to load it.
+std::string statusJson(const StatusView& view);
+Json::Value statusValue(const StatusView& view);

@@ -15,6 +15,7 @@
 
 #include "ChanctlArgs.h"
 #include "ChanctlCommands.h"
+#include "QuietDebugLog.h"
 #include "engine/DataCommunicator.h"
 #include "system/DbgPrintClient.h"
 #include "system/SysmgtRoot.h"
@@ -43,38 +44,6 @@ void installSignalHandlers() {
     sigemptyset(&action.sa_mask);
     for (int signo : {SIGINT, SIGTERM, SIGHUP})
         sigaction(signo, &action, nullptr);
-}
-
-// The engine logs into the debug pipe. Opening it blocks while the pipe exists
-// without a reader, and a missing pipe is announced on stdout; a client tool
-// must neither hang nor mix that into its answers. So the log client is made
-// here, first: with a reader present it logs as any process does; otherwise
-// its lines are lost.
-void openDebugLogQuietly() {
-    const std::string pipePath = sysmgtPath("/tmp/sockDbg");
-    int probe = open(pipePath.c_str(), O_WRONLY | O_NONBLOCK);
-    int heldReader = -1;
-    if (probe >= 0) {
-        close(probe);
-    } else if (errno == ENXIO) {
-        heldReader = open(pipePath.c_str(), O_RDONLY | O_NONBLOCK);  // lets the blocking open through
-    }
-    std::fflush(stdout);
-    std::cout.flush();
-    int savedStdout = dup(STDOUT_FILENO);
-    int devNull = open("/dev/null", O_WRONLY);
-    if (devNull >= 0)
-        dup2(devNull, STDOUT_FILENO);
-    DbgPrintClient::getInstance();
-    std::cout.flush();
-    if (savedStdout >= 0) {
-        dup2(savedStdout, STDOUT_FILENO);
-        close(savedStdout);
-    }
-    if (devNull >= 0)
-        close(devNull);
-    if (heldReader >= 0)
-        close(heldReader);
 }
 
 // Says which socket was tried and why nothing may have answered, instead of

@@ -68,12 +68,27 @@ TEST(ChanctlJson, OneObjectPerAnswerAndPerEvent) {
     }
     EXPECT_FALSE(parsed(valueJson({"DS", "C", "P"}, false, FC_NO_SUCH_NAME, "")).isMember("value"));
 
-    Json::Value s = parsed(statusJson({"State", "Target 1"}, {{"HEVC", "HEVC (CH1)", {"Playing", "UDP TS 239.1.1.2:5000"}}},
-                                      FC_OK));
+    StatusView view;
+    view.labels = {"State", "Target 1"};
+    view.channels = {{"HEVC", "HEVC (CH1)", {"Playing", "UDP TS 239.1.1.2:5000"}, true, 0x3000a}};
+    Json::Value s = parsed(statusJson(view));
     ASSERT_EQ(1u, s["channels"].size());
+    EXPECT_TRUE(s["loaded"].asBool());
     EXPECT_EQ("Playing", s["channels"][0]["State"].asString());
     EXPECT_EQ("UDP TS 239.1.1.2:5000", s["channels"][0]["Target 1"].asString());
     EXPECT_EQ("HEVC", s["channels"][0]["row"].asString());
+    // The condition as number and names.
+    const Json::Value& condition = s["channels"][0]["condition"];
+    EXPECT_EQ(0x3000au, condition["fcode"].asUInt());
+    ASSERT_EQ(2u, condition["names"].size());
+    EXPECT_EQ("input lost", condition["names"][0].asString());
+    EXPECT_EQ("data stream condition", condition["names"][1].asString());
+    view.loaded = false;
+    view.channels.clear();
+    Json::Value unloaded = parsed(statusJson(view));
+    EXPECT_FALSE(unloaded["loaded"].asBool());
+    EXPECT_EQ(0u, unloaded["channels"].size());
+    EXPECT_NE(std::string::npos, unloaded["hint"].asString().find("LOAD_CHANNELS File=Default"));
 
     EXPECT_EQ("off", targetCell("false", "UDP TS", "239.1.1.1", "5000"));
     EXPECT_EQ("SRT 127.0.0.1:9000", targetCell("true", "SRT", "127.0.0.1", "9000"));

@@ -86,17 +86,22 @@ TEST(ChanctlFormat, EventLinesFcodeMeaningsAndReplies) {
               "\"Channel Played\" fcode=0x20000 source=\"Source\" status=\"None\" severity=\"None\" "
               "description=\"two lines\" time=\"2026-11-22  03:00:00\" \"RowID\"=\"HEVC\"\n");
 
+    // Named from the daemon's condition table, never as result codes: 0x30008
+    // is "OK" with the data-stream condition, not "No Such Name".
     const std::pair<uint32_t, const char*> meanings[] = {
-        {0x10008, "No Such Name"},
-        {0x20000, "informational"},
-        {0x20002, "channel error: video input lost"},
-        {0x20004, "data stream: Zixi connection failed"},
-        {0x20028, "data stream lost, stopped by a user command"},
-        {0x20050, "stopped: input format changed, unknown condition"},
+        {0x10000, "none"},
+        {0x20000, "none"},
+        {0x30008, "data stream condition"},
+        {0x20002, "input lost"},
+        {0x20004, "Zixi connection failed"},
+        {0x20028, "data stream condition, stopped by user"},
+        {0x30012, "input lost, input format changed"},
+        {0x20050, "input format changed, unknown 0x40"},
+        {0x10008, "unknown 0x8"},
     };
     for (const auto& row : meanings)
         EXPECT_EQ(channelFcodeMeaning(row.first), row.second) << std::hex << row.first;
-    EXPECT_EQ(statusCell(statusRows()[2], "131104"), "0x20020 (stopped by a user command)");
+    EXPECT_EQ(statusCell(statusRows()[2], "131104"), "0x20020 (stopped by user)");
     EXPECT_EQ(statusCell(statusRows()[0], "131104"), "131104");
 
     EXPECT_EQ(replyText("<BODY><Command ID=\"A\" >\n\t<Parameter Name=\"Row\" Value=\"3\" />\n"
@@ -164,6 +169,9 @@ TEST(Chanctl, CommandGetSetStatusAndRefusalsAgainstAService) {
         service.holder.calls().back().find("<Command ID=\"Play\" >\n\t<Parameter Name=\"RowID\" Value=\"HEVC\" />"),
         std::string::npos);
 
+    // Before any channel data: one line that says how to load it, and exit 0.
+    EXPECT_EQ(chanctl("status"), std::make_tuple(0, std::string(NOT_LOADED_LINE), std::string()));
+
     const char* fields[][2] = {{"State", "Playing"},
                                {"Status", "OK"},
                                {"Fcode", "65536"},
@@ -182,14 +190,14 @@ TEST(Chanctl, CommandGetSetStatusAndRefusalsAgainstAService) {
     EXPECT_EQ(service.holder.getNewTextParam("ChannelDataSet", "ChannelsTable", "State", pending, "HEVC"), FC_OK);
     EXPECT_EQ(pending, "Stopped now");
     EXPECT_EQ(std::get<1>(chanctl("status")),
-              "                H.264 (CH0)   HEVC (CH1)\n"
-              "State           Playing       Playing\n"
-              "Status          OK            OK\n"
-              "Fcode           0x10000 (OK)  0x20010 (stopped: input format changed)\n"
-              "Source          SDI 1         SDI 1\n"
-              "Input           1080p30       1080p30\n"
-              "Resolution      H.264 @ 1     H.264 @ 1\n"
-              "Total Bit Rate  8000          8000\n");
+              "                H.264 (CH0)     HEVC (CH1)\n"
+              "State           Playing         Playing\n"
+              "Status          OK              OK\n"
+              "Fcode           0x10000 (none)  0x20010 (input format changed)\n"
+              "Source          SDI 1           SDI 1\n"
+              "Input           1080p30         1080p30\n"
+              "Resolution      H.264 @ 1       H.264 @ 1\n"
+              "Total Bit Rate  8000            8000\n");
 
     // Refusals: non-zero exit, the service's reason on stderr.
     EXPECT_EQ(chanctl("get ChannelDataSet ChannelsTable Nope HEVC"),

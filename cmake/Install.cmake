@@ -1,0 +1,67 @@
+# Install rules and the Debian package (CPack).
+#   cmake --install build [--prefix DIR]
+#   (cd build && cpack -G DEB)      # configure with -DCMAKE_INSTALL_PREFIX=/usr for a device image
+# bin/: the daemon and the tools; the factory datasets to <sysconfdir>/sysmgt,
+# the init script to <sysconfdir>/init.d and the systemd unit to
+# lib/systemd/system. A /usr prefix keeps its configuration in /etc (the GNU
+# rule); any other prefix keeps it under the prefix, so an install into a
+# staging directory stays inside it.
+# appliance_sim is not installed: it stands in for the appliance's own peer
+# services on a laptop (taking their sockets) and reads its data from the
+# source tree.
+include(GNUInstallDirs)
+
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(SYSMGT_SYSCONFDIR /etc)
+else()
+  set(SYSMGT_SYSCONFDIR ${CMAKE_INSTALL_SYSCONFDIR})
+endif()
+set(SYSMGT_BINDIR ${CMAKE_INSTALL_FULL_BINDIR})
+
+set(_installed channel_manager chanctl dbglog)
+if(TARGET chanweb)
+  list(APPEND _installed chanweb)
+endif()
+install(TARGETS ${_installed} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/etc/sysmgt/channel_data_set_vex.json
+              ${PROJECT_SOURCE_DIR}/etc/sysmgt/vsrc_data_set.json
+              ${PROJECT_SOURCE_DIR}/etc/sysmgt/zixistat_data_set.json
+              ${PROJECT_SOURCE_DIR}/etc/sysmgt/srtstat_data_set.json
+        DESTINATION ${SYSMGT_SYSCONFDIR}/sysmgt)
+
+# The service files name the installed daemon; the configured copies are also
+# what the readiness test reads.
+configure_file(${PROJECT_SOURCE_DIR}/etc/systemd/channel_manager.service.in
+               ${PROJECT_BINARY_DIR}/etc/channel_manager.service @ONLY)
+configure_file(${PROJECT_SOURCE_DIR}/etc/init.d/channel_manager.in
+               ${PROJECT_BINARY_DIR}/etc/init.d/channel_manager @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/etc/channel_manager.service DESTINATION lib/systemd/system)
+install(PROGRAMS ${PROJECT_BINARY_DIR}/etc/init.d/channel_manager DESTINATION ${SYSMGT_SYSCONFDIR}/init.d)
+
+# ---- Debian package: one per architecture, named after it ----
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME channel-manager)
+set(CPACK_PACKAGE_VERSION 1.0.0)
+set(CPACK_PACKAGE_CONTACT "Encoder appliance team <appliance@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Channel manager daemon of the encoder appliance, with chanctl and dbglog")
+set(CPACK_DEBIAN_PACKAGE_SECTION misc)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+# Absolute destinations (/etc) go into the staging tree, not the build machine.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
+  # dpkg-shlibdeps reads the armhf libraries of Debian's multiarch tree.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS /usr/lib/arm-linux-gnueabihf)
+endif()
+# The init script is the admin's to edit (its level); the factory datasets
+# are the release's and are replaced on upgrade.
+if(IS_ABSOLUTE "${SYSMGT_SYSCONFDIR}")
+  set(_initScript ${SYSMGT_SYSCONFDIR}/init.d/channel_manager)
+else()
+  set(_initScript ${CMAKE_INSTALL_PREFIX}/${SYSMGT_SYSCONFDIR}/init.d/channel_manager)
+endif()
+file(WRITE ${PROJECT_BINARY_DIR}/etc/debian/conffiles "${_initScript}\n")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/etc/debian/conffiles)
+include(CPack)

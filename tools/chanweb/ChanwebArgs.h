@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// What one chanweb invocation asks for.
+struct ChanwebOptions {
+    bool help = false;
+    std::string bind = "127.0.0.1";
+    int port = 8080;            // 0: any free port (the one taken is printed)
+    bool allowRemote = false;   // --allow-remote: a bind address other than loopback is accepted
+    std::string socket = "/tmp/sockChan";  // the channel manager's
+    std::string www;            // the page's files; "" = found beside the executable
+    unsigned timeoutSec = 0;    // ends by itself after this long; 0 = until a signal
+};
+
+// Reads the command line (without the program name). Returns "" or the reason
+// it cannot run. A bind address other than 127.0.0.1, localhost or ::1 is
+// refused unless --allow-remote is given too: the console has no authentication.
+std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOptions& options);
+
+// The --help text.
+const char* chanwebUsage();

@@ -1,0 +1,153 @@
+// chanweb: a live console of the channel manager in the browser. Serves one
+// page (the files of www/, no build step) on 127.0.0.1, pushes the channel
+// status and the manager's events to it as Server-Sent Events, and turns its
+// buttons into the manager's commands.
+#include <limits.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <httplib.h>
+
+#include "ChannelConsole.h"
+#include "ChanwebArgs.h"
+#include "ConsoleFeed.h"
+#include "QuietDebugLog.h"
+#include "system/SysmgtRoot.h"
+
+namespace {
+
+constexpr auto KEEPALIVE = std::chrono::seconds(15);
+
+bool isFile(const std::string& path) {
+    return access(path.c_str(), R_OK) == 0;
+}
+
+// The page's files: share/chanweb beside an installed program, else the source tree's.
+std::string defaultWww() {
+    char self[PATH_MAX] = {};
+    const ssize_t length = readlink("/proc/self/exe", self, sizeof self - 1);
+    if (length > 0) {
+        std::string dir(self, static_cast<size_t>(length));
+        dir = dir.substr(0, dir.rfind('/'));
+        const std::string installed = dir.substr(0, dir.rfind('/')) + "/share/chanweb";
+        if (isFile(installed + "/index.html"))
+            return installed;
+    }
+    return CHANWEB_SOURCE_WWW;
+}
+
+// Returns on SIGINT, SIGTERM or HUP, or once `timeoutSec` passed (0: no
+// limit). The signals are blocked in every thread and taken here.
+void waitForEnd(const sigset_t& signals, unsigned timeoutSec) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSec);
+    for (;;) {
+        timespec slice{0, 200 * 1000 * 1000};
+        if (sigtimedwait(&signals, nullptr, &slice) > 0)
+            return;
+        if (timeoutSec != 0 && std::chrono::steady_clock::now() >= deadline)
+            return;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ChanwebOptions options;
+    const std::string refused = parseChanwebArgs(std::vector<std::string>(argv + 1, argv + argc), options);
+    if (!refused.empty()) {
+        std::fprintf(stderr, "chanweb: %s\n(chanweb --help tells how to use it)\n", refused.c_str());
+        return 2;
+    }
+    if (options.help) {
+        std::fputs(chanwebUsage(), stdout);
+        return 0;
+    }
+    const std::string www = options.www.empty() ? defaultWww() : options.www;
+    if (!isFile(www + "/index.html")) {
+        std::fprintf(stderr, "chanweb: no index.html in %s\n", www.c_str());
+        return 1;
+    }
+    const std::string tmp = sysmgtPath("/tmp");
+    if (access(tmp.c_str(), W_OK | X_OK) != 0) {
+        std::fprintf(stderr, "chanweb: cannot make its sockets in %s: %s\n", tmp.c_str(), std::strerror(errno));
+        return 1;
+    }
+
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (int signo : {SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&signals, signo);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // before any thread starts
+    signal(SIGPIPE, SIG_IGN);                        // a browser that went away
+    openDebugLogQuietly();
+
+    ConsoleFeed feed;
+    ChannelConsole console(feed, options.socket);
+    httplib::Server server;
+    server.set_mount_point("/", www);
+    server.Get("/api/status", [&](const httplib::Request&, httplib::Response& res) {
+        res.set_content(feed.status().empty() ? "{}" : feed.status(), "application/json");
+    });
+    server.Get("/api/events", [&](const httplib::Request&, httplib::Response& res) {
+        res.set_header("Cache-Control", "no-cache");
+        auto cursor = std::make_shared<uint64_t>(0);
+        res.set_chunked_content_provider("text/event-stream", [&feed, cursor](size_t, httplib::DataSink& sink) {
+            if (feed.closed())
+                return false;
+            std::string chunk = feed.next(*cursor, KEEPALIVE);
+            if (chunk.empty())
+                chunk = ": keep-alive\n\n";
+            return !feed.closed() && sink.write(chunk.data(), chunk.size());
+        });
+    });
+    // A button. The header a page of another origin cannot send without asking
+    // first (and chanweb answers no such question) keeps other sites' pages
+    // from pressing buttons through the visitor's browser.
+    server.Post("/api/press", [&](const httplib::Request& req, httplib::Response& res) {
+        if (req.get_header_value("X-Chanweb") != "1") {
+            res.status = 403;
+            res.set_content("{\"error\":\"X-Chanweb header missing\"}\n", "application/json");
+            return;
+        }
+        const std::string answer = console.press(req.get_param_value("action"), req.get_param_value("row"));
+        if (answer.empty()) {
+            res.status = 400;
+            res.set_content("{\"error\":\"unknown action or row\"}\n", "application/json");
+            return;
+        }
+        res.set_content(answer, "application/json");
+    });
+
+    const int port = options.port == 0 ? server.bind_to_any_port(options.bind)
+                                       : (server.bind_to_port(options.bind, options.port) ? options.port : -1);
+    if (port < 0) {
+        std::fprintf(stderr, "chanweb: cannot listen on %s port %d\n", options.bind.c_str(), options.port);
+        return 1;
+    }
+    console.start();
+    std::thread serving([&] { server.listen_after_bind(); });
+    // stop() ends only a server that runs: wait (bounded) until it does.
+    for (int i = 0; i < 500 && !server.is_running(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    const bool v6 = options.bind.find(':') != std::string::npos;
+    std::printf("chanweb: serving http://%s%s%s:%d/ (channel manager %s)\n", v6 ? "[" : "", options.bind.c_str(),
+                v6 ? "]" : "", port, options.socket.c_str());
+    std::fflush(stdout);
+
+    waitForEnd(signals, options.timeoutSec);
+    feed.close();
+    server.stop();
+    serving.join();
+    console.stop();
+    const std::string receive = "/tmp/chanweb-" + std::to_string(getpid());
+    unlink(sysmgtPath(receive).c_str());
+    unlink(sysmgtPath(receive + "-send").c_str());
+    return 0;
+}
