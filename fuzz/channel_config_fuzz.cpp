@@ -10,8 +10,10 @@
 // Input: the on-the-fly "Total Bitrate" and "Max Bitrate" as two lines of text
 // (as a front end forwards them), then the data set document.
 //
-// Each input gets a fresh holder with the factory data sets and peers reset
-// to their data files, so a failing input fails again on replay. Target
+// Each input starts from the factory data sets and peers reset to their data
+// files, so a failing input fails again on replay; the holder and its threads
+// are made once (threads made per input left LeakSanitizer, checking while a
+// new server thread starts, reporting its receive buffer now and then). Target
 // probes are never started: the document's addresses are the fuzzer's, and
 // nothing may be sent off this machine. Every peer request waits one try of
 // one second at most; the peers answer at once, so an input runs in well under
@@ -46,6 +48,7 @@ struct Peers {
     Peers() {
         gDbgLevel = 5;  // no collector: lines would be formatted and dropped
         readHostFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/mediator_params.json", params);
+        harness.holder = std::make_unique<ShortWaitHolder>();
         fuzz::check(harness.ready(), "the simulated peers and the factory data sets come up");
     }
     ChannelHarness harness;
@@ -117,11 +120,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     h.mediator.model().clearRecords();
     h.device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
     h.recorder.clear();
-    h.holder = std::make_unique<ShortWaitHolder>();
+    h.holder->rollback();
+    for (const char* file : kFactoryFiles)
+        h.holder->loadDataSet(std::string("/etc/sysmgt/") + file);
 
-    // As LOAD_CHANNELS of a stored file: loaded under the name it declares,
-    // then merged with the factory defaults.
-    if (!isOk(h.holder->loadDataSet("/data/settings/fuzz.json")))
+    // As LOAD_CHANNELS of a stored file, then merged with the factory
+    // defaults; loaded as the channel data set whatever name it declares.
+    if (!isOk(h.holder->loadDataSet(ds::CHANNEL, "/data/settings/fuzz.json")))
         return 0;
     h.holder->loadDataSet(ds::DEFAULT, path::FACTORY_CHANNELS);
     h.holder->updateDataSet(ds::CHANNEL, ds::DEFAULT, false, true, false);
