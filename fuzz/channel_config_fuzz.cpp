@@ -105,18 +105,20 @@ void runChannel(ConfigChannelTarnevel& channel, const std::string& row, const st
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static Peers* peers = [] {
+    // Made on first use and ended at exit, which removes the temporary root.
+    static Peers& peers = []() -> Peers& {
         // The simulator prints every message it sees; only a finding matters here.
         fuzz::check(std::freopen("/dev/null", "w", stdout) != nullptr, "stdout to /dev/null");
-        return new Peers();
+        static Peers made;
+        return made;
     }();
-    ChannelHarness& h = peers->harness;
+    ChannelHarness& h = peers.harness;
     fuzz::Input input(data, size);
     const std::string total = input.line(32), max = input.line(32);
     std::ofstream(h.root.host("/data/settings/fuzz.json"), std::ios::binary) << input.rest();
 
     std::string error;
-    h.mediator.model().loadParams(peers->params, error);
+    h.mediator.model().loadParams(peers.params, error);
     h.mediator.model().clearRecords();
     h.device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
     h.recorder.clear();
