@@ -12,7 +12,8 @@
 // previous answer, as a front end's do, paced to at most --rate per second.
 // The daemon runs at -v 5; every process is ended by its pid, the root removed.
 //
-// Usage: soak_bench [--bin DIR] [--count N] [--rate R]
+// Usage: soak_bench [--bin DIR] [--launch PREFIX] [--count N] [--rate R]
+//   --launch PREFIX  put in front of the daemon's command line (a heap profiler, qemu-arm)
 //   --count N  requests and mediator events in all (default 100000)
 //   --rate R   requests per second at most, mediator events included (default 200)
 #include <algorithm>
@@ -142,26 +143,28 @@ struct Soak {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::string bin;
+    std::string bin, prefix;
     long count = 100000;
     double rate = 200;
     for (int i = 1; i + 1 < argc; i += 2) {
         const std::string option = argv[i];
         if (option == "--bin")
             bin = argv[i + 1];
+        else if (option == "--launch")
+            prefix = std::string(argv[i + 1]) + " ";
         else if (option == "--count")
             count = std::max(1000L, std::atol(argv[i + 1]));
         else if (option == "--rate")
             rate = std::max(1.0, std::atof(argv[i + 1]));
         else
-            fail("unknown option " + option + " (usage: soak_bench [--bin DIR] [--count N] [--rate R])");
+            fail("unknown option " + option + " (usage: soak_bench [--bin DIR] [--launch PREFIX] [--count N] [--rate R])");
     }
     if (bin.empty()) {
         std::string self = argv[0];
         bin = self.find('/') == std::string::npos ? "." : self.substr(0, self.rfind('/'));
     }
 
-    Appliance appliance(bin, "");
+    Appliance appliance(bin, prefix);
     const pid_t daemon = appliance.startDaemon();
     EventCounter counter;
     DataCommunicator subscriber;
