@@ -10,14 +10,17 @@
 namespace {
 
 // Every value a record reads comes from between quotes, so it holds none, and
-// the record's own text puts its ID first: what was read, reads back.
+// the record's own text puts its ID first: what was read, reads back, with
+// the '<' and '>' it may hold replaced as the writer replaces them.
 template <typename Record>
 void checkReadsBack(const Record& record, const char* what) {
     std::string written;
     record.toString(written);
     Record again;
     fuzz::check(isOk(again.initFromString(written)), what);
-    fuzz::check(again.id == record.id, what);
+    std::string id;
+    appendTagValue(id, record.id);
+    fuzz::check(again.id == id, what);
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 // Whatever arrives on "/tmp/sockChan", the channel manager keeps answering:
 // malformed, truncated and oversized datagrams, from a sender that never
-// reads a reply.
+// reads a reply, and commands naming files that are no dataset files.
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 
@@ -90,4 +93,54 @@ TEST(ChannelManagerRobustness, TenThousandMalformedDatagramsLeaveItAnswering) {
     EXPECT_TRUE(session.waitLog("doExecute: NOT SUPPORTED command=set dvi mode"));
     EXPECT_EQ(std::string::npos, session.log().find("FATAL"));
     EXPECT_EQ(std::string::npos, session.daemonOutput().find("FATAL"));
+}
+
+// One command each that could hang the server thread, exhaust memory or
+// replace what is not a file: refused at once with its code and log line, and
+// the next command is answered.
+TEST(ChannelManagerRobustness, OneBadCommandLeavesItAnswering) {
+    DaemonSession session;
+    ASSERT_TRUE(session.ready()) << session.everything();
+    ASSERT_EQ(0, symlink("/dev/zero", sysmgtPath("/tmp/zero.json").c_str()));
+    ASSERT_EQ(0, mkfifo(sysmgtPath("/tmp/pipe.json").c_str(), 0600));  // no writer
+    ASSERT_EQ(0, mkdir(sysmgtPath("/tmp/dir.json").c_str(), 0700));
+    ASSERT_EQ(0, std::system(("truncate -s 600M " + sysmgtPath("/tmp/huge.json")).c_str()));  // sparse
+    const struct {
+        const char* args;
+        int status;
+        const char* output;   // part of what chanctl prints
+        const char* logLine;  // "" for none
+    } rows[] = {
+        {"--timeout 60 command LOAD_CHANNELS File=Default", 0, "", "loadChannels: Loading"},
+        {"command LOAD_CHANNELS File=/tmp/zero.json", 1, "Bad Value", "loadDataSet: Not a regular file=/tmp/zero.json"},
+        {"command LOAD_CHANNELS File=/tmp/pipe.json", 1, "Bad Value", "loadDataSet: Not a regular file=/tmp/pipe.json"},
+        {"command LOAD_CHANNELS File=/tmp/sockDbg", 1, "Bad Value", "loadDataSet: Not a regular file=/tmp/sockDbg"},
+        {"command LOAD_CHANNELS File=/tmp/dir.json", 1, "Bad Value", "loadDataSet: Not a regular file=/tmp/dir.json"},
+        {"command LOAD_CHANNELS File=/tmp/huge.json", 1, "Bad Value", "loadDataSet: File too large=/tmp/huge.json"},
+        {"--timeout 60 command LOAD_CHANNELS File=Default", 0, "", ""},
+        {"command STORE_CHANNELS File=/tmp/pipe.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/pipe.json"},
+        {"command STORE_CHANNELS File=/tmp/zero.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/zero.json"},
+        {"command STORE_CHANNELS File=/tmp/dir.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/dir.json"},
+        // The archive's first step cannot write its file: the store is made, the archive is not.
+        {"command STORE_CHANNELS File=/data/settings/channels.json", 1, "Unavailable",
+         "execute: settings archive failed"},
+    };
+    for (const auto& row : rows) {
+        if (std::string(row.output) == "Unavailable") {
+            ASSERT_EQ(0, mkdir(sysmgtPath("/tmp/devsettings.tar").c_str(), 0700));
+        }
+        ToolRun run = chanctl(row.args);
+        EXPECT_EQ(row.status, run.status) << row.args << ": " << run.output;
+        EXPECT_NE(std::string::npos, run.output.find(row.output)) << row.args << ": " << run.output;
+        if (*row.logLine) {
+            EXPECT_TRUE(session.waitLog(row.logLine)) << row.args;
+        }
+        ToolRun next = chanctl("command 'Set DVI mode' DVI_mode=1");
+        EXPECT_EQ(0, next.status) << "after " << row.args << ": " << next.output;
+    }
+    struct stat info {};
+    EXPECT_TRUE(lstat(sysmgtPath("/tmp/zero.json").c_str(), &info) == 0 && S_ISLNK(info.st_mode));
+    EXPECT_TRUE(stat(sysmgtPath("/tmp/pipe.json").c_str(), &info) == 0 && S_ISFIFO(info.st_mode));
+    EXPECT_TRUE(fileExists("/data/settings/channels.json"));
+    EXPECT_TRUE(session.daemon.running());
 }

@@ -94,6 +94,8 @@ TEST(ChannelManagerStartup, WithoutOptionsItStaysInTheForegroundAndLogsEverythin
                                        "init: dataCommunicator started"}))
         << log;
     EXPECT_NE(std::string::npos, log.find("tChanInit")) << log;
+    // The log's task name does not rename the process: pidof and pkill still find it.
+    EXPECT_EQ("channel_manager\n", readText("/proc/" + std::to_string(session.daemon.id()) + "/comm"));
     EXPECT_EQ(0u, session.daemonOutput().find("Clock ret=0 res=")) << session.daemonOutput();
     EXPECT_EQ(std::string::npos, log.find("FATAL")) << log;
     EXPECT_EQ(std::string::npos, session.daemonOutput().find("FATAL"));

@@ -164,6 +164,11 @@ Fcodes MediatorModel::changeBranch(const MessageCommand& request, bool start, st
     return FC_OK;
 }
 
+void MediatorModel::setStatTicks(const std::string& component, uint64_t ticks) {
+    std::lock_guard<std::mutex> guard(mutex);
+    statTicks[component] = ticks;
+}
+
 void MediatorModel::setParam(const std::string& component, const std::string& parameter, const std::string& value) {
     std::lock_guard<std::mutex> guard(mutex);
     params[component][parameter] = value;
@@ -245,7 +250,7 @@ Fcodes MediatorModel::setInput(const std::string& source, const std::string& for
 // 1% dropped and a few recovered, so successive reads differ as they would
 // on the appliance. Caller holds the mutex.
 void MediatorModel::advanceStats(const std::string& component) {
-    const unsigned tick = ++statTicks[component];
+    const uint64_t tick = ++statTicks[component];
     auto& table = params[component];
     const std::string n = std::to_string(tick);
     if (startsWith(component, "Zixi Feeder")) {

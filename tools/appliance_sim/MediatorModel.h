@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <string>
@@ -30,6 +31,9 @@ public:
     // parameter.
     Fcodes serve(const MessageCommand& request, MessageCommand& answer, std::vector<MessageEvent>& events);
 
+    // The statistics of `component` as after `ticks` refreshes: a link that
+    // has run for a long time (the next refresh counts on from there).
+    void setStatTicks(const std::string& component, uint64_t ticks);
     // Sets a parameter as the mediator itself would (control command).
     void setParam(const std::string& component, const std::string& parameter, const std::string& value);
     // The receiver of a video source row now detects `format`: its "Video
@@ -62,7 +66,7 @@ private:
     std::vector<std::string> recordedWrites;
     mutable std::vector<std::string> recordedReads;
     // Refreshes ("Update Stats") seen per component.
-    std::map<std::string, unsigned> statTicks;
+    std::map<std::string, uint64_t> statTicks;  // 64 bits: the counters pass 2^32 on long runs
     // One component name a line, in name order, unless a client put another.
     std::string assemblyText;
 };

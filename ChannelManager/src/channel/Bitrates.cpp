@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "vocab/ChannelVocabulary.h"
+#include "vocab/ValueRanges.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
@@ -60,25 +61,46 @@ int32_t samplesPerAudioFrame(const std::string& format) {
     return 0;
 }
 
-// (video + frame term) x 188 / 184 in 32-bit arithmetic. The product wraps
-// as the target's 32-bit int does (above about 11.4 Mbit/s); computed
-// unsigned so that the wrap is defined behaviour on every build.
-int32_t packetisedVideo(int32_t videoAndFrames) {
-    const int32_t product = static_cast<int32_t>(static_cast<uint32_t>(videoAndFrames) * 188u);
-    return product / 184;
+// (video + frame term) x 188 / 184 in 64-bit arithmetic: in 32 bits the
+// product wraps above about 11.4 Mbit/s of video, which the inverse formula
+// could not undo. int64_t gives the same figures on the host and the 32-bit
+// target.
+int64_t packetisedVideo(int64_t videoAndFrames) {
+    return videoAndFrames * 188 / 184;
 }
 
-// A minimal guard for values no channel has but a stored file can hold (any
-// integer, added by the configuration fuzzer): the model's sums run in 64
-// bits and are narrowed with saturation, and an overhead of -100 per cent or
-// less counts as none, so that no step overflows or divides by zero. A range
-// check of the settings themselves, refusing or clamping with a log line, is
-// the lasting fix; with sane values the figures are the same.
-int32_t saturated(int64_t value) {
-    return value > INT32_MAX ? INT32_MAX : value < INT32_MIN ? INT32_MIN : static_cast<int32_t>(value);
+// A bitrate as the integer property holds it; nothing the model computes from
+// clamped inputs comes near, but stored bitrates near the limit could.
+int32_t asInt(const std::string& rowId, const char* property, int64_t total) {
+    if (total > INT32_MAX || total < INT32_MIN) {
+        DBG(1) << "calcBitrates: rowId=" << rowId << " Error: param=" << property << " val=" << total
+               << " out of range, set to the nearer limit";
+        return total > 0 ? INT32_MAX : INT32_MIN;
+    }
+    return static_cast<int32_t>(total);
 }
 
 }  // namespace
+
+int32_t range::clampLogged(const char* op, const std::string& rowId, const IntRange& range, int64_t value) {
+    if (value >= range.minimum && value <= range.maximum)
+        return static_cast<int32_t>(value);
+    const int32_t bound = value < range.minimum ? range.minimum : range.maximum;
+    DBG(1) << op << ": rowId=" << rowId << " Error: param=" << range.property << " val=" << value
+           << " out of range [" << range.minimum << "," << range.maximum << "], set to " << bound;
+    return bound;
+}
+
+// The Capped VBR margin: how far above the video bitrate the maximum lets
+// the encoder go, in per cent. A maximum below the total (a "Max Bitrate" of
+// 0, say) would give a negative margin, stored as a negative overhead; it is
+// clamped to the overhead's range instead. `video` is not 0 here.
+int32_t ConfigChannelTarnevel::bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo,
+                                             int64_t video) {
+    if (video == 0)
+        return 0;
+    return range::clampLogged(op, rowId, range::OVERHEAD_PERCENT, maxVideo * 100 / video - 100);
+}
 
 // The KLV bitrate of one ingest setting, read from the device manager; a
 // failed read leaves `bitrate` as it was.
@@ -127,7 +149,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
         result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
     }
 
-    int64_t audio = 0;
+    int64_t audio = 0;  // a sum of stored bitrates: 64 bits, clamped at the end
     std::vector<std::string> audioRows;
     result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::CHANNEL_ID, rowId, audioRows);
     for (const std::string& audioRow : audioRows) {
@@ -152,11 +174,16 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     int klv2 = 0;
     result |= readKlvBitrate(ingestKlv, klv1);
     result |= readKlvBitrate(ingestKlv2, klv2);
-    const int64_t klv = static_cast<int64_t>(klv1) + klv2;
+    const int32_t klv = asInt(rowId, prop::KLV_BITRATE, static_cast<int64_t>(klv1) + klv2);
 
-    const int64_t percent = rateControl == value::CBR && overheadPercent > -100 ? overheadPercent : 0;
+    // Clamped to their ranges: (P + 100) is a divisor, and the frame term a product.
+    const int64_t percent =
+        rateControl == value::CBR ? range::clampLogged("calcBitrates", rowId, range::OVERHEAD_PERCENT, overheadPercent)
+                                  : 0;
     const int32_t fixedOverhead = pcrOnVideoPid ? FIXED_OVERHEAD_PCR_ON_VIDEO : FIXED_MUX_OVERHEAD;
-    int64_t frameTerm = std::fabs(frameRate) < 1e9f ? static_cast<int64_t>(frameRate) : 0;
+    const bool representable = std::isfinite(frameRate) && std::fabs(frameRate) < 1e9f;
+    int64_t frameTerm = range::clampLogged("calcBitrates", rowId, range::FRAME_SAMPLING,
+                                           representable ? static_cast<int64_t>(frameRate) : INT32_MAX);
     if (scan == 'i' && rowId == row::HEVC) {
         DBG(0) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
         frameTerm *= FRAME_OVERHEAD_BITS_HEVC_INTERLACED;
@@ -166,22 +193,22 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
 
     if (isTransportProtocol(protocol)) {
         if (totalBitrate == 0) {
-            const int32_t packetised = packetisedVideo(saturated(frameTerm + videoBitrate));
-            const int64_t withOverhead = static_cast<int64_t>(packetised) * (percent + 100) / 100;
-            totalBitrate = saturated(audio + klv + fixedOverhead + withOverhead);
+            const int64_t packetised = packetisedVideo(frameTerm + videoBitrate);
+            const int64_t withOverhead = packetised * (percent + 100) / 100;
+            totalBitrate = asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(audio) + klv + fixedOverhead + withOverhead);
         } else if (!encodeVideo) {
             videoBitrate = 0;
         } else {
-            const int64_t payload = totalBitrate - audio - klv - fixedOverhead;
-            videoBitrate = saturated(payload * 18400 / ((percent + 100) * 188) - frameTerm);
+            const int64_t payload = static_cast<int64_t>(totalBitrate) - audio - klv - fixedOverhead;
+            videoBitrate = asInt(rowId, prop::VIDEO_BITRATE, payload * 18400 / ((percent + 100) * 188) - frameTerm);
         }
     } else if (totalBitrate == 0) {
-        totalBitrate = saturated(videoBitrate + audio + klv);
+        totalBitrate = asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(videoBitrate) + audio + klv);
     } else {
-        videoBitrate = encodeVideo ? saturated(totalBitrate - audio - klv) : 0;
+        videoBitrate = encodeVideo ? asInt(rowId, prop::VIDEO_BITRATE, static_cast<int64_t>(totalBitrate) - audio - klv) : 0;
     }
-    audioBitrate = saturated(audio);
-    klvBitrate = saturated(klv);
+    audioBitrate = asInt(rowId, prop::AUDIO_BITRATE, audio);
+    klvBitrate = klv;
 
     DBG(0) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
            << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
@@ -257,7 +284,7 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
             int maxTotal = maxBitrate;
             int maxVideo = 0;
             result |= calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
-            margin = static_cast<int32_t>(static_cast<int64_t>(maxVideo) * 100 / video - 100);
+            margin = bitrateMargin("changeBitrateOnTheFly", rowId, maxVideo, video);
             DBG(0) << "changeBitrateOnTheFly: rowId=" << rowId << " maxBitrate=" << maxBitrate
                    << " maxVideoBitrate=" << maxVideo << " rateControl=" << rateControl << " margin=" << margin;
             if (rateControl == value::CAPPED_VBR)

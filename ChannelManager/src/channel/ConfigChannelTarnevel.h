@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -99,6 +100,9 @@ public:
     Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
                         int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
     Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
+    // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
+    // range with a log line under `op`; 0 when `video` is 0.
+    static int32_t bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video);
     // Reads back what the encoder chose by itself into the encoder settings.
     Fcodes updateAutomaticParams(const std::string& rowId);
 
@@ -117,7 +121,7 @@ public:
     Fcodes updateZixiStatistics(const std::string& targetRowId);
     Fcodes updateSrtStatistics(const std::string& targetRowId);
     // The number in front of `key` in a comma-separated statistics text; 0 without.
-    static unsigned long parseZixiStat(const std::string& text, const std::string& key);
+    static uint64_t parseZixiStat(const std::string& text, const std::string& key);
     // "Data Stream", "Zixi Connection Failed", "Zixi Change Bitrate Request",
     // "Srt New Client Request"; borrows the event.
     Fcodes handleDataStreamEvent(MessageEvent* event);

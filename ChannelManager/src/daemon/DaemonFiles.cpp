@@ -35,8 +35,15 @@ bool writeStartFile(const std::string& path) {
 }
 
 bool notifyServiceManager() {
-    const char* target = std::getenv("NOTIFY_SOCKET");
-    if (target == nullptr || *target == '\0')
+    // Copied under the environment lock: the engine's threads are running by now.
+    std::string socketName;
+    lockEnvironment();
+    const char* variable = std::getenv("NOTIFY_SOCKET");
+    if (variable != nullptr)
+        socketName = variable;
+    unlockEnvironment();
+    const char* target = socketName.c_str();
+    if (*target == '\0')
         return false;
     sockaddr_un address{};
     address.sun_family = AF_UNIX;

@@ -3,7 +3,6 @@
 #include "manager/ChannelMngr.h"
 
 #include <pthread.h>
-#include <sys/prctl.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +14,7 @@
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
+#include "system/SysmgtRoot.h"
 
 ChannelMngr* ChannelMngr::instance = nullptr;
 
@@ -32,8 +32,9 @@ void ChannelMngr::init() {
                 static_cast<long>(resolution.tv_nsec));
     std::fflush(stdout);
 
+    // The log's task name only: renaming the kernel thread would rename the
+    // process itself, and ps, pidof and pkill would no longer find it.
     setTaskName(pthread_self(), "tChanInit");
-    prctl(PR_SET_NAME, "tChanInit", 0, 0, 0);
     DataHolder::init("tChMngr");
 
     // The channel data itself comes later, with "LOAD_CHANNELS".
@@ -53,8 +54,7 @@ void ChannelMngr::init() {
     if (isOk(requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::DATE_TIME, vocab::prop::TZ, zone,
                                  ""))) {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
-        setenv("TZ", zone.c_str(), 1);
-        tzset();
+        setTimeZone(zone);
     }
     engine->requestSubscribe(wire::SOCK_DEV);
 
@@ -127,6 +127,10 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     Fcodes result = loadDataSet(path);
     if (!isOk(result))
         return result;
+    // Edits pending on the channel data belonged to the data just replaced:
+    // committed onto the loaded (or factory) data they would be stale. The
+    // store itself keeps pending values across a load; the manager drops them.
+    untouchDataSet(vocab::ds::CHANNEL);
 
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.

@@ -45,7 +45,8 @@ public:
     // the running channels, then commits every pending change.
     Fcodes acceptChanges() override;
     // Stops every channel, loads the file (merged with the factory defaults
-    // unless it is the factory file) and configures both channels.
+    // unless it is the factory file), drops the channel data's pending edits
+    // and configures both channels.
     Fcodes loadChannels(const std::string& path);
     // Refreshes every video source of "VideoSourceDataSet"; the OR of the results.
     Fcodes initSources();

@@ -1,13 +1,14 @@
 // The commands the channel manager answers on "/tmp/sockChan": an ordered
 // table of command IDs, first whole-text match wins; anything else goes to
 // the worker, which refuses it.
-#include <cstdlib>
+#include <cstddef>
 #include <string>
 
 #include "manager/ChannelMngr.h"
 #include "vocab/ChannelVocabulary.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "records/MessageCommand.h"
+#include "side/BoundedCommand.h"
 #include "system/DbgPrintClient.h"
 #include "system/SysmgtRoot.h"
 
@@ -27,11 +28,32 @@ std::string shellPath(const std::string& logicalPath) {
 }
 
 // The settings archive, "/tmp/devsettings.tgz", left for other services to fetch.
+// The steps are chained with "&&" so that any failing step fails the line,
+// and gzip runs with -f so that a leftover .tar.gz is replaced, never asked
+// about or kept and published again.
 std::string settingsArchiveLine() {
     const std::string tar = shellPath("/tmp/devsettings.tar");
     const std::string gz = shellPath("/tmp/devsettings.tar.gz");
-    return "tar cvf " + tar + " " + shellPath(vocab::path::SETTINGS_DIR) + ";gzip " + tar + ";mv " + gz + " " +
-           shellPath("/tmp/devsettings.tgz");
+    return "tar cvf " + tar + " " + shellPath(vocab::path::SETTINGS_DIR) + " 2>&1 && gzip -f " + tar + " 2>&1 && mv -f " +
+           gz + " " + shellPath("/tmp/devsettings.tgz") + " 2>&1";
+}
+
+// The bound of the archive line. The settings are a few small files, archived
+// in well under a second; ten seconds leaves room for a busy flash while the
+// front end still gets its answer (the server thread waits for the line).
+constexpr int ARCHIVE_LIMIT_MS = 10000;
+// What of the line's output is kept for the failure's log line.
+constexpr std::size_t ARCHIVE_OUTPUT_KEPT = 512;
+
+// Runs the archive line within its bound; "Unavailable" when it fails or is
+// killed at the bound.
+Fcodes writeSettingsArchive() {
+    const BoundedRun run = runBounded(settingsArchiveLine(), ARCHIVE_LIMIT_MS, ARCHIVE_OUTPUT_KEPT);
+    if (run.started && !run.timedOut && run.status == 0)
+        return FC_OK;
+    DBG(DBG_ERROR) << "execute: settings archive failed started=" << run.started << " timedOut=" << run.timedOut
+                   << " status=" << run.status << " output=" << run.output;
+    return FC_UNAVAILABLE;
 }
 
 }  // namespace
@@ -89,7 +111,12 @@ Fcodes ChannelMngr::runAcceptChanges(const MessageCommand& command, const std::s
 
 Fcodes ChannelMngr::runRollbackChanges(const MessageCommand& command, const std::string&, std::string&) {
     DBG(DBG_INFO) << "execute: command=" << command.getId();
-    return rollbackChanges();
+    // The command discards every pending edit, the JSON datasets' as well, so
+    // that "Accept Changes" has nothing stale left to commit. (rollbackChanges
+    // alone stays tabular: the engine also calls it after a refused SET, which
+    // must not take other clients' pending JSON edits with it.)
+    rollbackChanges();
+    return rollback() | FC_OK;
 }
 
 Fcodes ChannelMngr::runLoadChannels(const MessageCommand& command, const std::string&, std::string&) {
@@ -120,8 +147,8 @@ Fcodes ChannelMngr::runStoreChannels(const MessageCommand& command, const std::s
     }
     DBG(DBG_SYS) << "execute: After Storing file=" << file;
     sendCfgEvent(vocab::ev::CHANNELS_STORED, file, result);
-    if (file.find(vocab::path::SETTINGS_DIR) != std::string::npos && std::system(settingsArchiveLine().c_str()) != 0)
-        result |= FC_UNAVAILABLE;
+    if (file.find(vocab::path::SETTINGS_DIR) != std::string::npos)
+        result |= writeSettingsArchive();
     return result;
 }
 

@@ -10,6 +10,7 @@
 #include "vocab/ChannelVocabulary.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "system/DbgPrintClient.h"
+#include "system/SysmgtRoot.h"
 
 const ChannelMngr::EventRoute ChannelMngr::eventRoutes[] = {
     {vocab::ev::AUTO_DETECTION, &ChannelMngr::onAutoDetection},
@@ -110,8 +111,7 @@ Fcodes ChannelMngr::onDateTime(MessageEvent& event) {
     std::string zone;
     if (event.getParam(vocab::cmd::PARAM_TZ, zone) != 0) {
         DBG(DBG_SYS) << "doHandle: setenv TZ=" << zone;
-        setenv("TZ", zone.c_str(), 1);
-        tzset();
+        setTimeZone(zone);
     }
     return FC_OK;
 }

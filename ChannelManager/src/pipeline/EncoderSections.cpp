@@ -120,7 +120,7 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
             int total = run.maxBitrate, maxVideo = 0, audio = 0, klv = 0;
             run.result |= calcBitrates(run.rowId, total, maxVideo, static_cast<float>(run.frameSampling), audio, klv,
                                        run.pcrPid == run.videoPid);
-            margin = static_cast<int>(static_cast<int64_t>(maxVideo) * 100 / run.videoBitrate - 100);
+            margin = bitrateMargin("configChannel", run.rowId, maxVideo, run.videoBitrate);
             DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " maxBitrate=" << run.maxBitrate
                           << " maxVideoBitrate=" << maxVideo << " rateControl=" << run.rateControl
                           << " margin=" << margin;

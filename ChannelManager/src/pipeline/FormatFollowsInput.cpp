@@ -80,7 +80,8 @@ int pipeline::gopSizeRough(int frameSampling, const std::string& gopStructure) {
     if (gopStructure == value::GOP_I || frameSampling <= 0)
         return 1;
     const char* sub = lookup(HEVC_GOP_SUB_SIZE, gopStructure);
-    const int subGop = sub ? std::atoi(sub) : (gopStructure == "IBBrBP" ? 4 : 1);
+    const int tableSize = sub ? std::atoi(sub) : (gopStructure == "IBBrBP" ? 4 : 1);
+    const int subGop = tableSize > 0 ? tableSize : 1;  // a divisor
     const int rough = frameSampling / subGop * subGop;
     return rough > 0 ? rough : subGop;
 }

@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <chrono>
 
+#include "system/SysmgtRoot.h"
+
 extern char** environ;
 
 namespace {
@@ -50,8 +52,12 @@ pid_t spawnShell(const std::string& line, int writeEnd) {
     std::string shell = "sh", option = "-c", command = line;
     char* argv[] = {&shell[0], &option[0], &command[0], nullptr};
     pid_t pid = -1;
+    // The child gets a copy of the environment: taken under the environment
+    // lock, so that a "TZ" update on another thread cannot move it meanwhile.
+    lockEnvironment();
     if (posix_spawn(&pid, "/bin/sh", &actions, &attributes, argv, environ) != 0)
         pid = -1;
+    unlockEnvironment();
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return pid;

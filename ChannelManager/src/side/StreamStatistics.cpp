@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -101,30 +102,33 @@ Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::str
     return code;
 }
 
+// Counters are published as 64-bit integers on every build: a busy target
+// passes 2^31 packets within days, and a 32-bit figure would freeze there.
 Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, const char* property,
-               unsigned long long value, const std::string& rowId) {
-    return holder.initIntParam(dataSet, component, property, side::clampToInt(value), rowId) | FC_OK;
+               uint64_t value, const std::string& rowId) {
+    const int64_t published = value > static_cast<uint64_t>(INT64_MAX) ? INT64_MAX : static_cast<int64_t>(value);
+    return holder.initInt64Param(dataSet, component, property, published, rowId) | FC_OK;
 }
 
 }  // namespace
 
 // Naive by design: the first occurrence of the key decides, and the number
 // is whatever stands between the last comma before it and the key.
-unsigned long ConfigChannelTarnevel::parseZixiStat(const std::string& text, const std::string& key) {
+uint64_t ConfigChannelTarnevel::parseZixiStat(const std::string& text, const std::string& key) {
     const std::string::size_type position = text.find(key);
     if (position == std::string::npos || key.empty())
         return 0;
     const std::string::size_type comma = position == 0 ? std::string::npos : text.rfind(',', position - 1);
     const std::string::size_type start = comma == std::string::npos ? 0 : comma + 1;
     const std::string item = text.substr(start, position - start);
-    return std::strtoul(item.c_str(), nullptr, 0);
+    return std::strtoull(item.c_str(), nullptr, 0);  // 64 bits also where long is 32
 }
 
 // "Packet Loss" is the share of dropped packets in percent, rounded to the
 // nearest whole percent (0 while no packet was sent): the figure an operator
 // compares against the link's tolerated loss. 64-bit maths, so that counters
 // near the 32-bit limit do not overflow.
-static unsigned long long packetLossPercent(unsigned long long dropped, unsigned long long total) {
+static uint64_t packetLossPercent(uint64_t dropped, uint64_t total) {
     if (total == 0)
         return 0;
     if (dropped >= total)
@@ -157,8 +161,7 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     read = readStatText(holder, targetRowId, feeder, ERROR_CORRECTION_STATS, text);
     result |= read;
     if (isOk(read)) {
-        const unsigned long long recovered = static_cast<unsigned long long>(parseZixiStat(text, " arq_recovered")) +
-                                             parseZixiStat(text, " fec_recovered");
+        const uint64_t recovered = parseZixiStat(text, " arq_recovered") + parseZixiStat(text, " fec_recovered");
         result |=
             publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::RECOVERED_PACKETS, recovered, targetRowId);
         result |= publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::NON_RECOVERED_PACKETS,
@@ -176,9 +179,9 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
 
 // The sender reports its bitrate in Mbit/s with decimals ("8.5"); it is
 // published in kbit/s (factor 1000), rounded to the nearest unit.
-static unsigned long long mbpsToKbps(const std::string& text) {
-    const double mbps = std::strtod(text.c_str(), nullptr);
-    return mbps > 0 ? static_cast<unsigned long long>(mbps * 1000.0 + 0.5) : 0;
+static uint64_t mbpsToKbps(const std::string& text) {
+    const double kbps = std::strtod(text.c_str(), nullptr) * 1000.0 + 0.5;
+    return kbps >= 1 ? (kbps < 9e18 ? static_cast<uint64_t>(kbps) : UINT64_MAX) : 0;
 }
 
 Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId) {

@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "vocab/ValueRanges.h"
+
 // The JSON dataset names the channel logic reads and writes, each with the
 // kind of value it expects. The factory datasets in etc/sysmgt are checked
 // against this list by a test, so the code and the files cannot drift apart:
@@ -12,6 +14,8 @@ struct SchemaEntry {
     const char* component;
     const char* property;
     Kind kind;
+    // The range the code clamps the value to, which the factory file states too; none when null.
+    const range::IntRange* range = nullptr;
 };
 
 const std::vector<SchemaEntry>& channelSchema();

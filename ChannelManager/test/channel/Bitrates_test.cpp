@@ -91,9 +91,19 @@ TEST(ChannelBitrates, CalcBitratesModelsTheTransportStream) {
         {"RTP ES from the total", {H, "RTP ES", I, "CBR", 10, 128000, AAC, K48, "IP", N, true}, 5000000, 0, 25, false,
          5000000, 4724500, 211500, 64000},
         {"no target", {H, "", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false, 4000000, 4000000, 0, 0},
-        // The packetisation is 32-bit: above about 11.4 Mbit/s it wraps, alike on every build.
-        {"32-bit wrap", {H, "UDP TS", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 12000000, 25, false, -10984464,
+        // The packetisation is 64-bit: no wrap above 11.4 Mbit/s, and the inverse gives the video back.
+        {"12 Mbit/s", {H, "UDP TS", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 12000000, 25, false, 12357749,
          12000000, 0, 0},
+        {"12 Mbit/s from the total", {H, "UDP TS", I, "CBR", 0, 0, AAC, K48, N, N, true}, 12357749, 0, 25, false,
+         12357749, 11999999, 0, 0},
+        // Stored nonsense is clamped: an overhead of -100 % would divide by zero, 300 % is capped at 200 %,
+        // and a frame rate beyond 240 counts as 240.
+        {"overhead -100 %", {H, "UDP TS", I, "CBR", -100, 0, AAC, K48, N, N, true}, 4183836, 0, 25, false, 4183836,
+         3999999, 0, 0},
+        {"overhead 300 %", {H, "UDP TS", I, "CBR", 300, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false, 12403114,
+         4000000, 0, 0},
+        {"frame rate 1e9", {H, "UDP TS", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 4000000, 1e9f, false, 4378906,
+         4000000, 0, 0},
     };
     for (const Row& r : rows) {
         apply(h, r.in);
@@ -181,6 +191,12 @@ TEST(ChannelBitrates, OnTheFlyH264MinimumAndMargins) {
     // The second change's "Bitrate" write was refused; its margin still went out.
     EXPECT_EQ((std::vector<std::string>{"Bitrate=100000", "Bitrate Margin=25", "Bitrate Margin=21"}),
               encoderWrites(h, "Video Encoder CH0"));
+
+    // A "Max Bitrate" of 0 would make the margin -100 and store it as the overhead: both stay at 0.
+    EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::H264, 5000000, 0));
+    h.holder->getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overhead, row::H264);
+    EXPECT_EQ(0, overhead);
+    EXPECT_EQ("Bitrate Margin=0", encoderWrites(h, "Video Encoder CH0").back());
 
     h.recorder.clear();
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::ALL, 5000000, 6000000));

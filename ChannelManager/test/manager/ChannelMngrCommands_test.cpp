@@ -133,4 +133,17 @@ TEST(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
     std::string name;
     EXPECT_EQ(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
     EXPECT_EQ("Studio", name);
+
+    // "Rollback Changes" drops the JSON datasets' pending edits too.
+    ASSERT_EQ(FC_OK, h.manager.setTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", "Stale", "HEVC"));
+    EXPECT_EQ(FC_OK, h.execute("Rollback Changes"));
+    EXPECT_FALSE(h.manager.isChanged());
+    // LOAD_CHANNELS drops the pending edits of the channel data it replaces, and only those.
+    ASSERT_EQ(FC_OK, h.manager.setTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", "Stale", "HEVC"));
+    ASSERT_EQ(FC_OK, h.manager.setTextParam("VideoSourceDataSet", "VideoSourceTable", "Input Detected", "X", "DVI-D"));
+    h.execute("LOAD_CHANNELS", {{"File", "Default"}});
+    EXPECT_FALSE(h.manager.isChangedDataSet("ChannelDataSet"));
+    EXPECT_TRUE(h.manager.isChangedDataSet("VideoSourceDataSet"));
+    EXPECT_EQ(FC_OK, h.manager.getNewTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
+    EXPECT_EQ("HEVC Stream 1", name) << "the factory name, not the stale edit";
 }

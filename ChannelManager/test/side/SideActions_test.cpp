@@ -28,6 +28,9 @@ TEST(ChannelSap, AnnouncesTargetsWithSapWhilePlayingAndWithdrawsThemOtherwise) {
     h.holder->initBoolParam(ds::CHANNEL, tbl::TARGET, prop::SAP, true, t2);
     h.holder->initBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, true, t2);
     h.holder->initTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, "RTP ES", t2);
+    // A name from a loaded file that tries to inject a parameter: its delimiters are replaced.
+    h.holder->initTextParam(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_NAME, "S2\"/><Parameter Name=\"TTL\" Value=\"255",
+                            t2);
     h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x30008, row::H264);
     // HEVC Target1 is enabled without SAP: never announced.
 
@@ -38,7 +41,8 @@ TEST(ChannelSap, AnnouncesTargetsWithSapWhilePlayingAndWithdrawsThemOtherwise) {
     std::vector<std::string> expected = {
         "START_SAP ChannelName=H.264 Stream 1 DestinationIp=239.1.1.1 DestinationPort=5000" + common +
             "SdpFile= Status=OK Streaming Protocol=UDP TS TTL=16",
-        "START_SAP ChannelName=H.264 Stream 2 DestinationIp=239.1.1.2 DestinationPort=5010" + common +
+        "START_SAP ChannelName=S2'/)(Parameter Name='TTL' Value='255 DestinationIp=239.1.1.2 DestinationPort=5010" +
+            common +
             "SdpFile=/srv/http/webui/sdp/H.264_Target2.sdp Status=OK Streaming Protocol=RTP ES TTL=16",
     };
     EXPECT_EQ(h.sap.model().requests(), expected);
@@ -48,7 +52,8 @@ TEST(ChannelSap, AnnouncesTargetsWithSapWhilePlayingAndWithdrawsThemOtherwise) {
     setState(h, row::H264, state::STOPPING);
     EXPECT_EQ(h.channel().sapAction(row::H264), FC_OK);
     expected.push_back("STOP_SAP ChannelName=H.264 Stream 1 DestinationIp=239.1.1.1 DestinationPort=5000");
-    expected.push_back("STOP_SAP ChannelName=H.264 Stream 2 DestinationIp=239.1.1.2 DestinationPort=5010");
+    expected.push_back(
+        "STOP_SAP ChannelName=S2'/)(Parameter Name='TTL' Value='255 DestinationIp=239.1.1.2 DestinationPort=5010");
     EXPECT_EQ(h.sap.model().requests(), expected);
     EXPECT_TRUE(h.sap.model().streams().empty());
 

@@ -8,7 +8,7 @@ TEST(ChannelStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
     struct Row {
         const char* text;
         const char* key;
-        unsigned long expected;
+        uint64_t expected;
     };
     const Row rows[] = {
         {"1200 packets, 0 dropped", " dropped", 0},
@@ -21,6 +21,10 @@ TEST(ChannelStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
         {"5 packets, 3 packet_rate", " packet", 5},  // naive: the first occurrence decides
         {"5 packets, x dropped", " dropped", 0},     // no number in front
         {"1,2,3 jitter", " jitter", 3},
+        // 64 bits on every build: past 2^31 and 2^32, saturating beyond 2^64.
+        {"2147483648 packets", " packets", 2147483648ULL},
+        {"5000000000 packets", " packets", 5000000000ULL},
+        {"99999999999999999999 packets", " packets", UINT64_MAX},
     };
     for (const Row& row : rows)
         EXPECT_EQ(ConfigChannelTarnevel::parseZixiStat(row.text, row.key), row.expected)
@@ -68,6 +72,13 @@ TEST(ChannelStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
     EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_UNAVAILABLE);
     EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), 2000);
     EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, target), 15);
+
+    // A link that has run for months: counters past 2^32 are published whole.
+    h.mediator.model().setStatTicks("Zixi Feeder CH1 2", 4999999);
+    EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_OK);
+    EXPECT_EQ(textOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), "5000000000");
+    EXPECT_EQ(textOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::DROPPED_PACKETS, target), "50000000");
+    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::PACKET_LOSS, target), 1);
 
     EXPECT_EQ(h.channel().updateZixiStatistics("HEVC"), FC_NO_SUCH_NAME);
     EXPECT_EQ(h.channel().updateSrtStatistics("H.264 Target3"), FC_NO_SUCH_NAME);

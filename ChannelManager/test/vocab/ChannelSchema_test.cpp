@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <json/json.h>
 
+#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
@@ -30,6 +32,9 @@ TEST(ChannelSchema, FactoryDatasetsHoldEveryNameTheCodeUses) {
         ASSERT_TRUE(installFactoryFile(root, file)) << file;
         ASSERT_EQ(FC_OK, store->loadDataSet(std::string("/etc/sysmgt/") + file)) << file;
     }
+    Json::Value channelFile;  // the ranges are read from the file itself: the store does not keep them apart
+    std::ifstream channelText(std::string(SYSMGT_FACTORY_DIR) + "/channel_data_set_vex.json");
+    channelText >> channelFile;
     std::set<std::string> named;
     for (const SchemaEntry& entry : channelSchema()) {
         const std::string where = std::string(entry.dataSet) + "/" + entry.component + "/" + entry.property;
@@ -40,6 +45,11 @@ TEST(ChannelSchema, FactoryDatasetsHoldEveryNameTheCodeUses) {
                                                      defaultValue, values))
             << where;
         EXPECT_EQ(typeOf(entry.kind), type) << where;
+        if (entry.range) {
+            const Json::Value& definition = channelFile["components"][entry.component]["properties"][entry.property];
+            EXPECT_EQ(entry.range->minimum, definition.get("minimum", -1).asInt()) << where;
+            EXPECT_EQ(entry.range->maximum, definition.get("maximum", -1).asInt()) << where;
+        }
         std::vector<std::string> keys;
         store->getInstances(entry.dataSet, entry.component, keys);
         if (keys.empty()) keys.push_back("");  // the single "instance"

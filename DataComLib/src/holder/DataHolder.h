@@ -211,6 +211,9 @@ public:
                          bool value, int index) override;
     Fcodes initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                          bool value, const std::string& key) override;
+    // The store's 64-bit committed write (statistics counters).
+    Fcodes initInt64Param(const std::string& dataSet, const std::string& component, const std::string& property,
+                          int64_t value, const std::string& key);
     Fcodes commit() override;
     Fcodes commitComponent(const std::string& dataSet, const std::string& component) override;
     Fcodes rollback() override;

@@ -217,6 +217,11 @@ Fcodes DataHolder::initBoolParam(const std::string& dataSet, const std::string& 
     return dataSets_json ? dataSets_json->initBoolParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
 }
 
+Fcodes DataHolder::initInt64Param(const std::string& dataSet, const std::string& component, const std::string& property,
+                                  int64_t value, const std::string& key) {
+    return dataSets_json ? dataSets_json->initInt64Param(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+}
+
 Fcodes DataHolder::commit() {
     return dataSets_json ? dataSets_json->commit() : FC_UNAVAILABLE;
 }

@@ -145,6 +145,8 @@ public:
                          bool value, int index) override;
     Fcodes initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                          bool value, const std::string& key) override;
+    Fcodes initInt64Param(const std::string& dataSet, const std::string& component, const std::string& property,
+                          int64_t value, const std::string& key) override;
 
     // Touching makes the pending entry a full copy of the committed one, so
     // that the next commit rewrites every value; values pending before are

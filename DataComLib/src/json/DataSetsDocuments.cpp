@@ -1,8 +1,10 @@
 // DataSets: construction, the mutex, and whole documents and components.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include "system/AtomicFile.h"
 #include "json/DataSets.h"
@@ -10,6 +12,56 @@
 #include "system/SysmgtRoot.h"
 
 using dsjson::member;
+
+namespace {
+
+// The largest dataset file read. The factory channel data is about 30 KiB and
+// a stored channel file the same; 1 MiB leaves room for growth while the
+// parsed tree (several times the text) stays small beside the appliance's
+// memory. A larger file is refused rather than read.
+constexpr off_t MAX_DATASET_FILE_BYTES = 1024 * 1024;
+
+// Reads a dataset file: only a regular file, and only up to the limit. The
+// open does not wait (a named pipe without a writer would block it), and the
+// kind and size are taken from the opened file itself.
+Fcodes readDatasetFile(const std::string& file, std::string& text) {
+    const int fd = open(sysmgtPath(file).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        DBG(DBG_ERROR) << "loadDataSet: file stream !good " << file;
+        return FC_NO_SUCH_NAME;
+    }
+    struct stat info {};
+    Fcodes result = FC_OK;
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        DBG(DBG_ERROR) << "loadDataSet: Not a regular file=" << file;
+        result = FC_BAD_VALUE;
+    } else if (info.st_size > MAX_DATASET_FILE_BYTES) {
+        DBG(DBG_ERROR) << "loadDataSet: File too large=" << file << " size=" << info.st_size
+                       << " limit=" << MAX_DATASET_FILE_BYTES;
+        result = FC_BAD_VALUE;
+    } else {
+        // The size may change after fstat: the read itself stops one byte past the limit.
+        text.resize(static_cast<size_t>(MAX_DATASET_FILE_BYTES) + 1);
+        size_t filled = 0;
+        while (filled < text.size()) {
+            const ssize_t got = read(fd, &text[filled], text.size() - filled);
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got <= 0)
+                break;
+            filled += static_cast<size_t>(got);
+        }
+        text.resize(filled);
+        if (filled > static_cast<size_t>(MAX_DATASET_FILE_BYTES)) {
+            DBG(DBG_ERROR) << "loadDataSet: File too large=" << file << " limit=" << MAX_DATASET_FILE_BYTES;
+            result = FC_BAD_VALUE;
+        }
+    }
+    close(fd);
+    return result;
+}
+
+}  // namespace
 
 DataSets::DataSets() = default;
 
@@ -50,16 +102,13 @@ Fcodes DataSets::loadDataSet(const std::string& name, const std::string& file) {
 // Reads and parses outside the lock; only the final swap into `datasets` holds it.
 Fcodes DataSets::loadDocument(const std::string* name, const std::string& file) {
     try {
-        std::ifstream in(sysmgtPath(file), std::ios::binary);
-        if (!in.good()) {
-            DBG(DBG_ERROR) << "loadDataSet: file stream !good " << file;
-            return FC_NO_SUCH_NAME;
-        }
-        std::stringstream text;
-        text << in.rdbuf();
+        std::string text;
+        const Fcodes read = readDatasetFile(file, text);
+        if (!isOk(read))
+            return read;
         Json::Value root;
         std::string errors;
-        if (!dsjson::parseDocument(text.str(), root, errors)) {
+        if (!dsjson::parseDocument(text, root, errors)) {
             DBG(DBG_ERROR) << "loadDataSet: Failed to parse a dataset from file=" << file << "\n err=" << errors;
             return FC_BODY_ERROR;
         }
@@ -98,6 +147,13 @@ Fcodes DataSets::storeDataSet(const std::string& name, const std::string& file) 
     });
     if (!isOk(result))
         return result;
+    // A file is replaced only by a file: a device, a pipe or a directory of
+    // that name stays as it is.
+    struct stat existing {};
+    if (stat(sysmgtPath(file).c_str(), &existing) == 0 && !S_ISREG(existing.st_mode)) {
+        DBG(DBG_ERROR) << "storeDataSet: Not a regular file=" << file;
+        return FC_BAD_VALUE;
+    }
     int error = writeFileAtomically(file, text);
     if (error != 0) {
         DBG(DBG_ERROR) << "storeDataSet: Couldn't write file=" << file << " errno=" << error << " " << strerror(error);

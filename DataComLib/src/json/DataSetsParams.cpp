@@ -132,7 +132,8 @@ Fcodes DataSets::admit(const char* op, const Json::Value& definition, const Json
         DBG(DBG_ERROR) << path << " absent in enum";
         return FC_BAD_VALUE;
     }
-    if (offered.isInt() && type == jsonkeys::TYPE_INTEGER && committedIs(&Json::Value::isInt)) {
+    // Integers of 64 bits too: a counter published beyond 32 bits stays writable.
+    if (offered.isInt64() && type == jsonkeys::TYPE_INTEGER && committedIs(&Json::Value::isInt64)) {
         stored = offered;
         return FC_OK;
     }
@@ -261,3 +262,8 @@ DS_BOTH_FORMS(DS_WRITE, setBoolParam, true, bool)
 DS_BOTH_FORMS(DS_WRITE, initIntParam, false, int)
 DS_BOTH_FORMS(DS_WRITE, initTextParam, false, const std::string&)
 DS_BOTH_FORMS(DS_WRITE, initBoolParam, false, bool)
+
+Fcodes DataSets::initInt64Param(const std::string& d, const std::string& c, const std::string& p, int64_t v,
+                                const std::string& s) {
+    return writeParam("initInt64Param", false, d, c, p, Selector::byKey(s), Json::Value(static_cast<Json::Int64>(v)));
+}

@@ -7,7 +7,7 @@ void MessageCommand::toString(std::string& out) const {
     out.clear();
     out.reserve(32 + id.size() + params.size() * 48);
     out += "<Command ID=\"";
-    out += id;
+    appendTagValue(out, id);
     out += "\" >\n";
     appendParams(out, "\t");
     out += "</Command>\n";

@@ -15,9 +15,9 @@ void MessageParams::appendParams(std::string& out, const char* indent) const {
     for (const auto& param : params) {
         out += indent;
         out += "<Parameter Name=\"";
-        out += param.first;
+        appendTagValue(out, param.first);
         out += "\" Value=\"";
-        out += param.second;
+        appendTagValue(out, param.second);
         out += "\" />\n";
     }
 }

@@ -1,8 +1,32 @@
 #include "records/TagText.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+
+#include "system/DbgPrintClient.h"
+
+void appendTagValue(std::string& out, const std::string& value) {
+    const std::string::size_type first = value.find_first_of("\"<>");
+    if (first == std::string::npos) {
+        out += value;
+        return;
+    }
+    const std::string::size_type start = out.size();
+    out += value;
+    for (std::string::size_type at = start + first; at < out.size(); ++at) {
+        if (out[at] == '"')
+            out[at] = '\'';
+        else if (out[at] == '<')
+            out[at] = '(';
+        else if (out[at] == '>')
+            out[at] = ')';
+    }
+    static std::atomic<bool> logged{false};
+    if (!logged.exchange(true))
+        DBG(DBG_WARN) << "appendTagValue: replaced the delimiters '\"<>' in value=" << out.substr(start);
+}
 
 namespace {
 

@@ -24,6 +24,16 @@ int getSegment(const std::string& text, int from, const std::string& tag, std::s
 // of the three. Returns the index of the end delimiter, or -1.
 int getToken(const std::string& text, int from, const std::string& start, const std::string& end, std::string& token);
 
+// Appends `value` as the text between the quotes of an attribute. The readers
+// above take '"', '<' and '>' as delimiters and know no escaping, so a value
+// holding one would end early or open an element of its own: each is
+// replaced, '"' by '\'', '<' by '(' and '>' by ')'. Replaced rather than
+// refused, so that a record with a user's text (a channel name, a traceroute
+// line) still goes out with exactly its own parameters. The first replacement
+// in the process is logged with its value; later ones are silent, so that a
+// repeating source cannot flood the log. Every record text is built through it.
+void appendTagValue(std::string& out, const std::string& value);
+
 // Leading-number conversions used for attribute values: junk after the digits
 // is ignored, a non-number gives 0, out-of-range values saturate (the same
 // result on 32-bit and 64-bit targets).

@@ -9,3 +9,15 @@
 // Relative paths, and every path on the device (no SYSMGT_ROOT), are unchanged.
 // Messages and datasets keep carrying the logical paths.
 std::string sysmgtPath(const std::string& logicalPath);
+
+// The process environment is shared by every thread, and setenv may move the
+// variables while another thread reads them. Readers and writers of the
+// environment in this code base hold this one lock: sysmgtPath's read of
+// SYSMGT_ROOT, the spawn of a shell line (which copies the environment) and
+// setTimeZone. The lock is taken for a copy or a write only, never across a
+// wait.
+void lockEnvironment();
+void unlockEnvironment();
+
+// Sets "TZ" (overwriting) and re-reads the time-zone rules, under the lock.
+void setTimeZone(const std::string& zone);

@@ -35,6 +35,18 @@ TEST(MessageEvent, DefaultTextAndExactLayout) {
     std::string again;
     back.toString(again);
     EXPECT_EQ(again, out);
+
+    // A user's text ends no value early and adds no parameter: '"', '<', '>' are replaced.
+    MessageEvent hostile;
+    hostile.description = "d\" Severity=\"Fatal";
+    hostile.addParam("Name", "x\"/><Parameter Name=\"Injected\" Value=\"1");
+    hostile.toString(out);
+    MessageEvent parsed;
+    ASSERT_EQ(parsed.initFromString(out), FC_OK);
+    EXPECT_EQ(parsed.severity, "None");
+    EXPECT_EQ(parsed.description, "d' Severity='Fatal");
+    ASSERT_EQ(parsed.params.size(), 1u);
+    EXPECT_EQ(parsed.params.at("Name"), "x'/)(Parameter Name='Injected' Value='1");
 }
 
 TEST(MessageEvent, ParsingRules) {
