@@ -225,6 +225,64 @@ void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const s
                << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
 }
 
+// The floors a channel's video bitrate keeps, wherever a total is turned
+// into a video bitrate (a configuration and an on-the-fly change alike): a
+// video bitrate below the channel's minimum is raised to it and the total
+// recomputed from it; the maximum is raised to the total that the minimum
+// plus ten per cent needs. The caller writes what was raised.
+Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate,
+                                                 bool pcrOnVideoPid, int& video, int& total, int& max,
+                                                 bool& totalRaised, bool& maxRaised) {
+    totalRaised = maxRaised = false;
+    const int channel = channelIndex(rowId);
+    if (channel < 0 || video >= MIN_VIDEO_BITRATE[channel])
+        return FC_OK;
+    if (channel == 1)
+        DBG(1) << operation << ": Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
+               << " inst=" << rowId;
+    else
+        DBG(1) << operation << ": Video BR=" << video << ". Reseting to min=" << MIN_VIDEO_BITRATE[channel]
+               << " inst=" << rowId;
+    int audio = 0, klv = 0;
+    video = MIN_VIDEO_BITRATE[channel];
+    total = 0;
+    Fcodes result = calcBitrates(rowId, total, video, frameRate, audio, klv, pcrOnVideoPid);
+    totalRaised = true;
+
+    int floorTotal = 0;
+    int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
+    result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
+    if (max < floorTotal) {
+        DBG(1) << operation << ": Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
+               << " is greater than prev=" << max << " inst=" << rowId;
+        max = floorTotal;
+        maxRaised = true;
+    }
+    return result;
+}
+
+// "Bitrate Margin" of the encoder: 0 without video; the channel's own margin
+// with "CBR"; otherwise the headroom, in per cent, that the maximum leaves
+// over the video bitrate.
+Fcodes ConfigChannelTarnevel::encoderMargin(const char* operation, const std::string& rowId,
+                                            const std::string& rateControl, bool encodeVideo, int video, int max,
+                                            float frameRate, bool pcrOnVideoPid, int& margin) {
+    margin = 0;
+    const int channel = channelIndex(rowId);
+    if (channel < 0 || !encodeVideo || video == 0)
+        return FC_OK;
+    if (rateControl == value::CBR) {
+        margin = CBR_MARGIN[channel];
+        return FC_OK;
+    }
+    int maxTotal = max, maxVideo = 0, audio = 0, klv = 0;
+    const Fcodes result = calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
+    margin = bitrateMargin(operation, rowId, maxVideo, video);
+    DBG(0) << operation << ": rowId=" << rowId << " maxBitrate=" << max << " maxVideoBitrate=" << maxVideo
+           << " rateControl=" << rateControl << " margin=" << margin;
+    return result;
+}
+
 Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
@@ -250,48 +308,27 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     int audio = 0, klv = 0, video = 0;
     result |= calcBitrates(rowId, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
 
-    if (encodeVideo && video < MIN_VIDEO_BITRATE[channel]) {
-        if (channel == 1)
-            DBG(1) << "changeBitrateOnTheFly: Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
-                   << " inst=" << rowId;
-        else
-            DBG(1) << "changeBitrateOnTheFly: Video BR=" << video << ". Reseting to min="
-                   << MIN_VIDEO_BITRATE[channel] << " inst=" << rowId;
-        video = MIN_VIDEO_BITRATE[channel];
-        totalBitrate = 0;
-        result |= calcBitrates(rowId, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
-        result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
-
-        int floorTotal = 0;
-        int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
-        result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
-        if (maxBitrate < floorTotal) {
-            DBG(1) << "changeBitrateOnTheFly: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
-                   << " is greater than prev=" << maxBitrate << " inst=" << rowId;
-            maxBitrate = floorTotal;
+    if (encodeVideo) {
+        bool totalRaised = false, maxRaised = false;
+        result |= applyBitrateFloors("changeBitrateOnTheFly", rowId, frameRate, pcrOnVideoPid, video, totalBitrate,
+                                     maxBitrate, totalRaised, maxRaised);
+        if (totalRaised)
+            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+        if (maxRaised)
             result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
-        }
     }
 
     result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, video, rowId);
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE, video);
 
     int margin = 0;
-    if (encodeVideo && video != 0) {
-        if (rateControl == value::CBR) {
-            margin = CBR_MARGIN[channel];
-        } else {
-            int maxTotal = maxBitrate;
-            int maxVideo = 0;
-            result |= calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
-            margin = bitrateMargin("changeBitrateOnTheFly", rowId, maxVideo, video);
-            DBG(0) << "changeBitrateOnTheFly: rowId=" << rowId << " maxBitrate=" << maxBitrate
-                   << " maxVideoBitrate=" << maxVideo << " rateControl=" << rateControl << " margin=" << margin;
-            if (rateControl == value::CAPPED_VBR)
-                overheadPercent = margin;
-            result |= holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
-                                          overheadPercent, rowId);
-        }
+    result |= encoderMargin("changeBitrateOnTheFly", rowId, rateControl, encodeVideo, video, maxBitrate, frameRate,
+                            pcrOnVideoPid, margin);
+    if (encodeVideo && video != 0 && rateControl != value::CBR) {
+        if (rateControl == value::CAPPED_VBR)
+            overheadPercent = margin;
+        result |= holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
+                                      overheadPercent, rowId);
     }
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
     if (channel == 1)

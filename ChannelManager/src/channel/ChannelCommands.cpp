@@ -65,9 +65,16 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
     for (const Entry& entry : kHandlers) {
         if (name != entry.id)
             continue;
-        // "ALL" runs the command on every channel, as "Stop" does.
+        // "ALL" runs "ACTIVATE_ROW" and "Play" on every channel, as "Stop" does.
         if (rowId != row::ALL)
             return (this->*entry.handler)(rowId, command);
+        // An on-the-fly change acts on one channel only: for any other row,
+        // "ALL" (also a missing "RowID") included, it answers "OK" and does
+        // nothing, as changeBitrateOnTheFly does for a row that is no channel.
+        if (entry.handler == &ConfigChannelTarnevel::changeOnTheFly) {
+            DBG(1) << "execute: " << name << " needs one channel, rowId=" << rowId << " ignored";
+            return FC_OK;
+        }
         Fcodes result = FC_OK;
         for (const std::string& channel : channelRows())
             result |= (this->*entry.handler)(channel, command);

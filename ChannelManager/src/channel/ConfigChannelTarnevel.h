@@ -111,9 +111,11 @@ public:
     // The channel's rows turned into the parameters of its mediator components.
     Fcodes configChannel(const std::string& rowId);
     // "Brightness", "Contrast", "Saturation", "Hue" of "ChannelAVSettings".
-    Fcodes configAVSettings(const std::string& rowId);
-    // "Audio Gain" of an audio row ("H.264 Audio1" ...).
-    Fcodes configAudioGain(const std::string& audioRowId);
+    // `pending`: apply the values being accepted (the store's pending
+    // values, else the committed ones) instead of the committed values.
+    Fcodes configAVSettings(const std::string& rowId, bool pending = false);
+    // "Audio Gain" of an audio row ("H.264 Audio1" ...); `pending` as above.
+    Fcodes configAudioGain(const std::string& audioRowId, bool pending = false);
 
     // ---- Stream statistics (side/StreamStatistics.cpp) and data-stream events (side/DataStreamEvents.cpp) ----
 
@@ -132,6 +134,10 @@ public:
     Fcodes sapAction(const std::string& rowId);
     // Starts the channel's KLV branch while it plays, stops it otherwise.
     Fcodes klvAction(const std::string& rowId);
+    // While the channel plays: stops its KLV branches that run but that its
+    // settings no longer name (unless the other playing channel uses them),
+    // then starts the named ones as klvAction does. Run by configChannel.
+    Fcodes klvFollowSettings(const std::string& rowId);
     // Starts a bounded probe thread per enabled unicast target.
     Fcodes testConnectionToTarget(const std::string& rowId);
     // "ping -c 1", then "traceroute -I"; sends "Target Connection OK" or "...Failed".
@@ -152,7 +158,8 @@ public:
 private:
     // ---- configChannel's sections, in the order they run ----
     // pipeline/PipelineRun.cpp
-    void configPrologue(PipelineRun& run);          // 1: status, assembly
+    void configPrologue(PipelineRun& run);          // 1: status, assembly, targets
+    void readAudioRows(PipelineRun& run);           // after 3: the audio rows as it left them
     void readProcessingSettings(PipelineRun& run);  // 7
     // pipeline/VideoSections.cpp
     void configInputFormat(PipelineRun& run);       // 2
@@ -191,6 +198,8 @@ private:
     void configZixiFeeder(PipelineRun& run, size_t target);
     void configSrtSender(PipelineRun& run, size_t target);
     void configRtmpServer(PipelineRun& run, size_t target);
+    // pipeline/UnusedComponents.cpp
+    void configUnusedComponents(PipelineRun& run);  // after 26: what this run does not use, off
     // pipeline/SummarySection.cpp
     void configSummary(PipelineRun& run);           // 27
 
@@ -234,6 +243,13 @@ private:
     // ---- Bitrates (channel/Bitrates.cpp) ----
 
     Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
+    // The per-channel floors of the video bitrate and of the maximum, shared
+    // by a configuration and an on-the-fly change; logs under `operation`.
+    Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate, bool pcrOnVideoPid,
+                              int& video, int& total, int& max, bool& totalRaised, bool& maxRaised);
+    // The encoder's "Bitrate Margin" for a video bitrate and a maximum.
+    Fcodes encoderMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
+                         bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid, int& margin);
     void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
                             int value);
 

@@ -97,11 +97,17 @@ Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
     events.sendEvent(ev::CHANNEL_PLAYED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
     events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
 
+    // The running format ("Input Resolution") is recorded once the branches
+    // are started, whatever the side actions answered: it is what the encoder
+    // runs, and a later detection of the same format must not look like a
+    // change because SAP or KLV failed.
     std::string source, inputDetected;
-    result |= holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
-    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
-    if (isOk(result)) {
+    Fcodes inputRead = holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
+    inputRead |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
+    result |= inputRead;
+    if (isOk(inputRead))
         result |= holder.initTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputDetected, rowId);
+    if (isOk(result)) {
         result |= updateChannelStatus(rowId);
         result |= updateStreamAndErrorLeds();
     }

@@ -29,7 +29,10 @@
 //   "Fcode" and updateChannelStatus raises "Channel Error"; the channel keeps
 //   playing, so that the stream resumes with the signal;
 // - input back while "Playing" after such a loss: 0x20002 is cleared, "Status"
-//   back to "OK", "Close Alarms" sent;
+//   back to "OK", "Close Alarms" sent. A loss is recognised by the channel's
+//   "Status" "ERROR" (only a lost input sets it) as well as by the bit: a
+//   play during the loss writes its own code, and a "Data Stream" event
+//   clears the bits, so the bit alone misses both;
 // - another format while "Playing": "Format Changed" becomes true. With
 //   "Format as Detected" the channel is stopped (0x20010), reconfigured for
 //   the new input and played again when the format validates. Otherwise a
@@ -142,7 +145,7 @@ Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource)
 // One channel on the source follows its input; caller holds the holder lock.
 Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::string& videoSource) {
     const char* ds = vocab::ds::CHANNEL;
-    std::string detected, state, running;
+    std::string detected, state, running, status;
     bool connected = false, asDetected = false;
     int fcodeValue = 0;
     Fcodes result = FC_OK |
@@ -151,6 +154,7 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
                     holder.getBoolParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::CONNECTED,
                                         connected, videoSource) |
                     holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId) |
+                    holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, status, rowId) |
                     holder.getIntParam(ds, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcodeValue, rowId) |
                     holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::INPUT_RESOLUTION, running, rowId) |
                     holder.getBoolParam(ds, vocab::tbl::PROCESSING, vocab::prop::FORMAT_AS_DETECTED, asDetected, rowId);
@@ -174,7 +178,7 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
     }
 
     if (state == vocab::state::PLAYING) {
-        if (holds(fcode, vocab::cond::CHANNEL_ERROR)) {
+        if (status == vocab::state::STATUS_ERROR || holds(fcode, vocab::cond::CHANNEL_ERROR)) {
             DBG(0) << "updateVideoSource: input back rowId=" << rowId << " src=" << videoSource;
             result |= setFcode(withoutCondition(fcode, vocab::cond::CHANNEL_ERROR));
             result |=

@@ -91,10 +91,11 @@ Fcodes ChannelMngr::acceptChanges() {
     Fcodes result = FC_OK;
     // Only these two components are applied to running channels; every other
     // pending value is committed as it is and takes effect at the next
-    // configuration of its channel.
+    // configuration of its channel. They are applied before the commit, so
+    // they apply the pending values: the ones being accepted.
     const struct {
         const char* component;
-        Fcodes (ConfigChannelTarnevel::*apply)(const std::string&);
+        Fcodes (ConfigChannelTarnevel::*apply)(const std::string&, bool);
     } applied[] = {{vocab::tbl::AV_SETTINGS, &ConfigChannelTarnevel::configAVSettings},
                    {vocab::tbl::AUDIO_SOURCE, &ConfigChannelTarnevel::configAudioGain}};
     for (const auto& entry : applied) {
@@ -106,7 +107,7 @@ Fcodes ChannelMngr::acceptChanges() {
             if (!isChangedInstance(vocab::ds::CHANNEL, entry.component, instance))
                 continue;
             ConfigChannelTarnevel channel(*this, *this);
-            result |= (channel.*entry.apply)(instance);
+            result |= (channel.*entry.apply)(instance, true);
         }
     }
     return result | commit();

@@ -132,7 +132,7 @@ void ConfigChannelTarnevel::configSdiOutput(PipelineRun& run) {
     run.put("SDI_TRANSMITTER", "Video Source", "VIDEO_MIXER_SDI_TX");
     run.put("SDI_TRANSMITTER", "Frame Buffer", run.source != value::SRC_HD_SDI);
     run.put("SDI_TRANSMITTER", "Audio Embedder", anyAudio);
-    run.put("SDI_TRANSMITTER", "Enable", true);
+    run.enable("SDI_TRANSMITTER");
 }
 
 // Sections 19 (HEVC) and 20 (H.264). On HEVC with "Ultra Low Latency - LAN",
@@ -145,15 +145,17 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
         const PipelineRun::Audio& a = run.audio[i];
         const std::string s = stream(i) + " " + run.suffix;
         const std::string encoder = "Audio Encoder " + s;
-        run.put("Audio Capture " + s, "Enable", a.encode && !(lowDelay && i == 0));
+        // The normal capture stands aside only when the low-delay path carries
+        // the stream: any other codec goes through the normal encoder, ULL or not.
+        const bool lowDelayStream = lowDelay && i == 0 && a.encode && (a.format == "AAC-ELD" || a.format == "PCM");
+        run.put("Audio Capture " + s, "Enable", a.encode && !lowDelayStream);
         if (!a.encode)
             continue;
-        if (lowDelay && i == 0 && (a.format == "AAC-ELD" || a.format == "PCM")) {
+        if (lowDelayStream) {
             const bool eld = a.format == "AAC-ELD";
-            run.put("Audio Capture Str0 CH1 Low Delay", "Enable", true);
+            run.enable("Audio Capture Str0 CH1 Low Delay");
             run.put("Audio Capture Buffer Str0 CH1", "Samples per Frame", eld ? 480 : 240);
-            run.put("AAC Encoder Str0 CH1 Low Delay", "Enable", eld);
-            run.put("PCM Converter Str0 CH1 Low Delay", "Enable", !eld);
+            run.enable(eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
             run.put("Audio Switch " + s, "Input",
                     eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
             if (eld)
@@ -185,12 +187,22 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
 // The gain of the analogue line input belongs to its amplifier: only a
 // stream on "Unbalanced analog" has one to set ("Audio Gain" in dB, one gain
 // per stream). Digital and embedded audio pass at unity; their rows are
-// accepted and nothing is written.
-Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId) {
+// accepted and nothing is written. When accepting, the row's pending values
+// (source, enabling and gain alike) are the ones applied.
+Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, bool pending) {
     PipelineRun run(holder, vocab::row::H264, "configAudioGain");
-    const std::string source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
-    const bool enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);
-    const int gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, audioRowId);
+    std::string source;
+    bool enabled = false;
+    int gain = 0;
+    if (pending) {
+        run.result |= holder.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
+                      holder.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
+                      holder.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
+    } else {
+        source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
+        enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);
+        gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, audioRowId);
+    }
     if (!isOk(run.result) || !enabled || source != "Unbalanced analog")
         return run.result;
     run.readAssembly();

@@ -58,38 +58,23 @@ void ConfigChannelTarnevel::configEncodingResolution(PipelineRun& run) {
 }
 
 // Section 15: the video bitrate that fits the configured total, with the
-// same per-channel minimums as an on-the-fly change.
+// same per-channel floors as an on-the-fly change (applyBitrateFloors).
 void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
     const bool pcrOnVideo = run.pcrPid == run.videoPid;
     const float rate = static_cast<float>(run.frameSampling);
     int total = run.totalBitrate, video = 0, audio = 0, klv = 0;
     run.result |= calcBitrates(run.rowId, total, video, rate, audio, klv, pcrOnVideo);
     if (run.encodeVideo) {
-        const int minimum = run.channel == 1 ? 23900 : 100000;
-        const int maxFloor = run.channel == 1 ? 26290 : 110000;
-        if (video < minimum) {
-            DBG(DBG_WARN) << "configChannel: Video BR=" << video
-                          << (run.channel == 1 ? ". Reset to min=23900 inst=" : ". Reseting to min=100000 inst=")
-                          << run.rowId;
-            video = minimum;
-            total = 0;
-            run.result |= calcBitrates(run.rowId, total, video, rate, audio, klv, pcrOnVideo);
-            if (total > 0) {  // a failed calculation leaves the configured total
-                run.totalBitrate = total;
-                run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, total);
-            }
-            int floorTotal = 0, floorVideo = maxFloor;
-            run.result |= calcBitrates(run.rowId, floorTotal, floorVideo, rate, audio, klv, pcrOnVideo);
-            if (floorTotal > 0 && run.maxBitrate < floorTotal) {
-                DBG(DBG_WARN) << "configChannel: Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
-                              << " is greater than prev=" << run.maxBitrate << " inst=" << run.rowId;
-                const std::string description =
-                    "prev: " + std::to_string(run.maxBitrate) + " new: " + std::to_string(floorTotal);
-                run.maxBitrate = floorTotal;
-                run.initInt(tbl::PROCESSING, prop::MAX_BITRATE, run.rowId, floorTotal);
-                events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE,
-                                 state::SEVERITY_INFO, description);
-            }
+        const int previousMax = run.maxBitrate;
+        bool totalRaised = false, maxRaised = false;
+        run.result |= applyBitrateFloors("configChannel", run.rowId, rate, pcrOnVideo, video, run.totalBitrate,
+                                         run.maxBitrate, totalRaised, maxRaised);
+        if (totalRaised)
+            run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, run.totalBitrate);
+        if (maxRaised) {
+            run.initInt(tbl::PROCESSING, prop::MAX_BITRATE, run.rowId, run.maxBitrate);
+            events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                             "prev: " + std::to_string(previousMax) + " new: " + std::to_string(run.maxBitrate));
         }
     }
     run.videoBitrate = video;
@@ -99,7 +84,8 @@ void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
 
 // Section 16. A transport stream needs a bounded rate, so "VBR" becomes
 // "Capped VBR" when any enabled target carries one; an elementary stream
-// ("RTP ES", "RTMP") may use plain VBR.
+// ("RTP ES", "RTMP") may use plain VBR. The margin is that of an on-the-fly
+// change (encoderMargin).
 void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     bool transport = false;
@@ -113,22 +99,12 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
         run.put(encoder, "Rate Control Mode", transport && run.rateControl == value::VBR ? value::CAPPED_VBR : mode);
 
     int margin = 0;
-    if (run.encodeVideo && run.videoBitrate != 0) {
-        if (run.rateControl == value::CBR) {
-            margin = run.channel == 0 ? 25 : 0;
-        } else {
-            int total = run.maxBitrate, maxVideo = 0, audio = 0, klv = 0;
-            run.result |= calcBitrates(run.rowId, total, maxVideo, static_cast<float>(run.frameSampling), audio, klv,
-                                       run.pcrPid == run.videoPid);
-            margin = bitrateMargin("configChannel", run.rowId, maxVideo, run.videoBitrate);
-            DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " maxBitrate=" << run.maxBitrate
-                          << " maxVideoBitrate=" << maxVideo << " rateControl=" << run.rateControl
-                          << " margin=" << margin;
-            if (run.rateControl == value::CAPPED_VBR) {
-                run.muxOverheadPercent = margin;
-                run.initInt(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, run.rowId, margin);
-            }
-        }
+    run.result |= encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate,
+                                run.maxBitrate, static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid,
+                                margin);
+    if (run.rateControl == value::CAPPED_VBR && run.encodeVideo && run.videoBitrate != 0) {
+        run.muxOverheadPercent = margin;
+        run.initInt(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, run.rowId, margin);
     }
     run.put(encoder, med::PARAM_BITRATE_MARGIN, margin);
 }

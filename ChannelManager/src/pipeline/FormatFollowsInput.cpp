@@ -31,6 +31,9 @@ using namespace vocab;
 //   when the GOP had B pictures; else unchanged.
 // - H.264: an interlaced format cannot be coded with the Baseline profile,
 //   which then becomes "H.264 Main Profile".
+// - The choice must be one the channel's validation accepts: an input whose
+//   own format is not in the format matrix (such as "2048x1080p") has none,
+//   and then nothing is chosen and nothing is written.
 
 namespace {
 constexpr int kMaxRate = 60;
@@ -73,7 +76,9 @@ bool pipeline::chooseEncoding(int channel, const std::string& input, const std::
         choice.frameSampling = (choice.frameSampling + 1) / 2 <= limit ? (choice.frameSampling + 1) / 2 : limit;
     choice.h264MainProfile =
         channel == 0 && scan == 'i' && choice.encodingFormat.back() == 'i' && h264Profile == "H.264 Baseline Profile";
-    return true;
+    int inputLimit = 0;
+    return videoformat::inputAllowed(choice.encodingFormat, input) &&
+           (!videoformat::maxInputFrameRate(input, inputLimit) || choice.frameSampling <= inputLimit);
 }
 
 int pipeline::gopSizeRough(int frameSampling, const std::string& gopStructure) {
@@ -93,7 +98,9 @@ void ConfigChannelTarnevel::configFormatChange(PipelineRun& run) {
     if (!pipeline::chooseEncoding(run.channel, run.inputDetected, run.streamProfile,
                                   run.frameRateRatio == "Half of Input", run.gopStructure, run.videoCodecProfile,
                                   choice)) {
-        run.unknown("Input Detected", run.inputDetected);
+        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " src=" << run.source
+                       << " inputDetected=" << run.inputDetected
+                       << " no valid encoding format, kept encodingFormat=" << run.encodingFormat;
         return;
     }
     DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " src=" << run.source

@@ -63,7 +63,7 @@ void ConfigChannelTarnevel::configKlvIngest(PipelineRun& run) {
                 run.unknown("Input Data Format", format);
         } else if (ingest == value::KLV_SDI_SYNC) {
             filter = run.comp("KlvoSDI Filter ");
-            run.put(run.comp("KlvoSDI Wrapper "), "Enable", true);
+            run.enable(run.comp("KlvoSDI Wrapper "));
         } else if (ingest == value::KLV_SDI) {
             filter = "KlvoSDI Filter Async";
         } else if (ingest == value::KLV_IP) {
@@ -81,7 +81,7 @@ void ConfigChannelTarnevel::configKlvIngest(PipelineRun& run) {
         run.put(klvSwitch, "Input", filter);
         run.put(klvSwitch, "Enable", true);
         const bool cropped = run.channel == 0 && run.cropEnable;
-        run.put(filter, "Enable", true);
+        run.enable(filter);
         run.put(filter, "Parsing", cropped ? "UAS LDS" : "Simple");
         run.put(filter, "Update LDS Keys", cropped);
         run.put(filter, "H Crop Factor (x1000)", cropFactor(run, run.cropWidth, run.inputWidth));

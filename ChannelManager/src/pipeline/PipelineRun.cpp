@@ -115,6 +115,11 @@ void PipelineRun::write(const std::string& component, const std::string& paramet
     }
 }
 
+void PipelineRun::enable(const std::string& component) {
+    put(component, "Enable", true);
+    enabled.insert(component);
+}
+
 void PipelineRun::unknown(const char* what, const std::string& value) const {
     DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Unknown " << what << "=" << value;
 }
@@ -137,6 +142,7 @@ Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {
     configPrologue(run);
     configInputFormat(run);
     configSharedInput(run);
+    readAudioRows(run);
     configFrameRateRatio(run);
     configVideoInput(run);
     configAudioInput(run);
@@ -159,6 +165,7 @@ Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {
     configEncryption(run);
     configMultiplexer(run);
     configTargets(run);
+    configUnusedComponents(run);
     configSummary(run);
     return run.result;
 }
@@ -170,8 +177,30 @@ void ConfigChannelTarnevel::configPrologue(PipelineRun& run) {
     run.integer(tbl::CHANNELS, prop::FCODE, run.rowId);
     DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId;
     run.readAssembly();
-    // The channel's rows that later sections walk: audio streams and targets,
-    // in document order ("...Audio1" before "...Audio2").
+    // The channel's targets, in document order ("...Target1" first).
+    std::vector<std::string> ids;
+    run.result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, run.rowId, ids);
+    for (const std::string& id : ids) {
+        PipelineRun::Target t;
+        t.id = id;
+        t.enabled = run.flag(tbl::TARGET, prop::ENABLED, id);
+        t.protocol = run.text(tbl::TARGET, prop::STREAMING_PROTOCOL, id);
+        t.name = run.text(tbl::TARGET, prop::CHANNEL_NAME, id);
+        t.interface = run.text(tbl::TARGET, prop::NETWORK_INTERFACE, id);
+        t.address = run.text(tbl::TARGET, prop::TARGET_ADDRESS, id);
+        t.shaping = run.text(tbl::TARGET, prop::TRAFFIC_SHAPING, id);
+        t.port = run.integer(tbl::TARGET, prop::TARGET_PORT, id);
+        t.ttl = run.integer(tbl::TARGET, prop::TTL, id);
+        t.packetSize = run.integer(tbl::TARGET, prop::UDP_PACKET_SIZE, id);
+        run.targets.push_back(t);
+    }
+}
+
+// The channel's audio streams, in document order ("...Audio1" before
+// "...Audio2"), read after section 3: where the input is shared, the H.264
+// rows are then the copies of the HEVC rows, and sections 6, 10, 11, 12 and
+// 19/20 send what the rows hold.
+void ConfigChannelTarnevel::readAudioRows(PipelineRun& run) {
     std::vector<std::string> ids;
     run.result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, run.rowId, ids);
     for (const std::string& id : ids) {
@@ -188,22 +217,6 @@ void ConfigChannelTarnevel::configPrologue(PipelineRun& run) {
         a.channelMode = run.text(tbl::AUDIO_PROCESSING, prop::CHANNEL_MODE, id);
         a.pid = run.integer(tbl::AUDIO_PROCESSING, prop::AUDIO_PID, id);
         run.audio.push_back(a);
-    }
-    ids.clear();
-    run.result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, run.rowId, ids);
-    for (const std::string& id : ids) {
-        PipelineRun::Target t;
-        t.id = id;
-        t.enabled = run.flag(tbl::TARGET, prop::ENABLED, id);
-        t.protocol = run.text(tbl::TARGET, prop::STREAMING_PROTOCOL, id);
-        t.name = run.text(tbl::TARGET, prop::CHANNEL_NAME, id);
-        t.interface = run.text(tbl::TARGET, prop::NETWORK_INTERFACE, id);
-        t.address = run.text(tbl::TARGET, prop::TARGET_ADDRESS, id);
-        t.shaping = run.text(tbl::TARGET, prop::TRAFFIC_SHAPING, id);
-        t.port = run.integer(tbl::TARGET, prop::TARGET_PORT, id);
-        t.ttl = run.integer(tbl::TARGET, prop::TTL, id);
-        t.packetSize = run.integer(tbl::TARGET, prop::UDP_PACKET_SIZE, id);
-        run.targets.push_back(t);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,9 @@ struct PipelineRun {
     // then the failure line with the value as `shown`.
     void write(const std::string& component, const std::string& parameter, const std::string& shown,
                const std::function<Fcodes()>& send);
+    // Writes "Enable" = true and remembers the component as used by this run
+    // (configUnusedComponents turns off the channel's others).
+    void enable(const std::string& component);
     // Logs "configChannel: rowId=<row> Unknown <what>=<value>".
     void unknown(const char* what, const std::string& value) const;
 
@@ -63,6 +67,7 @@ struct PipelineRun {
     std::string status;  // the channel's "Status" at the start of the run
     std::string assembly;
     bool assemblyRead = false;
+    std::set<std::string> enabled;  // components this run enabled
 
     // Input (sections 2, 8).
     std::string source;
@@ -167,7 +172,8 @@ struct FormatChoice {
     bool h264MainProfile = false;  // an H.264 profile that must become "H.264 Main Profile"
 };
 // `input` is a detected format text ("1920x1080p @ 59.94"); false when it
-// does not parse. `channel` 0 = H.264, 1 = HEVC.
+// does not parse or no encoding format of the matrix can be made from it.
+// `channel` 0 = H.264, 1 = HEVC.
 bool chooseEncoding(int channel, const std::string& input, const std::string& streamProfile, bool halfRate,
                     const std::string& gopStructure, const std::string& h264Profile, FormatChoice& choice);
 // About one second of pictures, ending on a whole sub-GOP; 1 for "I".

@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <string>
 
 #include "vocab/ChannelVocabulary.h"
@@ -66,8 +67,16 @@ void ConfigChannelTarnevel::configSummary(PipelineRun& run) {
     run.initText(tbl::CHANNELS, prop::SOURCE, r, run.source);
     run.initInt(tbl::CHANNELS, prop::TOTAL_BIT_RATE, r, run.totalBitrate);
     run.initText(tbl::CHANNELS, prop::RESOLUTION, r, run.encodingFormat + " @ " + std::to_string(run.frameSampling));
+    // "Stopped" unless the channel plays, or the system stopped it for a
+    // condition: such a channel stays "Stopping" (as stopChannel leaves it),
+    // so that a reconfiguration after a format stop does not turn it into a
+    // user's stop and the input coming back still resumes it.
     const std::string channelState = run.text(tbl::CHANNELS, prop::STATE, r);
-    if (channelState != state::PLAYING && channelState != state::PLAYED)
+    const uint32_t fcode = static_cast<uint32_t>(run.integer(tbl::CHANNELS, prop::FCODE, r));
+    bool heldStopping = false;
+    for (uint32_t condition : {cond::ZIXI_CONNECTION, cond::DATA_STREAM, cond::FORMAT_CHANGED})
+        heldStopping |= channelState == state::STOPPING && (fcode & condition) == condition;
+    if (channelState != state::PLAYING && channelState != state::PLAYED && !heldStopping)
         run.initText(tbl::CHANNELS, prop::STATE, r, state::STOPPED);
     run.initBool(tbl::CHANNELS, prop::KLV, r, run.ingestKlv != value::KLV_NONE || run.ingestKlv2 != value::KLV_NONE);
     run.initText(tbl::CHANNELS, prop::STATUS, r, run.status);

@@ -98,7 +98,7 @@ void ConfigChannelTarnevel::configTargets(PipelineRun& run) {
 void ConfigChannelTarnevel::configUdpSender(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = (target == 0 ? med::UDP_SENDER : med::UDP_SENDER_2)[run.channel];
-    run.put(s, "Enable", true);
+    run.enable(s);
     run.put(s, "Stream Format", pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol));
     const std::string fecMode = run.text(tbl::FEC_SETTINGS, prop::MODE, t.id);
     const int columns = run.integer(tbl::FEC_SETTINGS, prop::COLUMNS, t.id);
@@ -144,7 +144,7 @@ void ConfigChannelTarnevel::configRtspServer(PipelineRun& run, size_t target) {
     const std::string s = med::RTSP_SERVER[run.channel];
     if (!makeDirectories(path::SDP_DIR))
         DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: cannot create dir=" << path::SDP_DIR;
-    run.put(s, "Enable", true);
+    run.enable(s);
     run.put(s, "RTSP port", run.rtspPort);
     run.put(s, med::PARAM_SDP_DIRECTORY, path::SDP_DIR);
     run.put(s, "Live URIs", pipeline::liveUris(run.audioEncoded(0), run.audioEncoded(1)));
@@ -166,7 +166,7 @@ void ConfigChannelTarnevel::configZixiFeeder(PipelineRun& run, size_t target) {
                                 run.integer(z, prop::MIN_BITRATE, t.id), run.integer(z, prop::MAX_BITRATE_ZIXI, t.id),
                                 low, high);
     const bool ull = run.ultraLowLatency();
-    run.put(s, "Enable", true);
+    run.enable(s);
     run.put(s, "Broadcaster IP", t.address);
     run.put(s, "Broadcaster Port", t.port);
     run.put(s, "Max Packet Size", t.packetSize);
@@ -191,7 +191,7 @@ void ConfigChannelTarnevel::configSrtSender(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = (target == 0 ? med::SRT_SENDER : med::SRT_SENDER_2)[run.channel];
     const char* st = tbl::SRT_SETTINGS;
-    run.put(s, "Enable", true);
+    run.enable(s);
     run.put(s, "Network interface", "Any (Use route table)");
     const std::string mode = run.text(st, prop::MODE, t.id);
     if (const char* receiver = pipeline::lookup(pipeline::SRT_RECEIVER_MODE, mode))
@@ -226,7 +226,7 @@ void ConfigChannelTarnevel::configRtmpServer(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = run.comp("Rtmp Server ");
     const char* r = tbl::RTMP_SETTINGS;
-    run.put(s, "Enable", true);
+    run.enable(s);
     run.put(s, prop::RTMP_SERVER_URL, run.text(r, prop::RTMP_SERVER_URL, t.id));
     run.put(s, "Name of published stream", run.text(r, prop::STREAM_NAME, t.id));
     run.put(s, prop::USERNAME, run.text(r, prop::USERNAME, t.id));

@@ -76,13 +76,30 @@ void ConfigChannelTarnevel::configSharedInput(PipelineRun& run) {
 }
 
 // Section 4, for both channels: the encoders of a shared input must agree
-// with their rows. The frame sampling that follows from the ratio is chosen
-// with the encoding format in section 8 of the channel's own run.
+// with their rows. "Input Full" / "Input 1/2" makes the encoder code every
+// picture of its input, or every second one; "to match" means the channel's
+// rows then say that rate, the one the bitrate model (its per-frame term)
+// and the summary ("Resolution") assume: with a detected input, "Frame
+// Sampling" becomes the input's rate, halved for "Half of Input" (rounded,
+// within what the input can feed). With "Format as Detected" set, section 8
+// chooses the format and this same ratio together (the encoder's own limit
+// may lower the rate there), so "Format as Detected" keeps the operator's
+// choice and is applied with the ratio rather than rewritten.
 void ConfigChannelTarnevel::configFrameRateRatio(PipelineRun& run) {
     for (const char* r : {row::H264, row::HEVC}) {
         const bool half = run.text(tbl::PROCESSING, prop::FRAME_RATE_RATIO, r) == "Half of Input";
         run.put(med::VIDEO_ENCODER[channelIndex(r)], prop::FRAME_RATE_RATIO, half ? "Input 1/2" : "Input Full");
     }
+    if (!run.inputParsed || run.inputRate <= 0 || run.flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, run.rowId))
+        return;
+    const bool half = run.frameRateRatio == "Half of Input";
+    int sampling = static_cast<int>((half ? run.inputRate / 2 : run.inputRate) + 0.5f);
+    int limit = 60;
+    videoformat::maxInputFrameRate(run.inputDetected, limit);
+    if (sampling > limit)
+        sampling = limit;
+    if (sampling != run.integer(tbl::PROCESSING, prop::FRAME_SAMPLING, run.rowId))
+        run.initInt(tbl::PROCESSING, prop::FRAME_SAMPLING, run.rowId, sampling);
 }
 
 // Section 5.
@@ -154,14 +171,16 @@ void ConfigChannelTarnevel::configVideoSwitch(PipelineRun& run) {
 
 // The picture adjustments of the channel, applied by its own video mixer so
 // that two channels on one input keep their own settings. Called by
-// configChannel and when the settings are accepted.
-Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId) {
+// configChannel and, with the values being accepted, when the settings are
+// accepted (before the commit).
+Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId, bool pending) {
     if (!isChannelRow(rowId))
         return FC_BAD_VALUE;
     PipelineRun run(holder, rowId, "configAVSettings");
     for (const char* p : {prop::BRIGHTNESS, prop::CONTRAST, prop::SATURATION, prop::HUE}) {
         int value = 0;
-        const Fcodes read = holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
+        const Fcodes read = pending ? holder.getNewIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId)
+                                    : holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
         run.result |= read;
         if (isOk(read))
             run.put(run.comp("VIDEO_MIXER_"), p, value);

@@ -166,3 +166,45 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
     }
     return result;
 }
+
+// The ingest of a playing channel changed (its configuration ran while
+// "Playing" or "Played"): the branch started for the old setting would run
+// on, and a later stop only looks at the branches the new setting names. So
+// each KLV branch this channel can start that runs but is no longer named is
+// stopped here, unless the other playing channel uses it; then the named
+// ones are started as a play starts them.
+Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
+    const int channel = vocab::channelIndex(rowId);
+    std::string state;
+    if (channel < 0 ||
+        !isOk(holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId)) ||
+        !isPlaying(state))
+        return FC_OK;
+    std::vector<std::string> named, otherNamed;
+    std::vector<const char*> resets;
+    Fcodes result = FC_OK | klvBranches(holder, rowId, named, resets);
+    const std::string other = channel == 0 ? vocab::row::HEVC : vocab::row::H264;
+    std::string otherState;
+    if (isOk(holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, otherState, other)) &&
+        isPlaying(otherState))
+        result |= klvBranches(holder, other, otherNamed, resets);
+
+    const std::string candidates[] = {KLV_O_SERIAL, RAW_KLV_O_SERIAL, KLV_O_IP, RAW_KLV_O_IP,
+                                      vocab::med::KLVOSDI_BRANCH[channel], KLV_O_SDI_ASYNC};
+    for (const std::string& branch : candidates) {
+        bool used = false;
+        for (const std::string& b : named) used = used || b == branch;
+        for (const std::string& b : otherNamed) used = used || b == branch;
+        std::string branchState;
+        if (used || !isOk(ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState)) ||
+            branchState != vocab::state::BRANCH_RUN)
+            continue;
+        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
+        if (isOk(stopped))
+            DBG(0) << "klvAction: called stopTarnevelBranch branch=" << branch;
+        else
+            DBG(2) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << side::hexCode(stopped);
+        result |= stopped;
+    }
+    return result | klvAction(rowId);
+}

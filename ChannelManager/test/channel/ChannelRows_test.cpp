@@ -201,8 +201,8 @@ TEST(ChannelLifecycle, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
     for (const char* channel : {row::H264, row::HEVC})
         ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, channel));
     ASSERT_EQ(FC_OK, d.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x20020, row::HEVC));
-    // HEVC encodes 1280x720p @ 50 from an input limited to 30.
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, "1280x720p @ 29.97",
+    // HEVC encodes 1280x720p, which cannot be made from a standard-definition input.
+    ASSERT_EQ(FC_OK, d.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, "720x576i @ 25",
                                      value::SRC_HDMI));
     transcript.mark();
     h.channel().configChannels();

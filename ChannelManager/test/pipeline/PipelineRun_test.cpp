@@ -253,7 +253,7 @@ TEST(ChannelPipeline, EachStreamingProtocolConfiguresItsSender) {
           "Audio Capture Buffer Str0 CH1/Samples per Frame=480", "Audio Capture Str0 CH1 Low Delay/Enable=1",
           "Audio Capture Str0 CH1/Audio Sample Rate=48 kHz", "Audio Capture Str0 CH1/Enable=0",
           "Audio Capture Str1 CH1/Enable=0", "Audio Switch Str0 CH1/Input=AAC Encoder Str0 CH1 Low Delay",
-          "FB_MUX_CH1/Input=LOW_LATENCY_VIDEO_BUFFER_CH1", "PCM Converter Str0 CH1 Low Delay/Enable=0",
+          "FB_MUX_CH1/Input=LOW_LATENCY_VIDEO_BUFFER_CH1",
           "SYNCGEN_CH1/External Sync=1", "TS Multiplexer CH1/Delay Mode=No Wait",
           "TS Multiplexer CH1/Output Granularity=1", "UDP Sender CH1/Sync processing=1"}},
     };

@@ -1,0 +1,74 @@
+#include <string>
+#include <vector>
+
+#include "vocab/ChannelVocabulary.h"
+#include "pipeline/PipelineRun.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "ITarnevelClient.h"
+#include "holder/DataHolder.h"
+
+using namespace vocab;
+
+// After section 26: a configuration enables what the channel uses; this
+// turns off the channel's components that this run did not enable, so that
+// nothing the operator turned off keeps running (the sender of a disabled
+// target or of a changed protocol, which a shared branch would still feed;
+// the KLV wrapper and filters after the ingest became "None"; the SDI
+// transmitter after "SDI Out Preview" was cleared; the low-delay audio path
+// after leaving "Ultra Low Latency - LAN"); and, while the channel plays,
+// the KLV branch that its ingest no longer names (klvFollowSettings).
+//
+// The channel's own components are its senders, its RTSP and RTMP servers,
+// its KLV-over-SDI wrapper and filter and, on HEVC, the low-delay audio
+// path. The SDI transmitter and the KLV filters without a channel suffix
+// serve both channels: they are turned off only when the other channel's
+// rows do not use them either ("SDI Out Preview"; an ingest of the filter's
+// kind). Each is turned off at most once per run, through the run's write
+// path (assembly check, failure line); one the mediator reports off already
+// is left alone, so a run only writes what changes.
+
+namespace {
+const char* otherRow(int channel) {
+    return channel == 0 ? row::HEVC : row::H264;
+}
+}  // namespace
+
+void ConfigChannelTarnevel::configUnusedComponents(PipelineRun& run) {
+    const int ch = run.channel;
+    std::vector<std::string> candidates = {med::UDP_SENDER[ch],  med::UDP_SENDER_2[ch], med::ZIXI_FEEDER[ch],
+                                           med::ZIXI_FEEDER_2[ch], med::SRT_SENDER[ch], med::SRT_SENDER_2[ch],
+                                           med::RTSP_SERVER[ch], run.comp("Rtmp Server "),
+                                           run.comp("KlvoSDI Wrapper "), run.comp("KlvoSDI Filter ")};
+    if (ch == 1)
+        for (const char* c : {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay",
+                              "PCM Converter Str0 CH1 Low Delay"})
+            candidates.push_back(c);
+
+    const std::string other = otherRow(ch);
+    if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, other))
+        candidates.push_back("SDI_TRANSMITTER");
+    const std::string otherKlv = run.text(tbl::PROCESSING, prop::INGEST_KLV, other, value::KLV_NONE);
+    const std::string otherKlv2 = run.text(tbl::PROCESSING, prop::INGEST_KLV2, other, value::KLV_NONE);
+    const struct {
+        const char* filter;
+        const char* kind;
+    } sharedFilters[] = {{"KLVoSerial Filter", value::KLV_SERIAL},
+                         {"RAW KLV RS232 Filter", value::KLV_SERIAL},
+                         {"KlvoSDI Filter Async", value::KLV_SDI},
+                         {"TS KLV Filter", value::KLV_IP},
+                         {"RAW KLV Filter", value::KLV_IP}};
+    for (const auto& f : sharedFilters)
+        if (otherKlv != f.kind && otherKlv2 != f.kind)
+            candidates.push_back(f.filter);
+
+    for (const std::string& component : candidates) {
+        if (run.enabled.count(component) != 0 || !run.present(component))
+            continue;
+        int on = 1;
+        if (isOk(ITarnevelClient::getTarnevelIntParam(&holder, component, "Enable", &on)) && on == 0)
+            continue;
+        run.put(component, "Enable", false);
+    }
+    // The KLV branch of a playing channel whose ingest changed.
+    run.result |= klvFollowSettings(run.rowId);
+}
