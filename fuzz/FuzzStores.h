@@ -14,8 +14,7 @@ namespace fuzz {
 
 // A tabular data set: channel and target tables with int, enum and str columns.
 extern const char* const kTabularDoc;
-// A JSON data set: keyed, single and array instances; integer, boolean,
-// string and enum (integer and text) properties.
+// The JSON channel document of the store tests (TestDocuments.h).
 extern const char* const kJsonDoc;
 
 // A DataHolder whose worker counts what it runs, so that a target can wait

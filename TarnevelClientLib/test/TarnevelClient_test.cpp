@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <future>
 
 #include "engine/EngineTestSupport.h"
 #include "ITarnevelClient.h"
@@ -30,12 +29,7 @@ public:
 struct MediatorSide {
     Fcodes exchange(const std::function<Fcodes()>& request, std::string& received,
                     const std::function<std::string(int)>& reply) {
-        auto result = std::async(std::launch::async, request);
-        received.clear();
-        std::string answer;
-        if (mediator.receive(received) && !(answer = reply(wireId(received))).empty())
-            mediator.sendTo("/tmp/sockChanTestSend", answer);
-        return result.get();
+        return ::exchange(mediator, "/tmp/sockChanTestSend", request, received, reply);
     }
     ForwardingHolder holder;
     RawPeer mediator{wire::SOCK_MEDIATOR};

@@ -6,19 +6,46 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
-#include <functional>
-#include <mutex>
-#include <vector>
 #include <fstream>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
-#include "SimProcess.h"
 #include "engine/DataCommunicator.h"
 #include "engine/NullDataHolder.h"
 #include "records/MessageCommand.h"
+#include "records/MessageEvent.h"
+#include "system/SysmgtRoot.h"
+#include "TestFiles.h"
 #include "TestRoot.h"
+#include "ToolCommand.h"
+
+// The processes of the system tests and the test's own peer: every wait is
+// bounded, every process ends by its pid.
+
+// Polls `ready` every 20 ms until it holds or `limitSec` passed; its last answer.
+template <typename Condition>
+bool waitFor(Condition ready, double limitSec) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::duration<double>(limitSec);
+    while (!ready()) {
+        if (std::chrono::steady_clock::now() >= limit)
+            return ready();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
+}
+
+inline bool fileExists(const std::string& logicalPath) {
+    struct stat info {};
+    return stat(sysmgtPath(logicalPath).c_str(), &info) == 0;
+}
 
 // A process started through the shell (`command` is exec'd, so the pid is the
 // tool's own). The destructor ends it by its pid: SIGTERM, then SIGKILL after
@@ -56,16 +83,18 @@ public:
         waitFor([this] { return !running(); }, limitSec);
         return pid > 0 ? -1 : status;
     }
+    // Ends the process (SIGTERM, then SIGKILL after 10 s); its exit status, -1 when it did not end normally.
     int stop() {
         if (pid <= 0)
             return status;
         kill(pid, SIGTERM);
         int raw = 0;
-        if (!waitFor([&] { return waitpid(pid, &raw, WNOHANG) == pid; }, 10)) {
+        const bool reaped = waitFor([&] { return waitpid(pid, &raw, WNOHANG) == pid; }, 10);
+        if (!reaped) {
             kill(pid, SIGKILL);
             waitpid(pid, &raw, 0);
         }
-        status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        status = reaped && WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
         pid = -1;
         return status;
     }
@@ -75,11 +104,34 @@ private:
     int status = -1;
 };
 
-// A run of a tool to its end: standard output and error together, exit status.
+// appliance_sim as a real process in the current root, writing its traffic
+// to /tmp/traffic.log. It ends by itself after `timeoutSec`.
+class SimProcess : public ChildProcess {
+public:
+    static constexpr double START_LIMIT_SEC = 30;  // under qemu-arm and sanitizers too
+
+    explicit SimProcess(int timeoutSec = 60)
+        : ChildProcess(toolCommand("appliance_sim") + " --timeout " + std::to_string(timeoutSec) + " --traffic " +
+                       sysmgtPath("/tmp/traffic.log") + " >/dev/null") {}
+    std::string traffic() const { return readText("/tmp/traffic.log"); }
+    // True once the simulator said it is ready (its sockets bound, its data loaded).
+    bool waitReady() const { return waitTraffic("appliance_sim ready", START_LIMIT_SEC); }
+    // True once a traffic line holds `text`.
+    bool waitTraffic(const std::string& text, double limitSec = 10) const {
+        return waitFor([&] { return traffic().find(text) != std::string::npos; }, limitSec);
+    }
+};
+
+// A run of chanctl to its end: standard output and error together, exit status.
 struct ToolRun {
     std::string output;
     int status = -1;
 };
+
+// chanctl with `args` (quoted for the shell), started; read it with finishTool.
+inline FILE* startChanctl(const std::string& args) {
+    return popen((toolCommand("chanctl") + " " + args + " 2>&1").c_str(), "r");
+}
 
 inline ToolRun finishTool(FILE* pipe) {
     ToolRun run;
@@ -93,18 +145,8 @@ inline ToolRun finishTool(FILE* pipe) {
     return run;
 }
 
-// chanctl with `args` (quoted for the shell), started; read it with finishTool.
-inline FILE* startChanctl(const std::string& args) {
-    return popen((toolCommand("chanctl") + " " + args + " 2>&1").c_str(), "r");
-}
-
-inline ToolRun chanctl(const std::string& args) {
-    return finishTool(startChanctl("--timeout 20 " + args));
-}
-
-inline bool fileExists(const std::string& logicalPath) {
-    struct stat info {};
-    return stat(sysmgtPath(logicalPath).c_str(), &info) == 0;
+inline ToolRun chanctl(const std::string& args, int timeoutSec = 20) {
+    return finishTool(startChanctl("--timeout " + std::to_string(timeoutSec) + " " + args));
 }
 
 // Copies the factory datasets of etc/sysmgt into the root's /etc/sysmgt.
@@ -123,7 +165,7 @@ inline bool installFactoryData() {
 // The channel manager as the appliance runs it, in a fresh root of its own: the log
 // collector (its lines in /tmp/dbg.log), the simulated peers, and the daemon
 // (its standard output and error in /tmp/daemon.out) with its start file
-// /tmp/cm.start. Every wait is bounded; the destructor ends the three by pid.
+// /tmp/cm.start. The destructor ends the three by pid.
 class DaemonSession {
 public:
     static constexpr double START_LIMIT_SEC = 60;  // under qemu-arm and sanitizers too
@@ -151,8 +193,7 @@ public:
         unlink(sysmgtPath(startFile).c_str());
         daemon.start(toolCommand("channel_manager") + " -s " + startFile + " " + options + " > " +
                      sysmgtPath("/tmp/daemon.out") + " 2>&1");
-        daemonReady = waitFor([this] { return fileExists(startFile) && !readText(sysmgtPath(startFile)).empty(); },
-                              START_LIMIT_SEC);
+        daemonReady = waitFor([this] { return !readText(startFile).empty(); }, START_LIMIT_SEC);
     }
     // Ends the daemon only, as a power cut would (SIGKILL, no clean-up).
     void killDaemon() {
@@ -162,8 +203,8 @@ public:
     }
     bool ready() const { return factoryInstalled && loggerReady && simulatorReady && daemonReady; }
 
-    std::string log() const { return readText(sysmgtPath("/tmp/dbg.log")); }
-    std::string daemonOutput() const { return readText(sysmgtPath("/tmp/daemon.out")); }
+    std::string log() const { return readText("/tmp/dbg.log"); }
+    std::string daemonOutput() const { return readText("/tmp/daemon.out"); }
     bool waitLog(const std::string& text, double limitSec = 20) const {
         return waitFor([&] { return log().find(text) != std::string::npos; }, limitSec);
     }
@@ -185,17 +226,17 @@ private:
     bool daemonReady = false;
 };
 
-// The front end's side: an engine on sockets of its own, subscribed to the
-// channel manager, that keeps every event it receives for the test to wait
-// on. Make it after the session, inside the session's root. Events arrive on
-// the engine's server thread; the test reads them under the same mutex.
-class FrontEnd : public NullDataHolder {
+// The test's own peer, as the front end or any other service would be: an
+// engine on sockets of its own that keeps every event it receives. Make it
+// inside the root of the processes it talks to. Events arrive on the engine's
+// server thread; the test reads them under the same mutex.
+class PeerClient : public NullDataHolder {
 public:
-    FrontEnd() {
-        engine.init(this, "/tmp/sockFrontEnd", "/tmp/sockSendFrontEnd", "tFrontEnd");
+    explicit PeerClient(const std::string& socket = "/tmp/sockFrontEnd") : socket(socket) {
+        engine.init(this, socket, socket + "Send", "tPeerClient");
         engine.start();
     }
-    ~FrontEnd() override { engine.stop(); }
+    ~PeerClient() override { engine.stop(); }
 
     Fcodes handle(MessageEvent* event) override {
         std::unique_ptr<MessageEvent> owned(event);
@@ -204,12 +245,16 @@ public:
         arrived.notify_all();
         return FC_OK;
     }
-    Fcodes subscribe() { return command("SUBSCRIBE", {{"SockName", "/tmp/sockFrontEnd"}}); }
+    // Subscribes to the events of `peer`.
+    Fcodes subscribe(const std::string& peer = "/tmp/sockChan") {
+        return command(peer, "SUBSCRIBE", {{"SockName", socket}});
+    }
 
-    // Sends a command to the channel manager (one try) and returns its verdict:
-    // the Fcode of its ACK, or of its NACK (the engine's own requestCommand
-    // would turn a NACK into "Message Header Error").
-    Fcodes command(const std::string& id, const MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
+    // Sends a command (one try) and returns the peer's verdict: the Fcode of its
+    // ACK or of its NACK, the type of which is kept in `lastReplyType` (the
+    // engine's own requestCommand would turn a NACK into "Message Header Error").
+    Fcodes command(const std::string& peer, const std::string& id, const MessageParams::ParamMap& params = {},
+                   unsigned timeoutSec = 30) {
         MessageCommand request;
         request.setId(id);
         request.params = params;
@@ -220,10 +265,16 @@ public:
         header.ID = 100;
         header.Type = "COMMAND";
         header.Size = static_cast<int32_t>(body.size());
-        Fcodes code = engine.sendRequest("/tmp/sockChan", header, body, reply, replyBody, timeoutSec, 1);
+        lastReplyType.clear();
+        const Fcodes code = engine.sendRequest(peer, header, body, reply, replyBody, timeoutSec, 1);
         if (!isOk(code))
             return code;
+        lastReplyType = reply.Type;
         return reply.Type == "ACK" || reply.Type == "NACK" ? reply.Fcode : FC_HEADER_ERROR;
+    }
+    // The same to the channel manager.
+    Fcodes command(const std::string& id, const MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
+        return command("/tmp/sockChan", id, params, timeoutSec);
     }
 
     // Waits a bounded time for an event that `match` accepts; true with it in `found`.
@@ -237,6 +288,9 @@ public:
                 }
             return false;
         });
+    }
+    bool waitEvent(const std::string& id, MessageEvent& found, int limitSec = 30) {
+        return waitEvent([&](const MessageEvent& event) { return event.id == id; }, found, limitSec);
     }
     // A configuration event ("Channels Loaded", "Channels Stored") naming `file`.
     bool waitFileEvent(const std::string& id, const std::string& file, MessageEvent& found, int limitSec = 30) {
@@ -256,9 +310,14 @@ public:
     }
 
     DataCommunicator engine;
+    std::string lastReplyType;
 
 private:
+    std::string socket;
     std::mutex mutex;
     std::condition_variable arrived;
     std::vector<MessageEvent> events;
 };
+
+// FrontEnd is the front end's side of a daemon session.
+using FrontEnd = PeerClient;

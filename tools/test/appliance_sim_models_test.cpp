@@ -90,31 +90,15 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
     EXPECT_EQ("Device\nSDI_RECEIVER\nVideo Encoder CH0\n", model.assembly()) << "a failed load keeps the table";
 }
 
-TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
+// Branch starts and stops as the channel tests see them (state, events) run
+// against this model too; here what they never send.
+TEST(MediatorModel, BranchRequestsItRefusesAndTheAssembly) {
     MediatorModel model;
     MessageCommand answer;
     std::vector<MessageEvent> events;
-    auto state = [&](const std::string& branch) {
-        EXPECT_EQ(FC_OK,
-                  model.serve(makeCommand(tarnevel::CMD_GET_BRANCH_STATE, {{"Branch", branch}}), answer, events));
-        std::string value;
-        answer.getParam("Branch State", value);
-        return value;
-    };
-    EXPECT_EQ("STOP", state("UDP CH0"));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_START_BRANCH,
-                                             {{"Branch", "UDP CH0"}, {"Sync", "true"}, {"Timeout sec", "30"}}),
-                                 answer, events));
-    EXPECT_EQ("RUN", state("UDP CH0"));
-    EXPECT_EQ("STOP", state("SRT CH1"));
     EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_STOP_BRANCH, {{"Branch", "UDP CH0"}}), answer, events));
-    EXPECT_EQ("STOP", model.branchState("UDP CH0"));
-    ASSERT_EQ(2u, events.size());
-    EXPECT_EQ("Tarnevel Branch Started", events[0].id);
-    EXPECT_EQ("UDP CH0", events[0].source);
-    EXPECT_EQ("Tarnevel Branch Stopped", events[1].id);
-    EXPECT_EQ("UDP CH0", events[1].source);
-
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ("Tarnevel Branch Stopped UDP CH0", events[0].id + " " + events[0].source);
     events.clear();
     EXPECT_EQ(FC_BODY_ERROR, model.serve(makeCommand(tarnevel::CMD_START_BRANCH, {}), answer, events));
     EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand("Tarnevel Start Branch ", {{"Branch", "b"}}), answer, events));
@@ -126,45 +110,29 @@ TEST(MediatorModel, BranchStartAndStopChangeTheStateAndRaiseTheirEvents) {
 
 TEST(MediatorModel, ReceiverInputChangesRaiseAutoDetection) {
     MediatorModel model;
-    std::string error;
+    std::string error, detected;
     ASSERT_EQ(FC_OK, model.loadParams(PARAMS_JSON, error)) << error;
     std::vector<MessageEvent> events;
     ASSERT_EQ(FC_OK, model.setInput("HD-SDI", "None", events));
     ASSERT_EQ(1u, events.size());
-    EXPECT_EQ("Auto Detection Event", events[0].id);
-    EXPECT_EQ("HD-SDI", events[0].source);
-    std::string detected;
+    EXPECT_EQ("Auto Detection Event HD-SDI", events[0].id + " " + events[0].source);
     EXPECT_EQ(1, events[0].getParam("Input Detected", detected));
     EXPECT_EQ("None", detected);
-    MessageCommand answer;
-    ASSERT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_GET_PARAM, {{"Component", "SDI_RECEIVER"},
-                                                                        {"Parameter", "Video Format"},
-                                                                        {"TextValue", ""}}),
-                                 answer, events));
-    std::string format;
-    answer.getParam("TextValue", format);
-    EXPECT_EQ("None", format);
     EXPECT_EQ(FC_NO_SUCH_NAME, model.setInput("SDI 2", "None", events));
-
 }
 
-TEST(SapModel, StreamsAreAnnouncedWithdrawnAndAllCleared) {
+// What the SAP tests of the channel do not send: repeats and refusals.
+TEST(SapModel, RepeatsAreHarmlessAndRefusalsNameTheirCause) {
     SapModel model;
-    auto stream = [](const char* name, const char* port) {
-        return MessageParams::ParamMap{
-            {"ChannelName", name}, {"DestinationIp", "239.1.1.1"}, {"DestinationPort", port}};
-    };
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream("Channel 0", "5000"))));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream("Channel 1", "5002"))));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream("Channel 1", "5002"))));
-    EXPECT_EQ((std::vector<std::string>{"Channel 0 239.1.1.1:5000", "Channel 1 239.1.1.1:5002"}), model.streams());
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_SAP, stream("Channel 0", "5000"))));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_SAP, stream("Channel 0", "5000"))));
-    EXPECT_EQ(std::vector<std::string>{"Channel 1 239.1.1.1:5002"}, model.streams());
+    const MessageParams::ParamMap stream = {
+        {"ChannelName", "Channel 1"}, {"DestinationIp", "239.1.1.1"}, {"DestinationPort", "5002"}};
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream)));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream)));
     EXPECT_EQ("announced Channel 1 239.1.1.1:5002\n", model.report());
     EXPECT_EQ(FC_BODY_ERROR, model.serve(makeCommand(sim::CMD_START_SAP, {{"ChannelName", "x"}})));
     EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand("STOP ALL SAP ", {})));
-    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_ALL_SAP, {})));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_SAP, stream)));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_SAP, stream)));
     EXPECT_TRUE(model.streams().empty());
 }
 

@@ -24,29 +24,26 @@ struct BitrateInputs {
 void apply(ChannelHarness& h, const BitrateInputs& in) {
     const std::string channel = in.channel, target1 = channel + " Target1", audio = channel + " Audio1";
     const std::string owner = *in.protocol ? channel : "Spare";
-    DataHolder& d = *h.holder;
-    for (const std::string& target : {target1, channel + " Target2"})
-        ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, owner, target));
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, in.protocol, target1));
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, in.encodingFormat, channel));
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, in.rateControl, channel));
-    ASSERT_EQ(FC_OK, d.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
-                                    in.overheadPercent, channel));
-    ASSERT_EQ(FC_OK, d.initBoolParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, in.audioBitrate, audio));
-    ASSERT_EQ(FC_OK, d.initIntParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, in.audioBitrate, audio));
-    ASSERT_EQ(FC_OK,
-              d.initTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, in.audioFormat, audio));
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, in.audioSampling, audio));
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, in.klv1, channel));
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, in.klv2, channel));
-    ASSERT_EQ(FC_OK, d.initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, in.encodeVideo, channel));
+    ASSERT_TRUE(h.set({{tbl::TARGET, prop::CHANNEL_ID, target1, owner},
+                       {tbl::TARGET, prop::CHANNEL_ID, channel + " Target2", owner},
+                       {tbl::TARGET, prop::STREAMING_PROTOCOL, target1, in.protocol},
+                       {tbl::PROCESSING, prop::ENCODING_FORMAT, channel, in.encodingFormat},
+                       {tbl::PROCESSING, prop::RATE_CONTROL, channel, in.rateControl},
+                       {tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, channel, in.overheadPercent},
+                       {tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, audio, in.audioBitrate != 0},
+                       {tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, audio, in.audioBitrate},
+                       {tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, audio, in.audioFormat},
+                       {tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, audio, in.audioSampling},
+                       {tbl::PROCESSING, prop::INGEST_KLV, channel, in.klv1},
+                       {tbl::PROCESSING, prop::INGEST_KLV2, channel, in.klv2},
+                       {tbl::PROCESSING, prop::ENCODE_VIDEO, channel, in.encodeVideo}}));
 }
+
+using Bitrates = ChannelTest;
 
 // The total from a video bitrate and back, with every term of the model. The
 // figures are exact: the same table runs on the 32-bit target.
-TEST(ChannelBitrates, CalcBitratesModelsTheTransportStream) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(Bitrates, CalcBitratesModelsTheTransportStream) {
     const char *H = row::H264, *V = row::HEVC, *I = "1920x1080i", *AAC = "AAC-LC", *K48 = "48 KHz", *N = "None";
     struct Row {
         const char* name;
@@ -118,123 +115,64 @@ TEST(ChannelBitrates, CalcBitratesModelsTheTransportStream) {
     }
 }
 
-int processingInt(ChannelHarness& h, const char* channel, const char* property) {
-    int value = -1;
-    h.holder->getIntParam(ds::CHANNEL, tbl::PROCESSING, property, value, channel);
-    return value;
-}
-
-// The encoder writes of one change, without the component prefix of the channel's encoder.
-std::vector<std::string> encoderWrites(ChannelHarness& h, const std::string& encoder) {
-    std::vector<std::string> out;
-    for (const std::string& write : h.mediator.model().writes())
-        if (write.compare(0, encoder.size() + 1, encoder + "/") == 0)
-            out.push_back(write.substr(encoder.size() + 1));
-    return out;
-}
-
 // Factory HEVC: 1280x720p @ 50 over UDP, CBR, AAC-LC 128 kbit/s (211500 in
 // the stream). A total whose video share is 23899 is raised to the 23900
 // floor, the total recomputed from it and the maximum lifted to what 26290
 // needs; 23900 itself is kept.
-TEST(ChannelBitrates, OnTheFlyKeepsTheHevcMinimum) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(Bitrates, OnTheFlyKeepsTheHevcMinimum) {
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::HEVC, 355481, 300000));
-    EXPECT_EQ(23900, processingInt(h, row::HEVC, prop::VIDEO_BITRATE));
-    EXPECT_EQ(355481, processingInt(h, row::HEVC, prop::TOTAL_BITRATE));
-    EXPECT_EQ(357923, processingInt(h, row::HEVC, prop::MAX_BITRATE));
-    EXPECT_EQ((std::vector<std::string>{"Bitrate=23900", "Bitrate Margin=0", "Apply On The Fly Bitrate=1"}),
-              encoderWrites(h, "Video Encoder CH1"));
+    EXPECT_EQ(23900, h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC));
+    EXPECT_EQ(355481, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
+    EXPECT_EQ(357923, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::HEVC));
+    EXPECT_EQ((std::vector<std::string>{"Video Encoder CH1/Bitrate=23900", "Video Encoder CH1/Bitrate Margin=0",
+                                        "Video Encoder CH1/Apply On The Fly Bitrate=1"}),
+              h.writes({"Video Encoder CH1/"}));
     auto events = h.recorder.events();
     ASSERT_EQ(1u, events.size());
     EXPECT_EQ(ev::BITRATE_RECALCULATED, events[0].id);
     EXPECT_EQ(row::HEVC, events[0].rowId);
     EXPECT_EQ("prev: 5000000 new: 355481", events[0].description);
-    int summary = 0;
-    h.holder->getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, summary, row::HEVC);
-    EXPECT_EQ(355481, summary) << "updateChannel refreshes the summary";
+    EXPECT_EQ(355481, h.number(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, row::HEVC)) << "updateChannel refreshes the summary";
 
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::HEVC, 355482, 300000));
-    EXPECT_EQ(23900, processingInt(h, row::HEVC, prop::VIDEO_BITRATE));
-    EXPECT_EQ(355482, processingInt(h, row::HEVC, prop::TOTAL_BITRATE));
-    EXPECT_EQ(300000, processingInt(h, row::HEVC, prop::MAX_BITRATE)) << "no floor above the minimum";
+    EXPECT_EQ(23900, h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC));
+    EXPECT_EQ(355482, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
+    EXPECT_EQ(300000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::HEVC)) << "no floor above the minimum";
 }
 
 // Factory H.264: 1920x1080i @ 25, the same audio. Its floor is 100000 (max
 // floor for 110000); with CBR the margin is 25, with Capped VBR it follows
 // the maximum and replaces the overhead percentage. A refused encoder write
 // is logged and the change goes on.
-TEST(ChannelBitrates, OnTheFlyH264MinimumAndMargins) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(Bitrates, OnTheFlyH264MinimumAndMargins) {
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::H264, 410553, 400000));
-    EXPECT_EQ(100000, processingInt(h, row::H264, prop::VIDEO_BITRATE));
-    EXPECT_EQ(410553, processingInt(h, row::H264, prop::TOTAL_BITRATE));
-    EXPECT_EQ(420770, processingInt(h, row::H264, prop::MAX_BITRATE));
-    EXPECT_EQ((std::vector<std::string>{"Bitrate=100000", "Bitrate Margin=25"}), encoderWrites(h, "Video Encoder CH0"));
+    EXPECT_EQ(100000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::H264));
+    EXPECT_EQ(410553, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264));
+    EXPECT_EQ(420770, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::H264));
+    EXPECT_EQ((std::vector<std::string>{"Video Encoder CH0/Bitrate=100000", "Video Encoder CH0/Bitrate Margin=25"}),
+              h.writes({"Video Encoder CH0/"}));
 
     ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, value::CAPPED_VBR,
                                              row::H264));
-    std::string failed;
-    ASSERT_EQ(FC_OK, h.mediator.execute("<Command ID=\"Sim Fail\" >\n<Parameter Name=\"Command\" "
-                                        "Value=\"Tarnevel Put Param\" />\n<Parameter Name=\"Count\" Value=\"1\" />\n"
-                                        "</Command>\n",
-                                        failed));
+    ASSERT_EQ(FC_OK, h.failNext("Tarnevel Put Param", {{"Count", "1"}}));
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::H264, 5000000, 6000000));
-    EXPECT_EQ(4591798, processingInt(h, row::H264, prop::VIDEO_BITRATE));
-    EXPECT_EQ(5000000, processingInt(h, row::H264, prop::TOTAL_BITRATE));
-    EXPECT_EQ(6000000, processingInt(h, row::H264, prop::MAX_BITRATE));
-    int overhead = 0;
-    h.holder->getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overhead, row::H264);
-    EXPECT_EQ(21, overhead) << "5570522 * 100 / 4591798 - 100";
+    EXPECT_EQ(4591798, h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::H264));
+    EXPECT_EQ(5000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264));
+    EXPECT_EQ(6000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::H264));
+    EXPECT_EQ(21, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264)) << "5570522 * 100 / 4591798 - 100";
     // The second change's "Bitrate" write was refused; its margin still went out.
-    EXPECT_EQ((std::vector<std::string>{"Bitrate=100000", "Bitrate Margin=25", "Bitrate Margin=21"}),
-              encoderWrites(h, "Video Encoder CH0"));
+    EXPECT_EQ((std::vector<std::string>{"Video Encoder CH0/Bitrate=100000", "Video Encoder CH0/Bitrate Margin=25",
+                                        "Video Encoder CH0/Bitrate Margin=21"}),
+              h.writes({"Video Encoder CH0/"}));
 
     // A "Max Bitrate" of 0 would make the margin -100 and store it as the overhead: both stay at 0.
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::H264, 5000000, 0));
-    h.holder->getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overhead, row::H264);
-    EXPECT_EQ(0, overhead);
-    EXPECT_EQ("Bitrate Margin=0", encoderWrites(h, "Video Encoder CH0").back());
+    EXPECT_EQ(0, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264));
+    EXPECT_EQ("Video Encoder CH0/Bitrate Margin=0", h.writes({"Video Encoder CH0/"}).back());
 
     h.recorder.clear();
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::ALL, 5000000, 6000000));
     EXPECT_TRUE(h.recorder.events().empty());
-}
-
-// The encoder's own choices come back into the settings; "4.2" is stored as
-// "4.1", and a profile the settings cannot hold leaves the configured one.
-TEST(ChannelBitrates, AutomaticParamsReadBackTheEncoder) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
-    h.mediator.model().setParam("Video Encoder CH1", "Level", "4.2");
-    h.mediator.model().setParam("Video Encoder CH1", "Profile", "Main 4:4:4");
-    h.mediator.model().setParam("Video Encoder CH1", "Tier", "High");
-    ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::PROFILE, "Main 10", ""));
-    EXPECT_EQ(FC_OK, h.channel().updateAutomaticParams(row::HEVC));
-    std::string level, profile, tier;
-    h.holder->getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::LEVEL, level, "");
-    h.holder->getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::PROFILE, profile, "");
-    h.holder->getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, tier, "");
-    EXPECT_EQ("4.1", level);
-    EXPECT_EQ("Main 10", profile);
-    EXPECT_EQ("High", tier);
-
-    h.mediator.model().setParam("Video Encoder CH0", "QP Base", "30");
-    h.mediator.model().setParam("Video Encoder CH0", "QP Range Max", "45");
-    h.mediator.model().setParam("TS Multiplexer CH0", "Max Delay", "1200");
-    EXPECT_EQ(FC_OK, h.channel().updateAutomaticParams(row::H264));
-    struct {
-        const char* property;
-        int expected;
-    } h264[] = {{prop::QP_BASE, 30}, {prop::QP_RANGE_MIN, 10}, {prop::QP_MAX, 45},
-                {prop::INITIAL_DELAY, 500}, {prop::MAXIMUM_DELAY, 1200}};
-    for (const auto& row : h264) {
-        int value = -1;
-        h.holder->getIntParam(ds::CHANNEL, tbl::H264_ENCODER, row.property, value, "");
-        EXPECT_EQ(row.expected, value) << row.property;
-    }
 }
 
 }  // namespace

@@ -13,12 +13,6 @@ using namespace vocab;
 
 namespace {
 
-// Makes the simulated mediator refuse the next request of `commandId` with "Unavailable".
-void failNext(ChannelHarness& h, const std::string& commandId) {
-    std::string result;
-    ASSERT_EQ(FC_OK, h.mediator.execute(commandText("Sim Fail", {{"Command", commandId}}), result));
-}
-
 std::string hex(unsigned long code) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%lx", code);
@@ -31,26 +25,6 @@ std::vector<std::string> eventLines(const EventRecorder& recorder) {
     for (const RecordedEvent& event : recorder.events())
         out.push_back(event.id + " " + event.rowId + " " + hex(event.fcode));
     return out;
-}
-
-std::string text(ChannelHarness& h, const char* component, const char* property, const std::string& instance) {
-    std::string value;
-    h.holder->getTextParam(ds::CHANNEL, component, property, value, instance);
-    return value;
-}
-
-int fcodeOf(ChannelHarness& h, const std::string& channel) {
-    int value = 0;
-    h.holder->getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, value, channel);
-    return value;
-}
-
-// What the side actions of a play and a stop (SAP, KLV, LEDs) answer on the
-// factory data, which has no SAP target and KLV "None": "OK" in the
-// appliance. A play's and a stop's result holds their code.
-Fcodes sideActionsCode(ChannelHarness& h) {
-    ConfigChannelTarnevel channel = h.channel();
-    return channel.sapAction(row::H264) | channel.klvAction(row::H264) | channel.updateStreamAndErrorLeds();
 }
 
 void setTarget(ChannelHarness& h, const std::string& target, bool enabled, const char* protocol) {
@@ -75,7 +49,6 @@ struct Transition {
     std::function<void(ChannelHarness&)> setup;
     std::function<Fcodes(ChannelHarness&)> run;
     Fcodes expected;
-    bool sideActions;  // the result also holds the side actions' code
     std::vector<std::pair<std::string, std::string>> endStates;  // channel, "State"
     std::vector<std::string> events;
     std::vector<std::string> branchCommands;
@@ -96,29 +69,29 @@ const char* H = row::H264;
 const char* V = row::HEVC;
 const std::string T1 = "H.264 Target1", T2 = "H.264 Target2";
 
-TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
+TEST(PlayStop, TransitionsAgainstTheMediator) {
     const std::string played = std::string(ev::CHANNEL_PLAYED) + " ";
     const std::string closed = std::string(ev::CLOSE_ALARMS) + " ";
     const std::string stopped = std::string(ev::CHANNEL_STOPPED) + " ";
     auto none = [](ChannelHarness&) {};
     const std::vector<Transition> table = {
-        {"play: one enabled UDP target", none, command(cmd::PLAY, H), FC_OK, true,
+        {"play: one enabled UDP target", none, command(cmd::PLAY, H), FC_OK,
          {{H, state::PLAYING}, {V, state::STOPPED}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20"}},
         {"play: two enabled UDP targets share the branch",
-         [](ChannelHarness& h) { setTarget(h, T2, true, value::RTP_TS); }, command(cmd::PLAY, H), FC_OK, true,
+         [](ChannelHarness& h) { setTarget(h, T2, true, value::RTP_TS); }, command(cmd::PLAY, H), FC_OK,
          {{H, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20", "Get Branch State UDP CH0"}},
         {"play: a branch already RUN is left alone", [](ChannelHarness& h) { runBranch(h, "UDP CH0"); },
-         command(cmd::PLAY, H), FC_OK, true, {{H, state::PLAYING}},
+         command(cmd::PLAY, H), FC_OK, {{H, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"}, {"Get Branch State UDP CH0"}},
         {"play: no enabled target", [](ChannelHarness& h) { setTarget(h, T1, false, value::UDP_TS); },
-         command(cmd::PLAY, H), FC_OK, true, {{H, state::PLAYING}},
+         command(cmd::PLAY, H), FC_OK, {{H, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"}, {}},
         {"play: a last target without a branch reports Unavailable and plays",
-         [](ChannelHarness& h) { setTarget(h, T2, true, "HTTP"); }, command(cmd::PLAY, H), FC_UNAVAILABLE, true,
+         [](ChannelHarness& h) { setTarget(h, T2, true, "HTTP"); }, command(cmd::PLAY, H), FC_UNAVAILABLE,
          {{H, state::PLAYING}}, {played + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20"}},
         {"play: only the last target's code is kept",
@@ -126,12 +99,11 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
              setTarget(h, T1, true, "HTTP");
              setTarget(h, T2, true, value::UDP_TS);
          },
-         command(cmd::PLAY, H), FC_OK, true, {{H, state::PLAYING}},
+         command(cmd::PLAY, H), FC_OK, {{H, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20"}},
         {"play: a failed start stops the channel and answers the start's code",
-         [](ChannelHarness& h) { failNext(h, "Tarnevel Start Branch"); }, command(cmd::PLAY, H), FC_UNAVAILABLE,
-         false, {{H, state::STOPPED}},
+         [](ChannelHarness& h) { ASSERT_EQ(FC_OK, h.failNext("Tarnevel Start Branch")); }, command(cmd::PLAY, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
          {std::string(ev::CHANNEL_PLAY_ERROR) + " H.264 0x10100", stopped + "H.264 0x20000",
           closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20", "Get Branch State UDP CH0"}},
@@ -139,9 +111,9 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
          [](ChannelHarness& h) {
              setTarget(h, T2, true, value::ZIXI);
              runBranch(h, "UDP CH0");
-             failNext(h, "Tarnevel Start Branch");
+             ASSERT_EQ(FC_OK, h.failNext("Tarnevel Start Branch"));
          },
-         command(cmd::PLAY, H), FC_UNAVAILABLE, false, {{H, state::STOPPED}},
+         command(cmd::PLAY, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
          {std::string(ev::CHANNEL_PLAY_ERROR) + " H.264 0x10100", stopped + "H.264 0x20000",
           closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Get Branch State ZIXI CH0", "Start Branch ZIXI CH0 sync=20",
@@ -153,22 +125,22 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
              runBranch(h, "UDP CH0");
              runBranch(h, "ZIXI CH0");
          },
-         command(cmd::STOP, H), FC_OK, true, {{H, state::STOPPED}},
+         command(cmd::STOP, H), FC_OK, {{H, state::STOPPED}},
          {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State ZIXI CH0", "Stop Branch ZIXI CH0", "Get Branch State UDP CH0",
           "Stop Branch UDP CH0 sync=20"}},
-        {"stop: a stopped channel sends nothing", none, command(cmd::STOP, H), FC_OK, false, {{H, state::STOPPED}},
+        {"stop: a stopped channel sends nothing", none, command(cmd::STOP, H), FC_OK, {{H, state::STOPPED}},
          {}, {}},
         {"stop: a stopping channel sends nothing",
          [](ChannelHarness& h) { setChannel(h, H, state::STOPPING, cond::DATA_STREAM); }, command(cmd::STOP, H),
-         FC_OK, false, {{H, state::STOPPING}}, {}, {}},
+         FC_OK, {{H, state::STOPPING}}, {}, {}},
         {"stop: a refused branch stop is reported in the event",
          [](ChannelHarness& h) {
              setChannel(h, H, state::PLAYING, FC_OK);
              runBranch(h, "UDP CH0");
-             failNext(h, "Tarnevel Stop Branch");
+             ASSERT_EQ(FC_OK, h.failNext("Tarnevel Stop Branch"));
          },
-         command(cmd::STOP, H), FC_UNAVAILABLE, true, {{H, state::STOPPED}},
+         command(cmd::STOP, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
          {stopped + "H.264 0x10100", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
         {"stop: a format change holds the channel in Stopping",
@@ -176,18 +148,17 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
              setChannel(h, H, state::PLAYING, cond::FORMAT_CHANGED);
              runBranch(h, "UDP CH0");
          },
-         stopChannel(H), FC_OK, true, {{H, state::STOPPING}},
+         stopChannel(H), FC_OK, {{H, state::STOPPING}},
          {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
         {"stop: a data-stream condition holds the channel in Stopping",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYED, cond::DATA_STREAM); }, stopChannel(H), FC_OK, true,
+         [](ChannelHarness& h) { setChannel(h, H, state::PLAYED, cond::DATA_STREAM); }, stopChannel(H), FC_OK,
          {{H, state::STOPPING}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0"}},
         {"stop: a lost input does not hold the channel",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYING, cond::CHANNEL_ERROR); }, stopChannel(H), FC_OK,
-         true, {{H, state::STOPPED}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
+         [](ChannelHarness& h) { setChannel(h, H, state::PLAYING, cond::CHANNEL_ERROR); }, stopChannel(H), FC_OK, {{H, state::STOPPED}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0"}},
-        {"RowID 0 plays both channels", none, command(cmd::PLAY, row::ALL_NUMERIC), FC_OK, true,
+        {"RowID 0 plays both channels", none, command(cmd::PLAY, row::ALL_NUMERIC), FC_OK,
          {{H, state::PLAYING}, {V, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000", played + "HEVC 0x20000", closed + "HEVC 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20", "Get Branch State UDP CH1",
@@ -198,13 +169,12 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
              setChannel(h, V, state::STOPPED, FC_OK);
              runBranch(h, "UDP CH0");
          },
-         command(cmd::STOP, row::ALL_NUMERIC), FC_OK, true, {{H, state::STOPPED}, {V, state::STOPPED}},
+         command(cmd::STOP, row::ALL_NUMERIC), FC_OK, {{H, state::STOPPED}, {V, state::STOPPED}},
          {stopped + "H.264 0x20000", closed + "H.264 0x20000", "STOP ALL SAP  0x0"},
          {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
-        {"RowID 2 is refused", none, command(cmd::PLAY, "2"), FC_BAD_VALUE, false,
+        {"RowID 2 is refused", none, command(cmd::PLAY, "2"), FC_BAD_VALUE,
          {{H, state::STOPPED}, {V, state::STOPPED}}, {}, {}},
-        {"a statistics command on a channel does nothing", none, command(cmd::UPDATE_ZIXI_STATISTICS, H), FC_OK,
-         false, {{H, state::STOPPED}}, {}, {}},
+        {"a statistics command on a channel does nothing", none, command(cmd::UPDATE_ZIXI_STATISTICS, H), FC_OK, {{H, state::STOPPED}}, {}, {}},
     };
 
     for (const Transition& t : table) {
@@ -212,14 +182,13 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
         ASSERT_TRUE(h.ready()) << t.name;
         MediatorTranscript transcript(h);
         ASSERT_TRUE(transcript.ready()) << t.name;
-        const Fcodes side = t.sideActions ? sideActionsCode(h) : FC_OK;
         t.setup(h);
         transcript.mark();
         h.recorder.clear();
 
-        EXPECT_EQ(hex(t.expected | side), hex(t.run(h))) << t.name;
+        EXPECT_EQ(hex(t.expected), hex(t.run(h))) << t.name;
         for (const auto& [channel, expectedState] : t.endStates)
-            EXPECT_EQ(expectedState, text(h, tbl::CHANNELS, prop::STATE, channel)) << t.name << ": " << channel;
+            EXPECT_EQ(expectedState, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, channel)) << t.name << ": " << channel;
         EXPECT_EQ(t.events, eventLines(h.recorder)) << t.name;
         EXPECT_EQ(t.branchCommands, transcript.branchCommands()) << t.name;
     }
@@ -227,18 +196,118 @@ TEST(ChannelStateMachine, TransitionsAgainstTheMediator) {
 
 // "Stop" marks the channel as stopped by the user, also when it was stopped
 // already; a play clears the mark.
-TEST(ChannelStateMachine, ForcedStopCodeAndPlayClearsIt) {
+TEST(PlayStop, ForcedStopCodeAndPlayClearsIt) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     std::string response;
     EXPECT_EQ(FC_OK, h.channel().execute(commandText(cmd::STOP, {{cmd::PARAM_ROW_ID, H}}), response));
-    EXPECT_EQ(static_cast<int>(cond::FORCED_STOP), fcodeOf(h, H));
-    EXPECT_EQ(static_cast<int>(FC_OK), fcodeOf(h, V));
+    EXPECT_EQ(static_cast<int>(cond::FORCED_STOP), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H));
+    EXPECT_EQ(static_cast<int>(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, V));
     h.channel().playChannel(H);
-    EXPECT_EQ(static_cast<int>(FC_OK), fcodeOf(h, H));
-    EXPECT_EQ(state::STATUS_OK, text(h, tbl::CHANNELS, prop::STATUS, H));
+    EXPECT_EQ(static_cast<int>(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H));
+    EXPECT_EQ(state::STATUS_OK, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, H));
 
     EXPECT_EQ(FC_BODY_ERROR, h.channel().execute("no tags here", response));
+}
+
+// Branch events are checked against the channel and change nothing; an SRT
+// branch is never tied to a channel.
+TEST(PlayStop, BranchEventsChangeNothing) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    struct {
+        const char *event, *branch, *chanState;
+        Fcodes expected;
+    } rows[] = {
+        {ev::BRANCH_STOPPED, "UDP CH0", state::PLAYED, FC_OK},
+        {ev::BRANCH_STARTED, "UDP CH0", state::STOPPING, FC_OK},
+        {ev::BRANCH_STOPPED, "ZIXI CH1 ULL", state::PLAYING, FC_OK},
+        {ev::BRANCH_STOPPED, "SRT CH0", state::PLAYING, FC_UNAVAILABLE},
+    };
+    for (const auto& r : rows) {
+        const std::string channel = std::string(r.branch).find("CH0") != std::string::npos ? row::H264 : row::HEVC;
+        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, r.chanState, channel));
+        MessageEvent event;
+        event.id = r.event;
+        event.source = r.branch;
+        EXPECT_EQ(r.expected, h.channel().handleTarnevelBranchEvent(&event)) << r.event << " " << r.branch;
+        EXPECT_EQ(r.chanState, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, channel)) << r.event << " " << r.branch;
+    }
+    EXPECT_TRUE(h.recorder.events().empty());
+}
+
+// The wait polls every 5 ms for at most its time; not getting there is no failure.
+TEST(PlayStop, WaitWhileInTransitionPollsWithinItsTime) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    MediatorTranscript transcript(h);
+    ASSERT_TRUE(transcript.ready());
+    ASSERT_EQ(FC_OK, ITarnevelClient::startTarnevelBranch(h.holder.get(), "UDP CH0", false, 1));
+    transcript.mark();
+    EXPECT_EQ(FC_OK, h.channel().waitWhileInTransition("UDP CH0", state::BRANCH_RUN, 1000));
+    EXPECT_EQ(1u, transcript.branchCommands().size()) << "already there: one read";
+    transcript.mark();
+    EXPECT_EQ(FC_OK, h.channel().waitWhileInTransition("UDP CH1", state::BRANCH_RUN, 20));
+    EXPECT_EQ(std::vector<std::string>(5, "Get Branch State UDP CH1"), transcript.branchCommands())
+        << "a first read and four polls in 20 ms";
+}
+
+// A playing channel whose source is gone turns "ERROR" with "Channel Error",
+// but only when it takes video or embedded audio from that source.
+TEST(PlayStop, ChannelStatusFollowsTheSource) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    DataHolder& d = *h.holder;
+    const std::string audio1 = "H.264 Audio1";
+    ASSERT_EQ(FC_OK, d.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, false, value::SRC_HD_SDI));
+    h.channel().updateChannelStatus(row::H264);
+    EXPECT_TRUE(h.recorder.events().empty()) << "stopped";
+    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, row::H264));
+    ASSERT_EQ(FC_OK, d.initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, false, row::H264));
+    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, "Balanced analog", audio1));
+    h.channel().updateChannelStatus(row::H264);
+    EXPECT_TRUE(h.recorder.events().empty()) << "nothing taken from the source";
+    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, value::AUDIO_HDMI_EMBEDDED,
+                                     audio1));
+    EXPECT_EQ(FC_OK, h.channel().updateChannelStatus(row::H264));
+    EXPECT_EQ(state::STATUS_ERROR, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row::H264));
+    ASSERT_EQ(1u, h.recorder.events().size());
+    const RecordedEvent event = h.recorder.events()[0];
+    EXPECT_EQ(ev::CHANNEL_ERROR + std::string(" H.264 ON"), event.id + " " + event.rowId + " " + event.status);
+    EXPECT_EQ(cond::CHANNEL_ERROR, event.fcode);
+}
+
+// Start-up: every channel stopped and configured; a channel that was playing
+// plays again when its input fits and stays stopped when it does not.
+TEST(PlayStop, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
+    ChannelHarness h;
+    ASSERT_TRUE(h.ready());
+    MediatorTranscript transcript(h);
+    ASSERT_TRUE(transcript.ready());
+    DataHolder& d = *h.holder;
+    for (const char* channel : {row::H264, row::HEVC})
+        ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, channel));
+    ASSERT_EQ(FC_OK, d.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x20020, row::HEVC));
+    // HEVC encodes 1280x720p, which cannot be made from a standard-definition input.
+    ASSERT_EQ(FC_OK, d.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, "720x576i @ 25",
+                                     value::SRC_HDMI));
+    transcript.mark();
+    h.channel().configChannels();
+    EXPECT_EQ(state::PLAYING, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::H264));
+    EXPECT_EQ(state::STOPPED, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC));
+    EXPECT_EQ(0x10000, h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::HEVC));
+    EXPECT_EQ((std::vector<std::string>{"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20"}),
+              transcript.branchCommands());
+    // A configuration event per channel in order ("Channel Configured", or
+    // "Channel Config Error" with the failure), then the replay's events.
+    std::vector<std::string> names;
+    for (const RecordedEvent& event : h.recorder.events())
+        names.push_back(event.id == ev::CHANNEL_CONFIG_ERROR && event.fcode != FC_OK
+                            ? std::string(ev::CHANNEL_CONFIGURED) + " " + event.rowId
+                            : event.id + " " + event.rowId);
+    EXPECT_EQ((std::vector<std::string>{"Channel Configured H.264", "Channel Configured HEVC", "Channel Played H.264",
+                                        "Close Alarms H.264"}),
+              names);
 }
 
 }  // namespace

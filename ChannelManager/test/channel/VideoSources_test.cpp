@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "support/SideActionTestSupport.h"
+#include "support/ChannelHarness.h"
 
 using namespace vocab;
 
@@ -15,26 +15,24 @@ Fcodes detect(ChannelHarness& h, const std::string& source, const std::string& f
 }
 
 std::string sourceRow(ChannelHarness& h, const std::string& source) {
-    bool connected = false;
-    h.holder->getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
-    return textOf(h, ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, source) + (connected ? " +" : " -");
+    const bool connected = h.flag(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, source);
+    return h.text(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, source) + (connected ? " +" : " -");
 }
 
 // "State Fcode Status FormatChanged" of a channel.
 std::string channelRow(ChannelHarness& h, const char* row) {
-    bool changed = false;
-    h.holder->getBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, changed, row);
+    const bool changed = h.flag(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, row);
     char fcode[16];
-    snprintf(fcode, sizeof fcode, "%x", intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row));
-    return textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode + " " +
-           textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row) + (changed ? " changed" : "");
+    snprintf(fcode, sizeof fcode, "%x", h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row));
+    return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode + " " +
+           h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row) + (changed ? " changed" : "");
 }
 
 }  // namespace
 
-TEST(ChannelVideoSources, RefreshFromTheReceiverOrTheEvent) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+using VideoSources = ChannelTest;
+
+TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
     struct Row {
         const char* source;
         const char* receiverFormat;  // nullptr: the event carries the format
@@ -48,7 +46,7 @@ TEST(ChannelVideoSources, RefreshFromTheReceiverOrTheEvent) {
     for (const Row& row : rows) {
         h.recorder.clear();
         if (row.receiverFormat) {
-            simControl(h, wire::SOCK_MEDIATOR, "Sim Set Input",
+            h.simControl("Sim Set Input",
                        {{"Source", row.source}, {"Input Detected", row.receiverFormat}});
             EXPECT_EQ(h.channel().updateVideoSource(std::string(row.source)), FC_OK) << row.expected;
         } else {
@@ -67,14 +65,12 @@ TEST(ChannelVideoSources, RefreshFromTheReceiverOrTheEvent) {
     EXPECT_EQ(h.channel().updateVideoSource(std::string("SDI 2")), FC_NO_SUCH_NAME);
     EXPECT_EQ(detect(h, "SDI 2", "None"), FC_NO_SUCH_NAME);
     // An unanswered receiver is no lost input: the row stays.
-    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
+    ASSERT_EQ(h.failNext("Tarnevel Get Param"), FC_OK);
     EXPECT_EQ(h.channel().updateVideoSource(std::string("HD-SDI")), FC_UNAVAILABLE);
     EXPECT_EQ(sourceRow(h, "HD-SDI"), "1920x1080i @ 25 +");
 }
 
-TEST(ChannelVideoSources, PlayingChannelFollowsItsInput) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
     ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
     struct Step {
         const char* format;  // of HD-SDI, the source of "H.264"
@@ -96,7 +92,7 @@ TEST(ChannelVideoSources, PlayingChannelFollowsItsInput) {
         ASSERT_FALSE(names.empty());
         EXPECT_EQ(names.size() > 1 ? names[names.size() - 2] : "", step.lastEvent ? step.lastEvent : "") << step.format;
     }
-    EXPECT_EQ(textOf(h, ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 25");
+    EXPECT_EQ(h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 25");
     // A user's stop is never undone by the input.
     ASSERT_EQ(h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x20020, row::HEVC), FC_OK);
     detect(h, "HDMI", "None");
@@ -104,14 +100,12 @@ TEST(ChannelVideoSources, PlayingChannelFollowsItsInput) {
     EXPECT_EQ(channelRow(h, row::HEVC), "Stopped 20020 OK");
 }
 
-TEST(ChannelVideoSources, FormatAsDetectedReconfiguresAndPlaysAgain) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(VideoSources, FormatAsDetectedReconfiguresAndPlaysAgain) {
     h.holder->initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, true, row::H264);
     ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
     detect(h, "HD-SDI", "1920x1080i @ 30");
     EXPECT_EQ(channelRow(h, row::H264), "Playing 10000 OK changed");
-    EXPECT_EQ(textOf(h, ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 30");
+    EXPECT_EQ(h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 30");
     const std::vector<std::string> names = h.recorder.names();
     EXPECT_NE(std::find(names.begin(), names.end(), "Channel Stopped H.264"), names.end());
     EXPECT_EQ(h.mediator.model().branchState("UDP CH0"), "RUN");

@@ -8,33 +8,20 @@
 #include <cstring>
 
 #include "daemon/DaemonFiles.h"
+#include "TestFiles.h"
 #include "TestRoot.h"
 #include "system/SysmgtRoot.h"
-
-namespace {
-
-std::string readAll(const std::string& logicalPath) {
-    FILE* file = std::fopen(sysmgtPath(logicalPath).c_str(), "r");
-    if (file == nullptr)
-        return "<missing>";
-    char buffer[128] = {};
-    size_t got = std::fread(buffer, 1, sizeof buffer - 1, file);
-    std::fclose(file);
-    return std::string(buffer, got);
-}
-
-}  // namespace
 
 TEST(DaemonFiles, PidAndStartFilesUnderTheRoot) {
     TestRoot root;
     const std::string pid = std::to_string(getpid());
     EXPECT_TRUE(writePidFile("/tmp/cm.pid"));
-    EXPECT_EQ(pid + "\n", readAll("/tmp/cm.pid"));
+    EXPECT_EQ(pid + "\n", readText("/tmp/cm.pid"));
     EXPECT_TRUE(writeStartFile("/tmp/cm.start"));
-    EXPECT_EQ("0:" + pid + ":0\n", readAll("/tmp/cm.start"));
+    EXPECT_EQ("0:" + pid + ":0\n", readText("/tmp/cm.start"));
     // A second start truncates, never appends.
     EXPECT_TRUE(writeStartFile("/tmp/cm.start"));
-    EXPECT_EQ("0:" + pid + ":0\n", readAll("/tmp/cm.start"));
+    EXPECT_EQ("0:" + pid + ":0\n", readText("/tmp/cm.start"));
     // Paths that cannot be opened are skipped, not fatal.
     EXPECT_FALSE(writePidFile("/no/such/dir/cm.pid"));
     EXPECT_FALSE(writeStartFile("/no/such/dir/cm.start"));

@@ -14,7 +14,6 @@
 #include "support/ChannelPipelineSupport.h"
 #include "support/ManagerHarness.h"
 #include "support/MediatorTranscript.h"
-#include "support/SideActionTestSupport.h"
 
 using namespace vocab;
 
@@ -39,9 +38,9 @@ Fcodes detect(ChannelHarness& h, const std::string& source, const std::string& f
 // "State Fcode Status" of a channel, the code in hexadecimal.
 std::string channelRow(ChannelHarness& h, const std::string& rowId) {
     char fcode[16];
-    std::snprintf(fcode, sizeof fcode, "%x", intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, rowId));
-    return textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, rowId) + " " + fcode + " " +
-           textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATUS, rowId);
+    std::snprintf(fcode, sizeof fcode, "%x", h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, rowId));
+    return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, rowId) + " " + fcode + " " +
+           h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, rowId);
 }
 
 long count(const std::vector<std::string>& list, const std::string& item) {
@@ -102,7 +101,7 @@ TEST(OperatorFlows, ActivateRowConfiguresReadsBackAndProbes) {
             .text(tbl::TARGET, prop::TARGET_ADDRESS, "HEVC Target1", "127.0.0.1");
         ASSERT_TRUE(b.ok);
         if (refused) {
-            ASSERT_EQ(FC_OK, simFail(h, "Tarnevel Put Param"));
+            ASSERT_EQ(FC_OK, h.failNext("Tarnevel Put Param"));
         }
         const Fcodes reply = activate(h, row::HEVC);
         ASSERT_TRUE(ProbeRegistry::instance().waitIdle(std::chrono::seconds(20)));
@@ -112,7 +111,7 @@ TEST(OperatorFlows, ActivateRowConfiguresReadsBackAndProbes) {
         h.holder->getBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, changed, row::HEVC);
         EXPECT_FALSE(changed) << refused;
         EXPECT_EQ(1, count(h.mediator.model().writes(), "VIDEO_MIXER_CH1/Brightness=60")) << refused;
-        EXPECT_EQ("Main", textOf(h, ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, "")) << "read back, " << refused;
+        EXPECT_EQ("Main", h.text(ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, "")) << "read back, " << refused;
         EXPECT_EQ(refused ? 0 : 1, count(names, "Channel Configured HEVC")) << refused;
         if (canPing) {
             EXPECT_EQ(refused ? 0 : 1, count(names, "Target Connection OK HEVC")) << refused;
@@ -251,7 +250,7 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
             else
                 command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
             EXPECT_EQ(step.channel, channelRow(h, row::H264)) << asDetected << " " << (step.input ? step.input : "Stop");
-            EXPECT_EQ("1920x1080i", textOf(h, ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264))
+            EXPECT_EQ("1920x1080i", h.text(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264))
                 << asDetected << " " << (step.input ? step.input : "Stop");
         }
     }
@@ -290,7 +289,7 @@ TEST(OperatorFlows, TheInputComingBackClosesTheAlarmHoweverTheLossArose) {
         detect(h, value::SRC_HD_SDI, "1920x1080i @ 25");
         EXPECT_EQ("Playing 10000 OK", channelRow(h, row::H264)) << f.name;
         EXPECT_EQ(1, count(h.recorder.names(), "Close Alarms H.264")) << f.name;
-        const std::vector<std::string> leds = writesTo(h, "Device/Error LED=");
+        const std::vector<std::string> leds = h.writes({"Device/Error LED="});
         EXPECT_EQ("Device/Error LED=0", leds.empty() ? "" : leds.back()) << f.name;
     }
 }
@@ -305,13 +304,14 @@ TEST(OperatorFlows, APlayWithAFailedSideActionRecordsTheRunningFormat) {
         {"SAP announcer refuses",
          [](ChannelHarness& h) {
              h.holder->initBoolParam(ds::CHANNEL, tbl::TARGET, prop::SAP, true, "H.264 Target1");
-             simControl(h, wire::SOCK_SAP, "Sim Fail", {{"Command", "START_SAP"}});
+             std::string reply;
+             h.sap.execute(commandText("Sim Fail", {{"Command", "START_SAP"}}), reply);
          }},
         {"KLV branch refused",
          [](ChannelHarness& h) {
              h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, "SDI-Sync", row::H264);
              ITarnevelClient::startTarnevelBranch(h.holder.get(), "UDP CH0", false, 1);
-             simFail(h, "Tarnevel Start Branch");
+             h.failNext("Tarnevel Start Branch");
          }},
     };
     for (const auto& f : flows) {
@@ -321,7 +321,7 @@ TEST(OperatorFlows, APlayWithAFailedSideActionRecordsTheRunningFormat) {
                                                  row::H264));
         f.fault(h);
         EXPECT_NE(FC_OK, h.channel().playChannel(row::H264)) << f.name;
-        EXPECT_EQ("1920x1080i @ 25", textOf(h, ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264)) << f.name;
+        EXPECT_EQ("1920x1080i @ 25", h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264)) << f.name;
         h.recorder.clear();
         detect(h, value::SRC_HD_SDI, "1920x1080i @ 25");
         EXPECT_EQ("Playing 10000 OK", channelRow(h, row::H264)) << f.name;
@@ -347,12 +347,12 @@ TEST(OperatorFlows, SharedInputAndFrameRateRatioInSectionOrder) {
     h.mediator.model().clearRecords();
     EXPECT_TRUE(noWriteFailed(activate(h, row::H264)));
     const std::vector<std::string> writes = h.mediator.model().writes();
-    EXPECT_EQ("Pair 3", textOf(h, ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_TRACK, "H.264 Audio1"));
+    EXPECT_EQ("Pair 3", h.text(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_TRACK, "H.264 Audio1"));
     // 5000000 bit/s at 25 pictures a second: 4591798 of video.
     for (const char* w : {"AUDIO_MUX_STR0_CH0/Input=SDI_IN_ITF Port 3", "Video Encoder CH0/Frame Rate Ratio=Input 1/2",
                           "Video Encoder CH0/Frame Sampling=25", "Video Encoder CH0/Bitrate=4591798"})
         EXPECT_EQ(1, count(writes, w)) << w;
-    EXPECT_EQ(25, intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, row::H264));
+    EXPECT_EQ(25, h.number(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, row::H264));
     EXPECT_EQ("1920x1080p @ 25", b.summary(prop::RESOLUTION, row::H264));
 }
 
@@ -386,8 +386,8 @@ TEST(OperatorFlows, AConfigurationAppliesTheBitrateFloorsAndMargin) {
         h.mediator.model().clearRecords();
         EXPECT_TRUE(noWriteFailed(activate(h, r.rowId))) << r.rowId;
         const std::string name = std::string(r.rowId) + " " + r.rateControl;
-        EXPECT_EQ(r.totalAfter, intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, r.rowId)) << name;
-        EXPECT_EQ(r.maxAfter, intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, r.rowId)) << name;
+        EXPECT_EQ(r.totalAfter, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, r.rowId)) << name;
+        EXPECT_EQ(r.maxAfter, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, r.rowId)) << name;
         for (const std::string& w : r.writes)
             EXPECT_EQ(1, count(h.mediator.model().writes(), w)) << name << ": " << w;
         std::vector<std::string> recalculated;
@@ -398,7 +398,7 @@ TEST(OperatorFlows, AConfigurationAppliesTheBitrateFloorsAndMargin) {
                   recalculated)
             << name;
         if (std::string(r.rateControl) == "Capped VBR") {
-            EXPECT_EQ(21, intOf(h, ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, r.rowId));
+            EXPECT_EQ(21, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, r.rowId));
         }
     }
 }
@@ -424,8 +424,8 @@ TEST(OperatorFlows, OnTheFlyForOneChannelPlayAndActivateForAll) {
         Params params = r.rowId;
         params.insert(params.end(), bitrates.begin(), bitrates.end());
         EXPECT_EQ(FC_OK, command(h, cmd::CHANGE_ON_THE_FLY, params)) << r.name;
-        EXPECT_EQ(r.h264Total, intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264)) << r.name;
-        EXPECT_EQ(r.hevcTotal, intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC)) << r.name;
+        EXPECT_EQ(r.h264Total, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264)) << r.name;
+        EXPECT_EQ(r.hevcTotal, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC)) << r.name;
         const bool changed = std::string(r.name) == "HEVC";
         EXPECT_EQ(changed, !h.mediator.model().writes().empty()) << r.name;
         EXPECT_EQ(changed ? 1 : 0, count(h.recorder.names(), "Bitrate Recalculated HEVC")) << r.name;
@@ -436,6 +436,6 @@ TEST(OperatorFlows, OnTheFlyForOneChannelPlayAndActivateForAll) {
     const std::vector<std::string> names = h.recorder.names();
     for (const char* channel : {row::H264, row::HEVC}) {
         EXPECT_EQ(1, count(names, std::string("Channel Configured ") + channel)) << channel;
-        EXPECT_EQ("Playing", textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, channel)) << channel;
+        EXPECT_EQ("Playing", h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, channel)) << channel;
     }
 }

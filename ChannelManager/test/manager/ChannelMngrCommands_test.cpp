@@ -1,7 +1,6 @@
 // The channel manager's command table, through execute as the engine calls
 // it: missing parameters and their log lines, letter case, the loading of
-// channel files and the acceptance of changes. (The stored file and its
-// archive are tested with the daemon as a process, in tests/system.)
+// channel files and the acceptance of changes.
 #include <gtest/gtest.h>
 
 #include <json/json.h>
@@ -11,9 +10,9 @@
 #include "support/ManagerHarness.h"
 #include "system/SysmgtRoot.h"
 
-TEST(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
-    ManagerHarness h;
-    ASSERT_TRUE(h.ready());
+using ChannelMngrCommands = ManagerTest;
+
+TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     const struct {
         const char* id;
         Fcodes expected;
@@ -55,9 +54,7 @@ TEST(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     EXPECT_FALSE(h.manager.isChanged());
 }
 
-TEST(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
-    ManagerHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
     for (const char* id : {"play", "STOP", "Load_Channels", "Set dvi mode", "Accept Changes "}) {
         h.takeLog();
         // Handed to the worker: the requester hears "OK" for the hand-over.
@@ -73,9 +70,7 @@ TEST(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
     EXPECT_TRUE(h.waitLog("deleteRow: Unsupported"));
 }
 
-TEST(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDefaults) {
-    ManagerHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDefaults) {
     std::vector<std::string> channels;
 
     // A missing file: the load's own failure, no channel data, the event all the same.
@@ -116,9 +111,7 @@ TEST(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDef
     EXPECT_NE(FC_OK, h.manager.getInstances("Default Dataset", "ChannelsTable", channels));
 }
 
-TEST(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
-    ManagerHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
     ASSERT_EQ(FC_OK, h.manager.loadDataSet(vocab::path::FACTORY_CHANNELS));
     // Nothing pending: "OK", nothing touched.
     EXPECT_EQ(FC_OK, h.execute("Accept Changes"));
@@ -130,9 +123,7 @@ TEST(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
     EXPECT_EQ(FC_OK, h.execute("Accept Changes"));
     EXPECT_TRUE(h.waitLog("acceptChanges: dataSets_json changed."));
     EXPECT_FALSE(h.manager.isChanged());
-    std::string name;
-    EXPECT_EQ(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
-    EXPECT_EQ("Studio", name);
+    EXPECT_EQ("Studio", h.text("ChannelDataSet", "ChannelsTable", "Channel Name", "HEVC"));
 
     // "Rollback Changes" drops the JSON datasets' pending edits too.
     ASSERT_EQ(FC_OK, h.manager.setTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", "Stale", "HEVC"));
@@ -144,6 +135,7 @@ TEST(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
     h.execute("LOAD_CHANNELS", {{"File", "Default"}});
     EXPECT_FALSE(h.manager.isChangedDataSet("ChannelDataSet"));
     EXPECT_TRUE(h.manager.isChangedDataSet("VideoSourceDataSet"));
+    std::string name;
     EXPECT_EQ(FC_OK, h.manager.getNewTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
     EXPECT_EQ("HEVC Stream 1", name) << "the factory name, not the stale edit";
 }

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "support/SideActionTestSupport.h"
+#include "support/ChannelHarness.h"
 
 using namespace vocab;
 
-TEST(ChannelDataStream, ConditionEventsChangeOnlyTheFcode) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+using DataStreamEvents = ChannelTest;
+
+TEST_F(DataStreamEvents, ConditionEventsChangeOnlyTheFcode) {
     struct Step {
         const char* event;
         const char* status;
@@ -28,25 +28,23 @@ TEST(ChannelDataStream, ConditionEventsChangeOnlyTheFcode) {
             h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, step.fcodeBefore, row::HEVC);
         MessageEvent event = mediatorEvent(step.event, row::HEVC, step.status);
         EXPECT_EQ(h.channel().handleDataStreamEvent(&event), FC_OK) << step.event << " " << step.status;
-        EXPECT_EQ(intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::HEVC), step.fcodeAfter)
+        EXPECT_EQ(h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::HEVC), step.fcodeAfter)
             << step.event << " " << step.status << " before 0x" << std::hex << step.fcodeBefore;
-        EXPECT_EQ(textOf(h, ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC), state::STOPPED) << step.event;
+        EXPECT_EQ(h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC), state::STOPPED) << step.event;
     }
-    EXPECT_EQ(intOf(h, ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::H264), 0x10000);
+    EXPECT_EQ(h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::H264), 0x10000);
     EXPECT_TRUE(h.recorder.events().empty());
     MessageEvent notAChannel = mediatorEvent(ev::DATA_STREAM, "ALL", "ON");
     EXPECT_EQ(h.channel().handleDataStreamEvent(&notAChannel), FC_NO_SUCH_NAME);
 }
 
-TEST(ChannelDataStream, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
-    auto request = [&h](const char* total) {
+TEST_F(DataStreamEvents, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
+    auto request = [this](const char* total) {
         MessageEvent event =
             mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::H264, "ON", {{"Total Bitrate", total}});
         return h.channel().handleDataStreamEvent(&event);
     };
-    auto backup = [&h](const char* p) { return intOf(h, ds::CHANNEL, tbl::PROCESSING_BACKUP, p, row::H264); };
+    auto backup = [this](const char* p) { return h.number(ds::CHANNEL, tbl::PROCESSING_BACKUP, p, row::H264); };
     EXPECT_EQ(request("5000000"), FC_OK);  // the current total: nothing happens
     EXPECT_EQ(request(""), FC_BODY_ERROR);
     EXPECT_EQ(backup(prop::TOTAL_BITRATE), 0);
@@ -55,7 +53,7 @@ TEST(ChannelDataStream, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
     request("0x3d0900");  // another total: forwarded, and the configuration saved
     EXPECT_EQ(h.recorder.names(),
               (std::vector<std::string>{"Zixi Change Bitrate Request H.264", "Bitrate Recalculated H.264"}));
-    EXPECT_EQ(intOf(h, ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264), 4000000);
+    EXPECT_EQ(h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264), 4000000);
     EXPECT_EQ(h.recorder.events()[0].description, "bitrate: 4000000 bps");
     EXPECT_EQ(backup(prop::TOTAL_BITRATE), 5000000);
     EXPECT_EQ(backup(prop::MAX_BITRATE), 6000000);
@@ -66,9 +64,7 @@ TEST(ChannelDataStream, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
     EXPECT_EQ(backup(prop::TOTAL_BITRATE), 5000000);
 }
 
-TEST(ChannelDataStream, NewSrtClientTellsEachSenderWhatItsChannelLeaves) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
+TEST_F(DataStreamEvents, NewSrtClientTellsEachSenderWhatItsChannelLeaves) {
     h.holder->initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, 8000000, row::HEVC);
     const char* figures[][2] = {
         {"Srt Sender CH0", "1.5"}, {"Srt Sender CH0 2", "6"}, {"Srt Sender CH1", "0.25"}, {"Srt Sender CH1 2", "x"}};
@@ -82,12 +78,12 @@ TEST(ChannelDataStream, NewSrtClientTellsEachSenderWhatItsChannelLeaves) {
         "Srt Sender CH1/Remaining Output Bitrate bps=7750000",
         "Srt Sender CH1 2/Remaining Output Bitrate bps=8000000",
     };
-    EXPECT_EQ(writesTo(h, "Srt Sender"), expected);
+    EXPECT_EQ(h.writes({"Srt Sender"}), expected);
 
     // An unreadable figure counts as nothing sent; a refused write is reported.
-    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
+    ASSERT_EQ(h.failNext("Tarnevel Get Param"), FC_OK);
     EXPECT_EQ(h.channel().handleDataStreamEvent(&event), FC_OK);
-    EXPECT_EQ(writesTo(h, "Srt Sender").at(4), "Srt Sender CH0/Remaining Output Bitrate bps=5000000");
-    ASSERT_EQ(simFail(h, "Tarnevel Put Param"), FC_OK);
+    EXPECT_EQ(h.writes({"Srt Sender"}).at(4), "Srt Sender CH0/Remaining Output Bitrate bps=5000000");
+    ASSERT_EQ(h.failNext("Tarnevel Put Param"), FC_OK);
     EXPECT_EQ(h.channel().handleDataStreamEvent(&event), FC_UNAVAILABLE);
 }

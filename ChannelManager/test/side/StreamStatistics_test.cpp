@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "support/SideActionTestSupport.h"
+#include "support/ChannelHarness.h"
 
 using namespace vocab;
 
-TEST(ChannelStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
+TEST(StreamStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
     struct Row {
         const char* text;
         const char* key;
@@ -31,7 +31,7 @@ TEST(ChannelStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
             << "text=\"" << row.text << "\" key=\"" << row.key << "\"";
 }
 
-TEST(ChannelStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
+TEST(StreamStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     const std::string target = "HEVC Target2";
@@ -60,48 +60,48 @@ TEST(ChannelStatistics, ZixiStatisticsReachTheirDatasetAndFollowTheFeeder) {
     for (int tick = 1; tick <= 2; ++tick) {
         EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_OK) << "tick " << tick;
         for (const Expect& e : expected)
-            EXPECT_EQ(intOf(h, ds::ZIXI_STAT, e.component, e.property, target), tick == 1 ? e.tick1 : e.tick2)
+            EXPECT_EQ(h.number(ds::ZIXI_STAT, e.component, e.property, target), tick == 1 ? e.tick1 : e.tick2)
                 << e.component << "/" << e.property << " tick " << tick;
     }
-    EXPECT_EQ(writesTo(h, "Zixi Feeder CH1 2/Update Stats=1").size(), 2u);
+    EXPECT_EQ(h.writes({"Zixi Feeder CH1 2/Update Stats=1"}).size(), 2u);
     // Another target's figures are untouched.
-    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, "HEVC Target1"), 0);
+    EXPECT_EQ(h.number(ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, "HEVC Target1"), 0);
 
     // A failed read of "Network Stats" keeps what was published; the other texts still arrive.
-    ASSERT_EQ(simFail(h, "Tarnevel Get Param"), FC_OK);
+    ASSERT_EQ(h.failNext("Tarnevel Get Param"), FC_OK);
     EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_UNAVAILABLE);
-    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), 2000);
-    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, target), 15);
+    EXPECT_EQ(h.number(ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), 2000);
+    EXPECT_EQ(h.number(ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, target), 15);
 
     // A link that has run for months: counters past 2^32 are published whole.
     h.mediator.model().setStatTicks("Zixi Feeder CH1 2", 4999999);
     EXPECT_EQ(h.channel().updateZixiStatistics(target), FC_OK);
-    EXPECT_EQ(textOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), "5000000000");
-    EXPECT_EQ(textOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::DROPPED_PACKETS, target), "50000000");
-    EXPECT_EQ(intOf(h, ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::PACKET_LOSS, target), 1);
+    EXPECT_EQ(h.text(ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::TOTAL_PACKETS, target), "5000000000");
+    EXPECT_EQ(h.text(ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::DROPPED_PACKETS, target), "50000000");
+    EXPECT_EQ(h.number(ds::ZIXI_STAT, tbl::ZIXI_QOS, prop::PACKET_LOSS, target), 1);
 
     EXPECT_EQ(h.channel().updateZixiStatistics("HEVC"), FC_NO_SUCH_NAME);
     EXPECT_EQ(h.channel().updateSrtStatistics("H.264 Target3"), FC_NO_SUCH_NAME);
 }
 
-TEST(ChannelStatistics, SrtStatisticsScaleTheBitrateAndCopyTheConfiguredLatency) {
+TEST(StreamStatistics, SrtStatisticsScaleTheBitrateAndCopyTheConfiguredLatency) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     const std::string target = "H.264 Target1";
     ASSERT_EQ(h.holder->initIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, 250, target), FC_OK);
     EXPECT_EQ(h.channel().updateSrtStatistics(target), FC_OK);
     // First refresh of the simulated sender: "5.5" Mbit/s, RTT 3, 1000 packets, 1 lost, 0 dropped, 2 retransmitted.
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME, target), 3);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::SRT_LATENCY, target), 250);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::TOTAL_PACKETS, target), 1000);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::PACKET_LOSS, target), 1);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::DROPPED_PACKETS, target), 0);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_QOS, prop::RECOVERED_PACKETS, target), 2);
-    EXPECT_EQ(writesTo(h, "Srt Sender CH0/Update Stats=1").size(), 1u);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME, target), 3);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_NETWORK, prop::SRT_LATENCY, target), 250);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_QOS, prop::TOTAL_PACKETS, target), 1000);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_QOS, prop::PACKET_LOSS, target), 1);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_QOS, prop::DROPPED_PACKETS, target), 0);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_QOS, prop::RECOVERED_PACKETS, target), 2);
+    EXPECT_EQ(h.writes({"Srt Sender CH0/Update Stats=1"}).size(), 1u);
 
     // A refused refresh is reported, and the reads still publish.
-    ASSERT_EQ(simFail(h, "Tarnevel Put Param"), FC_OK);
+    ASSERT_EQ(h.failNext("Tarnevel Put Param"), FC_OK);
     EXPECT_EQ(h.channel().updateSrtStatistics(target), FC_UNAVAILABLE);
-    EXPECT_EQ(intOf(h, ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
+    EXPECT_EQ(h.number(ds::SRT_STAT, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, target), 5500);
 }

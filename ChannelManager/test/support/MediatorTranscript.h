@@ -7,17 +7,6 @@
 
 #include "support/ChannelHarness.h"
 
-// A command's text as the manager forwards it, e.g. commandText("Play", {{"RowID", "HEVC"}}).
-inline std::string commandText(const std::string& id, const std::vector<std::pair<std::string, std::string>>& params) {
-    MessageCommand command;
-    command.setId(id);
-    for (const auto& [name, value] : params)
-        command.addParam(name, value);
-    std::string text;
-    command.toString(text);
-    return text;
-}
-
 // The requests the simulated mediator received, read back from the traffic
 // file of a harness. Lines are read after the request was answered, so a
 // transcript taken after an operation returned holds all its requests.

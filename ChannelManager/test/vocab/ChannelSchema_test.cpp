@@ -7,7 +7,7 @@
 #include <string>
 
 #include "vocab/ChannelSchema.h"
-#include "support/ChannelTestSupport.h"
+#include "support/ChannelHarness.h"
 #include "json/DataSetsFactory.h"
 #include "json/IDataSets.h"
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <future>
 
 #include "engine/EngineTestSupport.h"
 
@@ -12,17 +11,9 @@ constexpr const char* PEER = "/tmp/sockPeer";
 // A client engine and a bare peer that sees exactly what it sends.
 struct ClientAndPeer {
     ClientAndPeer() { client.init(nullptr, "/tmp/sockCli", "/tmp/sockCliSend", "tCli"); }
-    // Runs `request` on another thread; the peer receives its datagram and
-    // answers with `reply(id)` (nothing when empty). Returns the request's result.
     Fcodes exchange(const std::function<Fcodes()>& request, std::string& received,
                     const std::function<std::string(int)>& reply) {
-        auto result = std::async(std::launch::async, request);
-        if (peer.receive(received)) {
-            std::string answer = reply(wireId(received));
-            if (!answer.empty())
-                peer.sendTo("/tmp/sockCliSend", answer);
-        }
-        return result.get();
+        return ::exchange(peer, "/tmp/sockCliSend", request, received, reply);
     }
     DataCommunicator client;
     RawPeer peer{PEER};
@@ -105,62 +96,6 @@ TEST(DataCommunicatorClient, DataReplyChecks) {
         EXPECT_EQ(code, row.expected) << row.name;
         EXPECT_EQ(value, row.expected == FC_OK ? "42" : "before") << row.name;
     }
-}
-
-TEST(DataCommunicatorClient, SilentPeerCostsTimeOutTimesTriesWithAFreshIdEachTry) {
-    ClientAndPeer side;
-    const uint32_t first = DataCommunicator::peekNextRequestId();
-    std::string replyBody;
-    auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(side.client.requestCommand(PEER, "<Command ID=\"X\" >\n</Command>", replyBody, 1, 2), FC_COMM_ERROR);
-    const double elapsed = secondsSince(start);
-    EXPECT_GE(elapsed, 1.9);
-    EXPECT_LT(elapsed, 3.5);
-    std::string one, two;
-    ASSERT_TRUE(side.peer.receive(one));
-    ASSERT_TRUE(side.peer.receive(two));
-    EXPECT_EQ(wireId(one), static_cast<int>(first));
-    EXPECT_EQ(wireId(two), static_cast<int>(first + 1));
-    EXPECT_EQ(DataCommunicator::peekNextRequestId(), first + 2);
-}
-
-TEST(DataCommunicatorClient, LateAndStrayRepliesAreParkedAndFoundByTheirOwner) {
-    ClientAndPeer side;
-    std::string replyBody, received;
-    const std::string command = "<Command ID=\"X\" >\n</Command>";
-    auto silence = [](int) { return std::string(); };
-    EXPECT_EQ(
-        side.exchange([&] { return side.client.requestCommand(PEER, command, replyBody, 1, 1); }, received, silence),
-        FC_COMM_ERROR);
-    const int lateId = wireId(received);
-
-    // The late reply, and a stray one from another sender, arrive before the
-    // next request's own reply: both are parked, the own one taken.
-    RawPeer stranger("/tmp/sockStranger");
-    auto answer = [&](int id) {
-        side.peer.sendTo("/tmp/sockCliSend", wireHeader(lateId, "ACK", FC_BAD_VALUE, 0));
-        stranger.sendTo("/tmp/sockCliSend", wireHeader(id + 1000, "ACK", FC_LOS, 18) + "<BODY>stray</BODY>");
-        return wireHeader(id, "ACK", FC_OK, 0);
-    };
-    EXPECT_EQ(
-        side.exchange([&] { return side.client.requestCommand(PEER, command, replyBody, 1, 1); }, received, answer),
-        FC_OK);
-    EXPECT_EQ(replyBody, "") << "a parked stray's body is not the reply's";
-    std::string header, body, sender;
-    ASSERT_TRUE(side.client.getResponse(lateId, header, body, sender));
-    EXPECT_EQ(header, wireHeader(lateId, "ACK", FC_BAD_VALUE, 0));
-    EXPECT_EQ(sender, side.peer.hostPath());
-    ASSERT_TRUE(side.client.getResponse(wireId(received) + 1000, header, body, sender));
-    EXPECT_EQ(sender, stranger.hostPath());
-    EXPECT_EQ(body, "<BODY>stray</BODY>");
-
-    // A request whose ID is already answered in the history takes that reply
-    // at once, without waiting for the (silent) peer.
-    const int nextId = static_cast<int>(DataCommunicator::peekNextRequestId());
-    side.client.storeResponse(nextId, wireHeader(nextId, "ACK", FC_UNAVAILABLE, 0), "", side.peer.hostPath());
-    auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(side.client.requestCommand(PEER, command, replyBody, 1, 1), FC_UNAVAILABLE);
-    EXPECT_LT(secondsSince(start), 0.5);
 }
 
 }  // namespace

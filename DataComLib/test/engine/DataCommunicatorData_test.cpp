@@ -87,7 +87,6 @@ TEST(DataCommunicatorData, DataSetGetAndSetThroughTwoEngines) {
                           "<Item Name=\"Address\" /></Row></Component></DataSet></BODY>"),
               nack(FC_NO_SUCH_NAME));
     EXPECT_EQ(engines.callsOf("rollbackChanges"), 0u) << "a failed GET rolls nothing back";
-    // What a refused SET leaves in a real store: DataHolderRemote tests.
 }
 
 TEST(DataCommunicatorData, TableGetAndSetThroughTwoEngines) {

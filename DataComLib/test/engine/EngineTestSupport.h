@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -73,6 +75,19 @@ inline int wireId(const std::string& datagram) {
     MessageHeader header;
     header.initFromString(datagram);
     return header.ID;
+}
+
+// Runs `request` on another thread while `peer` receives its datagram (into
+// `received`) and answers it with `reply(id)` to `replyTo` (nothing when
+// empty). Returns the request's result.
+inline Fcodes exchange(RawPeer& peer, const std::string& replyTo, const std::function<Fcodes()>& request,
+                       std::string& received, const std::function<std::string(int)>& reply) {
+    auto result = std::async(std::launch::async, request);
+    received.clear();
+    std::string answer;
+    if (peer.receive(received) && !(answer = reply(wireId(received))).empty())
+        peer.sendTo(replyTo, answer);
+    return result.get();
 }
 
 // A holder with a small table store and JSON store that records the calls the

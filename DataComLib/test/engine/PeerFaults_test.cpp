@@ -92,7 +92,7 @@ struct Fault {
     double boundSec;               // for the whole row
     // Further checks after the requests: "" when all hold, else what failed.
     std::function<std::string(DataCommunicator& client, FaultPeer* peer)> check;
-    std::string thrownAtServer;  // a datagram also thrown at the served engine
+    double minSec = 0;           // the row waits at least this long (its time-outs)
 };
 
 TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
@@ -103,7 +103,6 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
     server.init(&holder, SERVER, "/tmp/sockSrvSend", "tSrv");
     server.start();
     RawPeer stranger("/tmp/sockStranger");
-    RawPeer rogue("/tmp/sockRogue");
 
     const std::string truncatedHeader = "<HEADER ID=\"1\" Type=\"ACK\" Fcode=\"10000\" Si";
     const std::string truncatedBody = wireHeader(1, "ACK", FC_OK, 40) + "<BODY><Command ID=\"X\" >";
@@ -113,18 +112,18 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
     };
     auto noDuplicateIds = [](DataCommunicator&, FaultPeer* peer) -> std::string {
         const std::vector<int> ids = peer->ids();
-        if (ids.size() != 2 || ids[0] == ids[1])
-            return "expected two tries with fresh IDs, the peer saw " + std::to_string(ids.size());
+        if (ids.size() != 2 || ids[1] != ids[0] + 1)
+            return "expected two tries with consecutive fresh IDs, the peer saw " + std::to_string(ids.size());
         return "";
     };
 
     const Fault faults[] = {
-        {"no socket file", Setup::NoSocketFile, nullptr, 2, {FC_COMM_ERROR}, 0.5, nullptr, ""},
+        {"no socket file", Setup::NoSocketFile, nullptr, 2, {FC_COMM_ERROR}, 0.5, nullptr},
         {"peer never reads (queue full)", Setup::NeverReads, nullptr, 2, {FC_COMM_ERROR},
-         2 * (1.0 + TIMEOUT) + 1.0, nullptr, ""},
+         2 * (1.0 + TIMEOUT) + 1.0, nullptr},
         {"NACK", Setup::Peer, [](FaultPeer& p, int id) { p.send(wireHeader(id, "NACK", FC_NO_SUCH_NAME, 0)); }, 2,
-         {FC_HEADER_ERROR}, 1.0, nullptr, ""},
-        {"no reply", Setup::Peer, nullptr, 2, {FC_COMM_ERROR}, 2.0 * TIMEOUT + 1.0, noDuplicateIds, ""},
+         {FC_HEADER_ERROR}, 1.0, nullptr},
+        {"no reply", Setup::Peer, nullptr, 2, {FC_COMM_ERROR}, 2.0 * TIMEOUT + 1.0, noDuplicateIds, 1.9 * TIMEOUT},
         {"reply after the time-out", Setup::Peer,
          [](FaultPeer& p, int id) {
              static std::atomic<int> calls{0};
@@ -144,8 +143,7 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
              if (sender != peer->hostPath())
                  return "the late reply is parked with sender " + sender;
              return "";
-         },
-         ""},
+         }},
         {"reply with a wrong ID", Setup::Peer, [](FaultPeer& p, int id) { p.send(ack(id + 1000, FC_OK)); }, 2,
          {FC_COMM_ERROR}, 2.0 * TIMEOUT + 1.0,
          [](DataCommunicator& client, FaultPeer* peer) -> std::string {
@@ -153,8 +151,7 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
                  if (parked(client, id + 1000).empty())
                      return "the reply with ID " + std::to_string(id + 1000) + " is not parked";
              return "";
-         },
-         ""},
+         }},
         {"right ID from another peer's socket", Setup::Peer,
          [&stranger](FaultPeer&, int id) { stranger.sendTo(CLIENT_SEND, ack(id, FC_OK)); }, 2, {FC_COMM_ERROR},
          2.0 * TIMEOUT + 1.0,
@@ -165,14 +162,13 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
                      return "the stranger's reply to " + std::to_string(id) + " is not parked as the stranger's";
              }
              return "";
-         },
-         ""},
+         }},
         {"truncated header", Setup::Peer, [&](FaultPeer& p, int id) { p.send(withId(truncatedHeader, id)); }, 2,
-         {FC_COMM_ERROR}, 1.0, noDuplicateIds, truncatedHeader},
+         {FC_COMM_ERROR}, 1.0, noDuplicateIds},
         {"truncated body", Setup::Peer, [&](FaultPeer& p, int id) { p.send(withId(truncatedBody, id)); }, 2,
-         {FC_COMM_ERROR}, 1.0, noDuplicateIds, truncatedBody},
+         {FC_COMM_ERROR}, 1.0, noDuplicateIds},
         {"oversized datagram", Setup::Peer, [&](FaultPeer& p, int id) { p.send(withId(oversized, id)); }, 2,
-         {FC_COMM_ERROR}, 1.0, noDuplicateIds, oversized},
+         {FC_COMM_ERROR}, 1.0, noDuplicateIds},
     };
 
     for (const Fault& fault : faults) {
@@ -199,16 +195,14 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
         for (size_t request = 0; request < codes.size(); ++request)
             EXPECT_EQ(codes[request], fault.expected[request]) << row << ", request " << request;
         EXPECT_LT(took, fault.boundSec) << row;
+        EXPECT_GE(took, fault.minSec) << row;
         if (fault.check) {
             const std::string failed = fault.check(client, peer.get());
             EXPECT_EQ(failed, "") << row;
         }
         peer.reset();
 
-        // The engine goes on: the next request, to a served engine that
-        // may have been sent the same bad datagram, is answered at once.
-        if (!fault.thrownAtServer.empty())
-            rogue.sendTo(SERVER, fault.thrownAtServer);
+        // The engine goes on: the next request, to a served engine, is answered at once.
         const auto nextStart = std::chrono::steady_clock::now();
         std::string replyBody;
         const Fcodes next = client.requestCommand(

@@ -25,10 +25,6 @@ int filesIn(const std::string& logicalDir) {
     return count - 2;
 }
 
-int failBeforeRename(const std::string&) {
-    return EIO;
-}
-
 // A decimal comma and a thousands dot, as a German locale has them.
 struct CommaDecimal : std::numpunct<char> {
     char do_decimal_point() const override { return ','; }

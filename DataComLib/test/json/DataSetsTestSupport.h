@@ -1,10 +1,6 @@
 #pragma once
 
-#include <fcntl.h>
-#include <unistd.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <type_traits>
 
@@ -13,51 +9,17 @@
 #include "json/DataSets.h"
 #include "system/DbgPrintClient.h"
 #include "LogCapture.h"
+#include "TestDocuments.h"
+#include "TestFiles.h"
 #include "system/SysmgtRoot.h"
 
-// Shared by the JSON store tests: a small channel document, file helpers and
+// Shared by the JSON store tests: the channel document, file helpers and
 // the debug log capture.
 namespace dstest {
 
-// Keyed, single and array instances; integer, boolean, string, enum
-// (integer and text) properties.
-constexpr const char* kChannelDoc = R"({
-  "dataset": "ChannelDataSet",
-  "components": {
-    "ChannelsTable": {
-      "properties": {
-        "Name": {"type": "string", "default": "", "access": "RW", "description": "channel name"},
-        "Bitrate": {"type": "integer", "default": 4000, "access": "RW", "description": "kbit/s"},
-        "Enabled": {"type": "boolean", "default": false, "access": "RW", "description": ""},
-        "Mode": {"type": "enum", "default": 1, "values": [1, 2, 7], "access": "RW", "description": ""},
-        "Profile": {"type": "enum", "default": "Main", "values": ["Main", "High"], "access": "RO", "description": ""}
-      },
-      "instances": {
-        "H.264": {"Name": "first", "Bitrate": 8000, "Enabled": true, "Mode": 2, "Profile": "High"},
-        "HEVC": {"Name": "second", "Bitrate": 6000, "Enabled": false, "Mode": 1, "Profile": "Main"}
-      }
-    },
-    "Device": {
-      "properties": {"Label": {"type": "string", "default": "enc"}, "Port": {"type": "integer", "default": 5004}},
-      "instance": {"Label": "encoder", "Port": 5004}
-    },
-    "Targets": {
-      "properties": {"Address": {"type": "string", "default": "239.1.1.1"}, "Port": {"type": "integer", "default": 1234}},
-      "instances": [{"Address": "239.1.1.1", "Port": 1234}, {"Address": "127.0.0.1", "Port": 5000}]
-    }
-  }
-})";
-
-inline void writeText(const std::string& logicalPath, const std::string& text) {
-    std::ofstream(sysmgtPath(logicalPath), std::ios::binary | std::ios::trunc) << text;
-}
-
-inline std::string readText(const std::string& logicalPath) {
-    std::ifstream in(sysmgtPath(logicalPath), std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using testdoc::kChannelDoc;
+using ::readText;
+using ::writeText;
 
 // Writes the channel document and loads it; true on "OK".
 inline bool loadChannelDoc(DataSets& store, const std::string& path = "/etc/sysmgt/channel_test.json") {

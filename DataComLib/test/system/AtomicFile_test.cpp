@@ -8,15 +8,9 @@
 
 #include "system/AtomicFile.h"
 #include "system/SysmgtRoot.h"
+#include "TestFiles.h"
 
 namespace {
-
-std::string readHostFile(const std::string& logicalPath) {
-    std::ifstream in(sysmgtPath(logicalPath));
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 int countEntries(const std::string& logicalDir) {
     std::string command = "ls -A '" + sysmgtPath(logicalDir) + "' | wc -l";
@@ -30,25 +24,21 @@ int countEntries(const std::string& logicalDir) {
     return count;
 }
 
-int failBeforeRename(const std::string&) {
-    return EIO;
-}
-
 }  // namespace
 
 TEST(AtomicFile, ReplacesWholeFileOrLeavesTheOldOne) {
     mkdir(sysmgtPath("/data/settings/atomic").c_str(), 0777);
     const std::string path = "/data/settings/atomic/channels.json";
     ASSERT_EQ(writeFileAtomically(path, "first version\n"), 0);
-    EXPECT_EQ(readHostFile(path), "first version\n");
+    EXPECT_EQ(readText(path), "first version\n");
     ASSERT_EQ(writeFileAtomically(path, "second"), 0);
-    EXPECT_EQ(readHostFile(path), "second");
+    EXPECT_EQ(readText(path), "second");
 
     // Interrupted before the rename: the old file stays whole, no temporary is left.
     gAtomicFileBeforeRename = failBeforeRename;
     EXPECT_EQ(writeFileAtomically(path, std::string(100000, 'x')), EIO);
     gAtomicFileBeforeRename = nullptr;
-    EXPECT_EQ(readHostFile(path), "second");
+    EXPECT_EQ(readText(path), "second");
     EXPECT_EQ(countEntries("/data/settings/atomic"), 1);
 
     // A directory that does not exist: the error, and nothing written.

@@ -22,18 +22,12 @@
 #include "json/IDataSets.h"
 #include "system/SysmgtRoot.h"
 #include "tabular/DataSet.h"
+#include "TestFiles.h"
 
 namespace {
 
 constexpr int KILLS = 100;
 constexpr const char* DIRECTORY = "/data/settings";
-
-std::string readFile(const std::string& logicalPath) {
-    std::ifstream in(sysmgtPath(logicalPath), std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // Names in the settings directory other than the stored files themselves.
 std::vector<std::string> leftovers() {
@@ -122,9 +116,9 @@ pid_t startStoring(const Kind& kind, int ready) {
 
 void cutPowerWhileStoring(const Kind& kind) {
     kind.store(1);
-    const std::string newer = readFile(kind.file);
+    const std::string newer = readText(kind.file);
     kind.store(0);
-    const std::string older = readFile(kind.file);
+    const std::string older = readText(kind.file);
     ASSERT_NE(older, newer);
     ASSERT_TRUE(kind.parses(kind.file)) << kind.name;
 
@@ -160,7 +154,7 @@ void cutPowerWhileStoring(const Kind& kind) {
         ASSERT_TRUE(started) << row << ": the child never started";
         ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << row << ": the child ended by itself";
 
-        const std::string onDisk = readFile(kind.file);
+        const std::string onDisk = readText(kind.file);
         ASSERT_TRUE(onDisk == older || onDisk == newer)
             << row << ": the file is neither version (" << onDisk.size() << " bytes; versions " << older.size()
             << " and " << newer.size() << ")";

@@ -13,6 +13,7 @@
 #include "tabular/DataStoreConstants.h"
 #include "tabular/DataTable.h"
 #include "system/SysmgtRoot.h"
+#include "TestFiles.h"
 
 namespace {
 
@@ -41,31 +42,15 @@ const char* const kDataSetText =
     "\t</Table>\n"
     "</DataSet>\n";
 
-void writeHostFile(const std::string& logicalPath, const std::string& content) {
-    std::ofstream out(sysmgtPath(logicalPath), std::ios::binary | std::ios::trunc);
-    out << content;
-}
-
-std::string readHostFile(const std::string& logicalPath) {
-    std::ifstream in(sysmgtPath(logicalPath), std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-int failBeforeRename(const std::string&) {
-    return EIO;
-}
-
 }  // namespace
 
 TEST(DataSet, FileRoundTripIsByteIdentical) {
-    writeHostFile("/etc/sysmgt/main.ds", kDataSetText);
+    writeText("/etc/sysmgt/main.ds", kDataSetText);
     DataSet dataSet;
     ASSERT_EQ(dataSet.load("/etc/sysmgt/main.ds"), FC_OK);
     EXPECT_FALSE(dataSet.isChanged()) << "a load marks nothing";
     EXPECT_EQ(dataSet.store("/data/settings/main.ds"), FC_OK);
-    EXPECT_EQ(readHostFile("/data/settings/main.ds"), kDataSetText);
+    EXPECT_EQ(readText("/data/settings/main.ds"), kDataSetText);
     DataSet again;
     ASSERT_EQ(again.load("/data/settings/main.ds"), FC_OK);
     std::string text;
@@ -80,8 +65,8 @@ TEST(DataSet, FileRoundTripIsByteIdentical) {
 }
 
 TEST(DataSet, LoadFailuresKeepWhatIsThere) {
-    writeHostFile("/etc/sysmgt/main.ds", kDataSetText);
-    writeHostFile("/etc/sysmgt/empty.ds", "");
+    writeText("/etc/sysmgt/main.ds", kDataSetText);
+    writeText("/etc/sysmgt/empty.ds", "");
     DataSet dataSet;
     ASSERT_EQ(dataSet.load("/etc/sysmgt/main.ds"), FC_OK);
     EXPECT_EQ(dataSet.load("/etc/sysmgt/missing.ds"), FC_NO_SUCH_NAME);
@@ -103,7 +88,7 @@ TEST(DataSet, LoadFailuresKeepWhatIsThere) {
         {"<DataSet ID=\"", FC_BODY_ERROR},
     };
     for (const auto& c : cases) {
-        writeHostFile("/etc/sysmgt/bad.ds", c.content);
+        writeText("/etc/sysmgt/bad.ds", c.content);
         DataSet bad;
         EXPECT_EQ(bad.load("/etc/sysmgt/bad.ds"), c.code) << c.content;
     }
@@ -116,14 +101,14 @@ TEST(DataSet, LoadFailuresKeepWhatIsThere) {
     }
     DataSet partial;
     partial.load("/etc/sysmgt/bad.ds");
-    writeHostFile("/etc/sysmgt/bad.ds", cases[2].content);
+    writeText("/etc/sysmgt/bad.ds", cases[2].content);
     EXPECT_EQ(partial.load("/etc/sysmgt/bad.ds"), FC_BODY_ERROR);
     ASSERT_NE(partial.getTable("Ok"), nullptr);
     EXPECT_TRUE(partial.isChanged()) << "tables of a failed load are not accepted";
 }
 
 TEST(DataSet, InterruptedStoreLeavesOldFile) {
-    writeHostFile("/etc/sysmgt/main.ds", kDataSetText);
+    writeText("/etc/sysmgt/main.ds", kDataSetText);
     DataSet dataSet;
     ASSERT_EQ(dataSet.load("/etc/sysmgt/main.ds"), FC_OK);
     dataSet.getTable("Targets")->getRows(2)->getDataItem("Host")->setValue(std::string("239.0.0.10"));
@@ -131,9 +116,9 @@ TEST(DataSet, InterruptedStoreLeavesOldFile) {
     gAtomicFileBeforeRename = failBeforeRename;
     EXPECT_EQ(dataSet.store("/etc/sysmgt/main.ds"), FC_OK) << "a failed store still answers OK";
     gAtomicFileBeforeRename = nullptr;
-    EXPECT_EQ(readHostFile("/etc/sysmgt/main.ds"), kDataSetText);
+    EXPECT_EQ(readText("/etc/sysmgt/main.ds"), kDataSetText);
     EXPECT_EQ(dataSet.store("/etc/sysmgt/main.ds"), FC_OK);
-    EXPECT_NE(readHostFile("/etc/sysmgt/main.ds").find("239.0.0.10"), std::string::npos);
+    EXPECT_NE(readText("/etc/sysmgt/main.ds").find("239.0.0.10"), std::string::npos);
 }
 
 TEST(DataSet, ParameterReadsAndMarks) {

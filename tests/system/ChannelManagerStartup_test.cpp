@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <thread>
 
 #include "DaemonProcess.h"
@@ -31,12 +32,13 @@ std::string missingInOrder(const std::string& haystack, const std::vector<std::s
 }  // namespace
 
 TEST(ChannelManagerStartup, BadOptionsPrintTheUsageAndExit1) {
+    TestRoot root;
     ASSERT_TRUE(installFactoryData());
     for (const char* options : {"-x", "-s /tmp/cm.start -v", "-p", "-s /tmp/cm.start -d -q -p /tmp/cm.pid"}) {
         ChildProcess daemon(toolCommand("channel_manager") + " " + options + " > " + sysmgtPath("/tmp/usage.out") +
                             " 2>&1");
         EXPECT_EQ(1, daemon.wait(30)) << options;
-        const std::string output = readText(sysmgtPath("/tmp/usage.out"));
+        const std::string output = readText("/tmp/usage.out");
         EXPECT_EQ(0u, output.find("Usage: ")) << options << ": " << output;
         EXPECT_NE(std::string::npos, output.find(" [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n"))
             << options << ": " << output;
@@ -48,7 +50,7 @@ TEST(ChannelManagerStartup, BadOptionsPrintTheUsageAndExit1) {
 TEST(ChannelManagerStartup, DetachedDaemonWritesPidThenStartFileThenServes) {
     DaemonSession session("-v 3 -d -p /tmp/cm.pid");
     // The detached daemon is not the process that was started: end it by the pid it wrote.
-    const pid_t detached = static_cast<pid_t>(std::atoi(readText(sysmgtPath("/tmp/cm.pid")).c_str()));
+    const pid_t detached = static_cast<pid_t>(std::atoi(readText("/tmp/cm.pid").c_str()));
     struct EndDetached {
         pid_t pid;
         ~EndDetached() {
@@ -60,8 +62,8 @@ TEST(ChannelManagerStartup, DetachedDaemonWritesPidThenStartFileThenServes) {
     EXPECT_EQ(0, session.daemon.wait(30)) << "the foreground process ends once detached";
     ASSERT_GT(detached, 0);
     EXPECT_NE(session.daemon.id(), detached);
-    EXPECT_EQ(std::to_string(detached) + "\n", readText(sysmgtPath("/tmp/cm.pid")));
-    EXPECT_EQ("0:" + std::to_string(detached) + ":0\n", readText(sysmgtPath(DaemonSession::START_FILE)));
+    EXPECT_EQ(std::to_string(detached) + "\n", readText("/tmp/cm.pid"));
+    EXPECT_EQ("0:" + std::to_string(detached) + ":0\n", readText(DaemonSession::START_FILE));
 
     // Serving at once: the start file is written only after start-up is complete.
     ToolRun dvi = chanctl("command 'Set DVI mode' DVI_mode=1");
@@ -95,7 +97,9 @@ TEST(ChannelManagerStartup, WithoutOptionsItStaysInTheForegroundAndLogsEverythin
         << log;
     EXPECT_NE(std::string::npos, log.find("tChanInit")) << log;
     // The log's task name does not rename the process: pidof and pkill still find it.
-    EXPECT_EQ("channel_manager\n", readText("/proc/" + std::to_string(session.daemon.id()) + "/comm"));
+    std::string comm;  // a host path: /proc is never under the root
+    std::getline(std::ifstream("/proc/" + std::to_string(session.daemon.id()) + "/comm"), comm);
+    EXPECT_EQ("channel_manager", comm);
     EXPECT_EQ(0u, session.daemonOutput().find("Clock ret=0 res=")) << session.daemonOutput();
     EXPECT_EQ(std::string::npos, log.find("FATAL")) << log;
     EXPECT_EQ(std::string::npos, session.daemonOutput().find("FATAL"));
@@ -126,7 +130,7 @@ TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
     std::thread manager([&] {
         char buffer[64];
         const ssize_t got = recv(sock, buffer, sizeof buffer, 0);
-        startFileAtReady = readText(sysmgtPath("/run/channel_manager.start"));
+        startFileAtReady = readText("/run/channel_manager.start");
         ready.assign(buffer, got > 0 ? static_cast<size_t>(got) : 0);
     });
     setenv("NOTIFY_SOCKET", name.c_str(), 1);
@@ -138,5 +142,5 @@ TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
     const std::string pid = std::to_string(session.daemon.id());
     EXPECT_EQ("READY=1", ready);
     EXPECT_EQ("0:" + pid + ":0\n", startFileAtReady);
-    EXPECT_EQ(pid + "\n", readText(sysmgtPath("/run/channel_manager.pid")));
+    EXPECT_EQ(pid + "\n", readText("/run/channel_manager.pid"));
 }

@@ -1,0 +1,55 @@
+#include <gtest/gtest.h>
+
+#include "support/ChannelHarness.h"
+
+using namespace vocab;
+
+TEST(KlvBranches, BranchFollowsTheIngestSettingsAndTheChannelState) {
+    struct Row {
+        const char* ingest;
+        const char* ingest2;
+        const char* deviceTable;  // a device setting changed first, or nullptr
+        const char* deviceProperty;
+        const char* deviceValue;
+        std::vector<std::string> branches;
+        std::vector<std::string> commands;
+    };
+    const Row rows[] = {
+        {"SDI-Sync", "None", nullptr, nullptr, nullptr, {"KLVoSDI CH0"}, {"Reset KLVoSDI Statistics"}},
+        {"SDI", "SDI", nullptr, nullptr, nullptr, {"KLVoSDI Async"}, {"Reset KLVoSDI Statistics"}},
+        {"Serial", "None", nullptr, nullptr, nullptr, {"RAWKLVoSerial"}, {"Reset KLV Statistics"}},
+        {"None", "Serial", "KLV Table", "Input Data Format", "COT", {"KLVoSerial"}, {"Reset KLV Statistics"}},
+        {"IP", "None", nullptr, nullptr, nullptr, {"KLVoIP"}, {"Reset KLVoIP Statistics"}},
+        {"IP",
+         "SDI-Sync",
+         "KLV over IP",
+         "Encapsulation",
+         "RAW",
+         {"RAWKLVoIP", "KLVoSDI CH0"},
+         {"Reset KLVoIP Statistics", "Reset KLVoSDI Statistics"}},
+        {"None", "None", nullptr, nullptr, nullptr, {}, {}},
+    };
+    for (const Row& row : rows) {
+        const std::string name = std::string(row.ingest) + "/" + row.ingest2;
+        ChannelHarness h;
+        ASSERT_TRUE(h.ready()) << name;
+        if (row.deviceTable)
+            h.device.initTextParam(ds::DEVICE, row.deviceTable, row.deviceProperty, row.deviceValue, "");
+        h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, row.ingest, row::H264);
+        h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, row.ingest2, row::H264);
+
+        h.setState(row::H264, state::PLAYING);
+        EXPECT_EQ(h.channel().klvAction(row::H264), FC_OK) << name;
+        for (const std::string& branch : row.branches)
+            EXPECT_EQ(h.mediator.model().branchState(branch), "RUN") << name << " " << branch;
+        EXPECT_EQ(h.device.model().commands(), row.commands) << name;
+        // A second play finds the branches running: no restart, no reset.
+        EXPECT_EQ(h.channel().klvAction(row::H264), FC_OK) << name;
+        EXPECT_EQ(h.device.model().commands(), row.commands) << name;
+
+        h.setState(row::H264, state::STOPPING);
+        EXPECT_EQ(h.channel().klvAction(row::H264), FC_OK) << name;
+        for (const std::string& branch : row.branches)
+            EXPECT_EQ(h.mediator.model().branchState(branch), "STOP") << name << " " << branch;
+    }
+}
