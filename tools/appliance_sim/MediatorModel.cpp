@@ -66,6 +66,7 @@ Fcodes MediatorModel::loadParams(const std::string& jsonText, std::string& error
     std::lock_guard<std::mutex> guard(mutex);
     params.swap(loaded);
     assemblyText = names;
+    branches.clear();
     return FC_OK;
 }
 

@@ -19,8 +19,9 @@ class MediatorModel {
 public:
     // Loads the parameter table from its JSON text: an object of components,
     // each an object of parameters whose values are texts, integers or
-    // booleans. Replaces the table and the assembly. FC_BAD_VALUE with `error`
-    // set when the text is not such an object.
+    // booleans. Replaces the table and the assembly, and stops every branch,
+    // as a mediator started afresh. FC_BAD_VALUE with `error` set when the
+    // text is not such an object.
     Fcodes loadParams(const std::string& jsonText, std::string& error);
 
     // Serves one request. `answer` starts as a copy of the request and gets

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <string>
+#include <string_view>
 
 #include "channel/IChannelEvents.h"
 #include "holder/DataHolder.h"
@@ -107,9 +108,13 @@ protected:
     std::chrono::milliseconds timerPeriod{30000};
 
 private:
+    // The holder's own init(name) is a step of init(), not to be called alone.
+    using DataHolder::init;
     using CommandHandler = Fcodes (ChannelMngr::*)(const MessageCommand&, const std::string&, std::string&);
+    // The ID's length is known when the table is made, so a route of another
+    // length is passed over without comparing texts.
     struct CommandRoute {
-        const char* id;
+        std::string_view id;
         CommandHandler run;
     };
     using EventHandler = Fcodes (ChannelMngr::*)(MessageEvent&);

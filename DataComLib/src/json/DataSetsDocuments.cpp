@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -40,10 +41,20 @@ Fcodes readDatasetFile(const std::string& file, std::string& text) {
                        << " limit=" << MAX_DATASET_FILE_BYTES;
         result = FC_BAD_VALUE;
     } else {
-        // The size may change after fstat: the read itself stops one byte past the limit.
-        text.resize(static_cast<size_t>(MAX_DATASET_FILE_BYTES) + 1);
+        // The size may change after fstat: the read itself stops one byte past
+        // the limit. The buffer starts at the size fstat gave (one byte more
+        // shows a file that grew) and grows only when the file did: one of the
+        // limit's size, filled on every load, stayed resident in the allocator
+        // (2.7 MB more anonymous memory in the daemon after LOAD_CHANNELS).
+        const size_t readLimit = static_cast<size_t>(MAX_DATASET_FILE_BYTES) + 1;
+        text.resize(static_cast<size_t>(info.st_size) + 1);
         size_t filled = 0;
-        while (filled < text.size()) {
+        for (;;) {
+            if (filled == text.size()) {
+                if (text.size() >= readLimit)
+                    break;
+                text.resize(std::min(readLimit, text.size() * 2));
+            }
             const ssize_t got = read(fd, &text[filled], text.size() - filled);
             if (got < 0 && errno == EINTR)
                 continue;

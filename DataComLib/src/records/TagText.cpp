@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 #include "system/DbgPrintClient.h"
@@ -47,14 +48,19 @@ int toIndex(size_t position) {
 
 }  // namespace
 
+// The first `name="` at or after `from`, found as `name` followed by `="`
+// without building the key, since every message passes here several times.
 int getPropertyValue(const std::string& text, int from, const std::string& name, std::string& value) {
     if (from < 0)
         return -1;
-    const std::string key = name + "=\"";
-    size_t keyAt = text.find(key, static_cast<size_t>(from));
+    const size_t length = name.size();
+    size_t keyAt = text.find(name, static_cast<size_t>(from));
+    while (keyAt != std::string::npos &&
+           (keyAt + length + 2 > text.size() || text[keyAt + length] != '=' || text[keyAt + length + 1] != '"'))
+        keyAt = text.find(name, keyAt + 1);
     if (keyAt == std::string::npos)
         return -1;
-    size_t valueAt = keyAt + key.size();
+    size_t valueAt = keyAt + length + 2;
     size_t closingQuote = text.find('"', valueAt);
     if (closingQuote == std::string::npos)
         return -1;
@@ -62,12 +68,37 @@ int getPropertyValue(const std::string& text, int from, const std::string& name,
     return toIndex(closingQuote);
 }
 
+// An opening "<tag " anywhere at or after `from` comes first; only when there
+// is none does the first "<tag>" count. Both, and the closing "</tag>" of a
+// "<tag>", are found in one pass over the '<' of the text, since every
+// message body ("<BODY>...") is a "<tag>" that is otherwise scanned three
+// times: for the absent "<tag ", for "<tag>" and for its closing tag.
 int getSegment(const std::string& text, int from, const std::string& tag, std::string& segment) {
     if (from < 0)
         return -1;
-    size_t start = text.find("<" + tag + " ", static_cast<size_t>(from));
-    if (start == std::string::npos)
-        start = text.find("<" + tag + ">", static_cast<size_t>(from));
+    const char* data = text.data();
+    const size_t size = text.size();
+    const size_t length = tag.size();
+    size_t withSpace = std::string::npos, plain = std::string::npos, plainClose = std::string::npos;
+    for (size_t at = static_cast<size_t>(from); at < size; ++at) {
+        const void* found = std::memchr(data + at, '<', size - at);
+        if (found == nullptr)
+            break;
+        at = static_cast<size_t>(static_cast<const char*>(found) - data);
+        if (at + 1 + length < size && std::memcmp(data + at + 1, tag.data(), length) == 0) {
+            const char next = data[at + 1 + length];
+            if (next == ' ') {
+                withSpace = at;
+                break;
+            }
+            if (next == '>' && plain == std::string::npos)
+                plain = at;
+        }
+        if (plain != std::string::npos && plainClose == std::string::npos && at + 2 + length < size &&
+            data[at + 1] == '/' && std::memcmp(data + at + 2, tag.data(), length) == 0 && data[at + 2 + length] == '>')
+            plainClose = at;
+    }
+    const size_t start = withSpace != std::string::npos ? withSpace : plain;
     if (start == std::string::npos)
         return -1;
     size_t openEnd = text.find('>', start);
@@ -77,11 +108,14 @@ int getSegment(const std::string& text, int from, const std::string& tag, std::s
         segment.assign(text, start, openEnd + 1 - start);
         return toIndex(openEnd + 1);
     }
-    const std::string closing = "</" + tag + ">";
-    size_t closeAt = text.find(closing, start);
+    size_t closeAt = plainClose;
+    if (start == withSpace) {
+        const std::string closing = "</" + tag + ">";
+        closeAt = text.find(closing, start);
+    }
     if (closeAt == std::string::npos)
         return -1;
-    size_t end = closeAt + closing.size();
+    size_t end = closeAt + length + 3;
     segment.assign(text, start, end - start);
     return toIndex(end);
 }
