@@ -25,8 +25,6 @@ namespace {
 constexpr const char* VIDEO_SOURCES_FILE = "/etc/sysmgt/vsrc_data_set.json";
 constexpr const char* ZIXI_STATS_FILE = "/etc/sysmgt/zixistat_data_set.json";
 constexpr const char* SRT_STATS_FILE = "/etc/sysmgt/srtstat_data_set.json";
-// The factory channel data, loaded under this name while it is merged.
-constexpr const char* DEFAULT_DATASET = "Default Dataset";
 // The device manager's time zone.
 constexpr const char* DATE_TIME_TABLE = "DateTimeTable";
 constexpr const char* TZ = "TZ";
@@ -153,9 +151,9 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.
     if (path != path::FACTORY_CHANNELS) {
-        loadDataSet(DEFAULT_DATASET, path::FACTORY_CHANNELS);
-        updateDataSet(ds::CHANNEL, DEFAULT_DATASET, false, true, false);
-        deleteDataSet(DEFAULT_DATASET);
+        loadDataSet(ds::DEFAULT, path::FACTORY_CHANNELS);
+        updateDataSet(ds::CHANNEL, ds::DEFAULT, false, true, false);
+        deleteDataSet(ds::DEFAULT);
     }
 
     sapStopAll();

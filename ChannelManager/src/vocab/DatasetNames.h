@@ -18,6 +18,7 @@ constexpr const char* CHANNEL = "ChannelDataSet";
 constexpr const char* VIDEO_SOURCE = "VideoSourceDataSet";
 constexpr const char* ZIXI_STAT = "ZixiStatDataSet";
 constexpr const char* SRT_STAT = "SrtStatDataSet";
+constexpr const char* DEFAULT = "Default Dataset";  // the factory data while it is merged
 }  // namespace ds
 
 // ---- Components (tables) ----
