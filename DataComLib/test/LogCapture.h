@@ -8,18 +8,18 @@
 #include "system/DbgPrintClient.h"
 
 // Points the process-wide debug log at a pipe of the test while it lives, so
-// a test can check the lines an operation logs. Single-threaded tests only;
-// the pipe holds about 64 KiB, beyond which lines are dropped.
+// a test can check the lines an operation logs. Other threads may log
+// meanwhile (their lines are captured too); the pipe holds about 64 KiB,
+// beyond which lines are dropped.
 class LogCapture {
 public:
     LogCapture() {
         if (pipe2(ends, O_NONBLOCK) != 0)
             ends[0] = ends[1] = -1;
-        saved = DbgPrintClient::getInstance()->fd;
-        DbgPrintClient::getInstance()->fd = ends[1];
+        saved = DbgPrintClient::getInstance()->setSink(ends[1]);
     }
     ~LogCapture() {
-        DbgPrintClient::getInstance()->fd = saved;
+        DbgPrintClient::getInstance()->setSink(saved);
         close(ends[0]);
         close(ends[1]);
     }

@@ -9,6 +9,8 @@
 #include "records/TagText.h"
 #include "TarnevelWire.h"
 
+using namespace vocab;
+
 namespace {
 
 // Parameter values travel as texts: integers in decimal, booleans as
@@ -213,10 +215,6 @@ std::string MediatorModel::report() const {
 
 namespace {
 
-// Video source rows and the mediator's receiver of each.
-const std::pair<const char*, const char*> kReceivers[] = {
-    {"HD-SDI", "SDI_RECEIVER"}, {"Composite", "CVBS_RECEIVER"}, {"DVI-D", "DVI_RECEIVER"}, {"HDMI", "HDMI_RECEIVER"}};
-
 bool startsWith(const std::string& text, const char* prefix) {
     return text.rfind(prefix, 0) == 0;
 }
@@ -225,10 +223,7 @@ bool startsWith(const std::string& text, const char* prefix) {
 
 Fcodes MediatorModel::setInput(const std::string& source, const std::string& format,
                                std::vector<MessageEvent>& events) {
-    const char* receiver = nullptr;
-    for (const auto& [row, component] : kReceivers)
-        if (source == row)
-            receiver = component;
+    const char* receiver = med::receiverOf(source);
     if (receiver == nullptr)
         return FC_NO_SUCH_NAME;
     {

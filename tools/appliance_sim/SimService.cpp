@@ -186,7 +186,10 @@ void SimService::send(MessageHeader& reply, const std::string& body, sockaddr* f
 
 void SimService::emitPending() {
     std::vector<MessageEvent> events;
-    events.swap(pendingEvents);
+    {
+        std::lock_guard<std::mutex> guard(pendingMutex);
+        events.swap(pendingEvents);
+    }
     for (MessageEvent& event : events) {
         getDataCommunicator()->notify(event);
         MessageHeader header;
@@ -205,19 +208,24 @@ Fcodes SimService::execute(const std::string& commandText, std::string& result) 
         return code;
     const std::string& id = request.getId();
     MessageCommand answer = request;
+    std::vector<MessageEvent> raised;
     if (id == sim::CMD_SIM_FAIL) {
         code = failures.addFromCommand(request);
     } else if (id == sim::CMD_SIM_EMIT_EVENT) {
         MessageEvent event;
         code = eventFromCommand(request, event);
         if (isOk(code))
-            pendingEvents.push_back(event);
+            raised.push_back(event);
     } else if (id == sim::CMD_SIM_REPORT) {
         answer.addParam(sim::PARAM_REPORT, report() + failures.describe());
     } else if (isControl(id)) {
-        code = serveControl(request, pendingEvents);
+        code = serveControl(request, raised);
     } else {
-        code = serveCommand(request, answer, pendingEvents);
+        code = serveCommand(request, answer, raised);
+    }
+    {
+        std::lock_guard<std::mutex> guard(pendingMutex);
+        pendingEvents.insert(pendingEvents.end(), raised.begin(), raised.end());
     }
     if (isOk(code) && answer.params != request.params)
         answer.toString(result);

@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -74,9 +75,11 @@ private:
     const std::string shortName;
     TrafficLog& traffic;
     FailureRules failures;
-    // Raised while serving a request; sent once its answer is out (serving
-    // thread only).
+    // Raised while serving a request; sent once its answer is out. Guarded
+    // by pendingMutex: a test may call execute on its own thread while the
+    // serving thread sends.
     std::vector<MessageEvent> pendingEvents;
+    std::mutex pendingMutex;
     pthread_t thread{};
     bool running = false;
     bool bound = false;  // the engine's sockets exist

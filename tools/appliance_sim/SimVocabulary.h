@@ -1,8 +1,12 @@
 #pragma once
 
+#include "vocab/PeerNames.h"
+
 // The words the appliance's peer services speak with the channel manager, as
-// the simulator serves them, and the simulator's own control commands. Texts
-// are compared whole and case-sensitively.
+// the simulator serves them, and the simulator's own control commands. The
+// words the channel manager also speaks are taken from its vocab/PeerNames.h,
+// so the two cannot drift apart. Texts are compared whole and
+// case-sensitively.
 namespace sim {
 
 // Send sockets of the three simulated services (their receive sockets are
@@ -12,30 +16,30 @@ constexpr const char* SOCK_SEND_DEV = "/tmp/sockSendDev";
 constexpr const char* SOCK_SEND_SAP = "/tmp/sockSendSap";
 
 // Mediator events (its commands and parameters are in TarnevelWire.h).
-constexpr const char* EVT_BRANCH_STARTED = "Tarnevel Branch Started";
-constexpr const char* EVT_BRANCH_STOPPED = "Tarnevel Branch Stopped";
+constexpr const char* EVT_BRANCH_STARTED = vocab::ev::BRANCH_STARTED;
+constexpr const char* EVT_BRANCH_STOPPED = vocab::ev::BRANCH_STOPPED;
 
 // Mediator parameters the simulator itself changes.
-constexpr const char* PARAM_UPDATE_STATS = "Update Stats";
-constexpr const char* PARAM_VIDEO_FORMAT = "Video Format";
+constexpr const char* PARAM_UPDATE_STATS = vocab::med::PARAM_UPDATE_STATS;
+constexpr const char* PARAM_VIDEO_FORMAT = vocab::med::VIDEO_FORMAT;
 
 // Device manager: its data set and commands.
-constexpr const char* DEVICE_DATA_SET = "DeviceDataSet";
+constexpr const char* DEVICE_DATA_SET = vocab::ds::DEVICE;
 constexpr const char* DEVICE_DATA_SET_PATH = "/etc/sysmgt/device_data_set.json";
-constexpr const char* CMD_TOGGLE_KLVOSDI_INPUT = "Toggle KLVoSDI Input";
-constexpr const char* CMD_RESET_KLVOSDI_STATS = "Reset KLVoSDI Statistics";
-constexpr const char* CMD_RESET_KLVOIP_STATS = "Reset KLVoIP Statistics";
-constexpr const char* CMD_RESET_KLV_STATS = "Reset KLV Statistics";
-constexpr const char* PARAM_KLV_SOURCE = "KLV Source";
-constexpr const char* PARAM_CHANNEL_ID = "ChannelID";
+constexpr const char* CMD_TOGGLE_KLVOSDI_INPUT = vocab::cmd::TOGGLE_KLVOSDI_INPUT;
+constexpr const char* CMD_RESET_KLVOSDI_STATS = vocab::cmd::RESET_KLVOSDI_STATISTICS;
+constexpr const char* CMD_RESET_KLVOIP_STATS = vocab::cmd::RESET_KLVOIP_STATISTICS;
+constexpr const char* CMD_RESET_KLV_STATS = vocab::cmd::RESET_KLV_STATISTICS;
+constexpr const char* PARAM_KLV_SOURCE = vocab::cmd::PARAM_KLV_SOURCE;
+constexpr const char* PARAM_CHANNEL_ID = vocab::cmd::PARAM_KLV_CHANNEL_ID;
 
 // SAP announcer commands and the parameters that name a stream.
-constexpr const char* CMD_START_SAP = "START_SAP";
-constexpr const char* CMD_STOP_SAP = "STOP_SAP";
-constexpr const char* CMD_STOP_ALL_SAP = "STOP ALL SAP";
-constexpr const char* PARAM_CHANNEL_NAME = "ChannelName";
-constexpr const char* PARAM_DESTINATION_IP = "DestinationIp";
-constexpr const char* PARAM_DESTINATION_PORT = "DestinationPort";
+constexpr const char* CMD_START_SAP = vocab::cmd::START_SAP;
+constexpr const char* CMD_STOP_SAP = vocab::cmd::STOP_SAP;
+constexpr const char* CMD_STOP_ALL_SAP = vocab::cmd::STOP_ALL_SAP;
+constexpr const char* PARAM_CHANNEL_NAME = vocab::cmd::PARAM_SAP_CHANNEL_NAME;
+constexpr const char* PARAM_DESTINATION_IP = vocab::cmd::PARAM_SAP_DESTINATION_IP;
+constexpr const char* PARAM_DESTINATION_PORT = vocab::cmd::PARAM_SAP_DESTINATION_PORT;
 
 // Control commands, served on every socket of the simulator.
 // "Sim Fail": Command=ID [Count=N (1)] [Mode=Fcode|NACK|Silent (Fcode)]
@@ -48,8 +52,8 @@ constexpr const char* CMD_SIM_SET_PARAM = "Sim Set Param";
 // detects ("None" for no signal). Sets the receiver's "Video Format" and
 // sends "Auto Detection Event" with that Source and parameter.
 constexpr const char* CMD_SIM_SET_INPUT = "Sim Set Input";
-constexpr const char* PARAM_INPUT_DETECTED = "Input Detected";
-constexpr const char* EVT_AUTO_DETECTION = "Auto Detection Event";
+constexpr const char* PARAM_INPUT_DETECTED = vocab::ev::PARAM_INPUT_DETECTED;
+constexpr const char* EVT_AUTO_DETECTION = vocab::ev::AUTO_DETECTION;
 // "Sim Emit Event": Event=ID [Source] [Status] [Description] [Severity], every
 // other parameter travels as a parameter of the event.
 constexpr const char* CMD_SIM_EMIT_EVENT = "Sim Emit Event";

@@ -12,6 +12,10 @@
 #include "records/MessageTypes.h"
 #include "records/TagText.h"
 #include "records/WireConstants.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
+
+using namespace vocab;
 
 namespace {
 
@@ -21,11 +25,11 @@ constexpr unsigned ONE_TRY = 1;
 const struct {
     const char* rowId;
     const char* title;
-} kChannels[] = {{"H.264", "H.264 (CH0)"}, {"HEVC", "HEVC (CH1)"}};
-constexpr const char* CHANNEL_DATASET = "ChannelDataSet";
-constexpr const char* CHANNELS_TABLE = "ChannelsTable";
-constexpr const char* PROCESSING_TABLE = "ChannelProcessingTable";
-constexpr const char* TARGET_TABLE = "ChannelTargetTable";
+} kChannels[] = {{row::H264, "H.264 (CH0)"}, {row::HEVC, "HEVC (CH1)"}};
+constexpr const char* CHANNEL_DATASET = ds::CHANNEL;
+constexpr const char* CHANNELS_TABLE = tbl::CHANNELS;
+constexpr const char* PROCESSING_TABLE = tbl::PROCESSING;
+constexpr const char* TARGET_TABLE = tbl::TARGET;
 
 // Rows shown after the summary when the service serves them, that is once
 // channel data is loaded: the bitrates asked for and the two targets.
@@ -34,8 +38,8 @@ const struct {
     const char* property;  // of PROCESSING_TABLE; null: the target named by `target`
     const char* target;    // instance suffix of the channel's target row
 } kFurtherRows[] = {
-    {"Set Bitrate", "Total Bitrate", nullptr},
-    {"Max Bitrate", "Max Bitrate", nullptr},
+    {"Set Bitrate", prop::TOTAL_BITRATE, nullptr},
+    {"Max Bitrate", prop::MAX_BITRATE, nullptr},
     {"Target 1", nullptr, " Target1"},
     {"Target 2", nullptr, " Target2"},
 };
@@ -198,7 +202,8 @@ StatusView readStatus(DataCommunicator& engine, const std::string& socket, unsig
                                      channel.rowId, "", cell, timeoutSec);
             } else {
                 const std::string target = channel.rowId + std::string(row.target);
-                const char* properties[] = {"Enabled", "Streaming Protocol", "Target Address", "Target Port"};
+                const char* properties[] = {prop::ENABLED, prop::STREAMING_PROTOCOL, prop::TARGET_ADDRESS,
+                                            prop::TARGET_PORT};
                 std::string values[4];
                 code = FC_OK;
                 for (int i = 0; i < 4; ++i)

@@ -8,6 +8,9 @@
 #include "records/TagText.h"
 #include "records/WireConstants.h"
 #include "vocab/ChannelConditions.h"
+#include "vocab/DatasetNames.h"
+
+using namespace vocab;
 
 namespace {
 
@@ -73,19 +76,19 @@ std::string replyText(const std::string& replyBody) {
 
 const std::vector<StatusRow>& statusRows() {
     static const std::vector<StatusRow> rows = {
-        {"State", "State"},
-        {"Status", "Status"},
-        {"Fcode", "Fcode"},
-        {"Source", "Source"},
-        {"Input", "Input Resolution"},
-        {"Resolution", "Resolution"},
-        {"Total Bit Rate", "Total Bit Rate"},
+        {"State", prop::STATE},
+        {"Status", prop::STATUS},
+        {"Fcode", prop::FCODE},
+        {"Source", prop::SOURCE},
+        {"Input", prop::INPUT_RESOLUTION},
+        {"Resolution", prop::RESOLUTION},
+        {"Total Bit Rate", prop::TOTAL_BIT_RATE},
     };
     return rows;
 }
 
 std::string statusCell(const StatusRow& row, const std::string& value) {
-    if (std::string(row.property) != "Fcode")
+    if (std::string(row.property) != prop::FCODE)
         return value;
     // The store keeps the Fcode as an integer: decimal on the wire.
     char* end = nullptr;

@@ -42,7 +42,7 @@ TEST(Dbglog, CreatesThePipeAndPrintsLinesAtOrAboveTheSeverity) {
     ASSERT_TRUE(S_ISFIFO(made.st_mode));
 
     DbgPrintClient client("/tmp/sockDbg");
-    ASSERT_GE(client.fd, 0);
+    ASSERT_GE(client.sink(), 0);
     for (int severity : {DBG_INFO, DBG_WARN}) {
         std::ostringstream line;
         client.fillInOss(severity, &line);

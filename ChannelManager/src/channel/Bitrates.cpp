@@ -2,7 +2,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "vocab/ValueRanges.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
@@ -20,6 +21,16 @@ using namespace vocab;
 // so that host builds and the 32-bit target compute the same figures.
 
 namespace {
+
+// The device manager's KLV inputs and the property that holds the bitrate of
+// each ("KLV over IP" is shared with the KLV sections).
+constexpr const char* COM_PORTS_TABLE = "ComPortsTable";
+constexpr const char* BAUD_RATE = "Baud Rate";
+constexpr const char* KLV_BITRATE = "KLV Bitrate";
+constexpr const char* KLV_OVER_SDI_TABLE = "KLV over SDI";
+constexpr const char* KLV_OVER_SDI_BITRATE = "Bitrate";
+// The encoder parameter that makes a running encoder take its new bitrates.
+constexpr const char* APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
 
 constexpr int32_t FIXED_MUX_OVERHEAD = 74197;        // tables and PCR
 constexpr int32_t FIXED_OVERHEAD_PCR_ON_VIDEO = 24064;  // PCR carried on the video PID
@@ -73,7 +84,7 @@ int64_t packetisedVideo(int64_t videoAndFrames) {
 // clamped inputs comes near, but stored bitrates near the limit could.
 int32_t asInt(const std::string& rowId, const char* property, int64_t total) {
     if (total > INT32_MAX || total < INT32_MIN) {
-        DBG(1) << "calcBitrates: rowId=" << rowId << " Error: param=" << property << " val=" << total
+        DBG(DBG_WARN) << "calcBitrates: rowId=" << rowId << " Error: param=" << property << " val=" << total
                << " out of range, set to the nearer limit";
         return total > 0 ? INT32_MAX : INT32_MIN;
     }
@@ -86,7 +97,7 @@ int32_t range::clampLogged(const char* op, const std::string& rowId, const IntRa
     if (value >= range.minimum && value <= range.maximum)
         return static_cast<int32_t>(value);
     const int32_t bound = value < range.minimum ? range.minimum : range.maximum;
-    DBG(1) << op << ": rowId=" << rowId << " Error: param=" << range.property << " val=" << value
+    DBG(DBG_WARN) << op << ": rowId=" << rowId << " Error: param=" << range.property << " val=" << value
            << " out of range [" << range.minimum << "," << range.maximum << "], set to " << bound;
     return bound;
 }
@@ -108,14 +119,14 @@ Fcodes ConfigChannelTarnevel::readKlvBitrate(const std::string& ingest, int& bit
     const char* component = nullptr;
     const char* property = nullptr;
     if (ingest == value::KLV_SERIAL) {
-        component = tbl::COM_PORTS;
-        property = prop::BAUD_RATE;
+        component = COM_PORTS_TABLE;
+        property = BAUD_RATE;
     } else if (ingest == value::KLV_IP) {
         component = tbl::KLV_OVER_IP;
-        property = prop::KLV_BITRATE;
+        property = KLV_BITRATE;
     } else if (ingest == value::KLV_SDI || ingest == value::KLV_SDI_SYNC) {
-        component = tbl::KLV_OVER_SDI;
-        property = prop::BITRATE;
+        component = KLV_OVER_SDI_TABLE;
+        property = KLV_OVER_SDI_BITRATE;
     } else {
         return FC_OK;
     }
@@ -143,7 +154,8 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     std::vector<std::string> targets;
     result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     if (targets.empty()) {
-        DBG(2) << "calcBitrates: Couldn't find targetId in table=" << tbl::TARGET << " for chan rowId=" << rowId;
+        DBG(DBG_ERROR) << "calcBitrates: Couldn't find targetId in table=" << tbl::TARGET
+                       << " for chan rowId=" << rowId;
         result |= FC_UNAVAILABLE;
     } else {
         result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
@@ -174,7 +186,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     int klv2 = 0;
     result |= readKlvBitrate(ingestKlv, klv1);
     result |= readKlvBitrate(ingestKlv2, klv2);
-    const int32_t klv = asInt(rowId, prop::KLV_BITRATE, static_cast<int64_t>(klv1) + klv2);
+    const int32_t klv = asInt(rowId, KLV_BITRATE, static_cast<int64_t>(klv1) + klv2);
 
     // Clamped to their ranges: (P + 100) is a divisor, and the frame term a product.
     const int64_t percent =
@@ -185,7 +197,7 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     int64_t frameTerm = range::clampLogged("calcBitrates", rowId, range::FRAME_SAMPLING,
                                            representable ? static_cast<int64_t>(frameRate) : INT32_MAX);
     if (scan == 'i' && rowId == row::HEVC) {
-        DBG(0) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
+        DBG(DBG_INFO) << "configChannel: Encoding HEVC interlaced use fps*2 to calc bitrate";
         frameTerm *= FRAME_OVERHEAD_BITS_HEVC_INTERLACED;
     } else {
         frameTerm *= FRAME_OVERHEAD_BITS;
@@ -195,7 +207,8 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
         if (totalBitrate == 0) {
             const int64_t packetised = packetisedVideo(frameTerm + videoBitrate);
             const int64_t withOverhead = packetised * (percent + 100) / 100;
-            totalBitrate = asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(audio) + klv + fixedOverhead + withOverhead);
+            totalBitrate =
+                asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(audio) + klv + fixedOverhead + withOverhead);
         } else if (!encodeVideo) {
             videoBitrate = 0;
         } else {
@@ -205,12 +218,13 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     } else if (totalBitrate == 0) {
         totalBitrate = asInt(rowId, prop::TOTAL_BITRATE, static_cast<int64_t>(videoBitrate) + audio + klv);
     } else {
-        videoBitrate = encodeVideo ? asInt(rowId, prop::VIDEO_BITRATE, static_cast<int64_t>(totalBitrate) - audio - klv) : 0;
+        videoBitrate =
+            encodeVideo ? asInt(rowId, prop::VIDEO_BITRATE, static_cast<int64_t>(totalBitrate) - audio - klv) : 0;
     }
     audioBitrate = asInt(rowId, prop::AUDIO_BITRATE, audio);
     klvBitrate = klv;
 
-    DBG(0) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
+    DBG(DBG_INFO) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
            << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
            << " totalBitrate=" << totalBitrate << " rowId=" << rowId;
     return result;
@@ -221,7 +235,7 @@ void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const s
                                                const std::string& parameter, int value) {
     const Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
     if (!isOk(set))
-        DBG(2) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
+        DBG(DBG_ERROR) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
                << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
 }
 
@@ -238,10 +252,10 @@ Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const st
     if (channel < 0 || video >= MIN_VIDEO_BITRATE[channel])
         return FC_OK;
     if (channel == 1)
-        DBG(1) << operation << ": Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
+        DBG(DBG_WARN) << operation << ": Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
                << " inst=" << rowId;
     else
-        DBG(1) << operation << ": Video BR=" << video << ". Reseting to min=" << MIN_VIDEO_BITRATE[channel]
+        DBG(DBG_WARN) << operation << ": Video BR=" << video << ". Reseting to min=" << MIN_VIDEO_BITRATE[channel]
                << " inst=" << rowId;
     int audio = 0, klv = 0;
     video = MIN_VIDEO_BITRATE[channel];
@@ -253,7 +267,7 @@ Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const st
     int floorVideo = MIN_MAX_VIDEO_BITRATE[channel];
     result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
     if (max < floorTotal) {
-        DBG(1) << operation << ": Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
+        DBG(DBG_WARN) << operation << ": Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
                << " is greater than prev=" << max << " inst=" << rowId;
         max = floorTotal;
         maxRaised = true;
@@ -278,7 +292,7 @@ Fcodes ConfigChannelTarnevel::encoderMargin(const char* operation, const std::st
     int maxTotal = max, maxVideo = 0, audio = 0, klv = 0;
     const Fcodes result = calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
     margin = bitrateMargin(operation, rowId, maxVideo, video);
-    DBG(0) << operation << ": rowId=" << rowId << " maxBitrate=" << max << " maxVideoBitrate=" << maxVideo
+    DBG(DBG_INFO) << operation << ": rowId=" << rowId << " maxBitrate=" << max << " maxVideoBitrate=" << maxVideo
            << " rateControl=" << rateControl << " margin=" << margin;
     return result;
 }
@@ -332,7 +346,7 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     }
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
     if (channel == 1)
-        setEncoderOnTheFly(rowId, encoder, med::PARAM_APPLY_ON_THE_FLY, 1);
+        setEncoderOnTheFly(rowId, encoder, APPLY_ON_THE_FLY, 1);
 
     result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
     result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);

@@ -1,7 +1,8 @@
 #include <cstdlib>
 #include <mutex>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "holder/DataHolder.h"
@@ -11,7 +12,8 @@ using namespace vocab;
 
 // The channel commands the manager forwards: "ACTIVATE_ROW", "Change
 // on-the-fly", "Play", "Stop" and the two statistics commands, addressed by
-// "RowID" to one channel or to "ALL" ("0" meaning "ALL").
+// "RowID" to one channel or to "ALL" ("0" meaning "ALL"); the statistics
+// commands name a target row instead.
 
 namespace {
 
@@ -25,7 +27,7 @@ int toNumber(const std::string& text) {
 Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::string&) {
     MessageCommand command;
     if (!isOk(command.initFromString(commandText))) {
-        DBG(2) << "execute: Not found tags in:\n" << commandText;
+        DBG(DBG_ERROR) << "execute: Not found tags in:\n" << commandText;
         return FC_BODY_ERROR;
     }
     const std::string& name = command.getId();
@@ -33,55 +35,55 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
     command.getParam(cmd::PARAM_ROW_ID, rowId);
     if (rowId == row::ALL_NUMERIC)
         rowId = row::ALL;
-    DBG(0) << "execute: RowID=" << rowId;
+    DBG(DBG_INFO) << "execute: RowID=" << rowId;
 
-    // The statistics commands name a target row, not a channel.
+    // The command table, first whole-text match wins. A row's `one` runs on
+    // the named row; "ALL" runs its `all`, or without one `one` on every
+    // channel. A statistics command runs on a target row only and answers
+    // "OK" whatever the update gives; on a channel or "ALL" it does nothing.
+    using OneRow = Fcodes (ConfigChannelTarnevel::*)(const std::string&, const MessageCommand&);
+    using AllRows = Fcodes (ConfigChannelTarnevel::*)();
+    struct Route {
+        const char* id;
+        bool onTarget;  // "RowID" names a target row, not a channel
+        OneRow one;
+        AllRows all;
+    };
+    static const Route kRoutes[] = {
+        {cmd::ACTIVATE_ROW, false, &ConfigChannelTarnevel::activateRow, nullptr},
+        {cmd::CHANGE_ON_THE_FLY, false, &ConfigChannelTarnevel::changeOnTheFly,
+         &ConfigChannelTarnevel::changeOnTheFlyAll},
+        {cmd::PLAY, false, &ConfigChannelTarnevel::play, nullptr},
+        {cmd::STOP, false, &ConfigChannelTarnevel::stop, &ConfigChannelTarnevel::stopAll},
+        {cmd::UPDATE_ZIXI_STATISTICS, true, &ConfigChannelTarnevel::zixiStatistics, nullptr},
+        {cmd::UPDATE_SRT_STATISTICS, true, &ConfigChannelTarnevel::srtStatistics, nullptr},
+    };
+    const Route* route = nullptr;
+    for (const Route& candidate : kRoutes)
+        if (name == candidate.id) {
+            route = &candidate;
+            break;
+        }
+
     if (rowId != row::ALL && !isChannelRow(rowId)) {
-        if (name == cmd::UPDATE_ZIXI_STATISTICS) {
-            updateZixiStatistics(rowId);
+        if (route != nullptr && route->onTarget) {
+            (this->*route->one)(rowId, command);
             return FC_OK;
         }
-        if (name == cmd::UPDATE_SRT_STATISTICS) {
-            updateSrtStatistics(rowId);
-            return FC_OK;
-        }
-        DBG(2) << "execute: Unexpected rowId=" << rowId << " in command=" << name;
+        DBG(DBG_ERROR) << "execute: Unexpected rowId=" << rowId << " in command=" << name;
         return FC_BAD_VALUE;
     }
-
-    if (name == cmd::STOP)
-        return rowId == row::ALL ? stopAll() : forcedStop(rowId);
-
-    using Handler = Fcodes (ConfigChannelTarnevel::*)(const std::string&, const MessageCommand&);
-    struct Entry {
-        const char* id;
-        Handler handler;
-    };
-    static const Entry kHandlers[] = {
-        {cmd::ACTIVATE_ROW, &ConfigChannelTarnevel::activateRow},
-        {cmd::CHANGE_ON_THE_FLY, &ConfigChannelTarnevel::changeOnTheFly},
-        {cmd::PLAY, &ConfigChannelTarnevel::play},
-    };
-    for (const Entry& entry : kHandlers) {
-        if (name != entry.id)
-            continue;
-        // "ALL" runs "ACTIVATE_ROW" and "Play" on every channel, as "Stop" does.
-        if (rowId != row::ALL)
-            return (this->*entry.handler)(rowId, command);
-        // An on-the-fly change acts on one channel only: for any other row,
-        // "ALL" (also a missing "RowID") included, it answers "OK" and does
-        // nothing, as changeBitrateOnTheFly does for a row that is no channel.
-        if (entry.handler == &ConfigChannelTarnevel::changeOnTheFly) {
-            DBG(1) << "execute: " << name << " needs one channel, rowId=" << rowId << " ignored";
-            return FC_OK;
-        }
-        Fcodes result = FC_OK;
-        for (const std::string& channel : channelRows())
-            result |= (this->*entry.handler)(channel, command);
-        return result;
-    }
     // Any other command on a channel has nothing to do here.
-    return FC_OK;
+    if (route == nullptr || route->onTarget)
+        return FC_OK;
+    if (rowId != row::ALL)
+        return (this->*route->one)(rowId, command);
+    if (route->all != nullptr)
+        return (this->*route->all)();
+    Fcodes result = FC_OK;
+    for (const std::string& channel : channelRows())
+        result |= (this->*route->one)(channel, command);
+    return result;
 }
 
 std::vector<std::string> ConfigChannelTarnevel::channelRows() {
@@ -91,13 +93,14 @@ std::vector<std::string> ConfigChannelTarnevel::channelRows() {
 }
 
 Fcodes ConfigChannelTarnevel::activateRow(const std::string& rowId, const MessageCommand&) {
-    DBG(0) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
+    DBG(DBG_INFO) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
     Fcodes result = holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
     const Fcodes configured = configChannel(rowId);
-    DBG(0) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
+    DBG(DBG_INFO) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
            << static_cast<uint32_t>(configured);
     const Fcodes updated = updateChannel(rowId);
-    DBG(0) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex << static_cast<uint32_t>(updated);
+    DBG(DBG_INFO) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex
+                  << static_cast<uint32_t>(updated);
     result |= configured | updated;
     if (!isOk(result))
         return result;
@@ -121,7 +124,7 @@ Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const Mes
         holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
     if (isOk(reads) && currentTotal == total && currentMax == max)
         return FC_OK;
-    DBG(0) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
+    DBG(DBG_INFO) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
            << " param=" << cmd::PARAM_MAX_BITRATE << " val=" << max;
     return changeBitrateOnTheFly(rowId, total, max);
 }
@@ -132,9 +135,30 @@ Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageComman
     return result;
 }
 
+// An on-the-fly change acts on one channel only: for "ALL" (also a missing
+// "RowID") it answers "OK" and does nothing, as changeBitrateOnTheFly does
+// for a row that is no channel.
+Fcodes ConfigChannelTarnevel::changeOnTheFlyAll() {
+    DBG(DBG_WARN) << "execute: " << cmd::CHANGE_ON_THE_FLY << " needs one channel, rowId=" << row::ALL
+                  << " ignored";
+    return FC_OK;
+}
+
+Fcodes ConfigChannelTarnevel::stop(const std::string& rowId, const MessageCommand&) {
+    return forcedStop(rowId);
+}
+
+Fcodes ConfigChannelTarnevel::zixiStatistics(const std::string& targetRowId, const MessageCommand&) {
+    return updateZixiStatistics(targetRowId);
+}
+
+Fcodes ConfigChannelTarnevel::srtStatistics(const std::string& targetRowId, const MessageCommand&) {
+    return updateSrtStatistics(targetRowId);
+}
+
 Fcodes ConfigChannelTarnevel::forcedStop(const std::string& rowId) {
     std::lock_guard<DataHolder> guard(holder);
-    DBG(0) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
+    DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
     Fcodes result = holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
     result |= stopChannel(rowId);
     return result | FC_OK;

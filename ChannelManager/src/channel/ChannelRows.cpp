@@ -1,4 +1,5 @@
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "holder/DataHolder.h"
 #include "system/DbgPrintClient.h"

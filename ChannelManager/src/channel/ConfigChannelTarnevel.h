@@ -54,7 +54,8 @@ public:
     //      channel/PlayStop.cpp, channel/ChannelRows.cpp, channel/EncoderReadback.cpp) ----
 
     // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
-    // statistics commands, with "RowID" naming a channel, "ALL" or "0".
+    // statistics commands, with "RowID" naming a channel, "ALL" or "0" (a
+    // target row for the statistics commands).
     Fcodes execute(const std::string& commandText, std::string& response);
     Fcodes playChannel(const std::string& rowId);
     // A second stop of a stopped or stopping channel does nothing.
@@ -63,6 +64,8 @@ public:
     Fcodes updateChannelStatus(const std::string& rowId);
     // Copies the effective encoder and multiplexer values into the summary.
     Fcodes updateChannel(const std::string& rowId);
+    // Reads back what the encoder chose by itself into the encoder settings.
+    Fcodes updateAutomaticParams(const std::string& rowId);
     // Start-up: configures both channels, replays those that were playing.
     Fcodes configChannels();
     Fcodes reconfigChannelFormat(const std::string& rowId);
@@ -103,8 +106,6 @@ public:
     // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
     // range with a log line under `op`; 0 when `video` is 0.
     static int32_t bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video);
-    // Reads back what the encoder chose by itself into the encoder settings.
-    Fcodes updateAutomaticParams(const std::string& rowId);
 
     // ---- Pipeline configuration (pipeline/) ----
 
@@ -128,7 +129,8 @@ public:
     // "Srt New Client Request"; borrows the event.
     Fcodes handleDataStreamEvent(MessageEvent* event);
 
-    // ---- SAP, KLV, target probes and LEDs (ConfigChannelSap/Klv/Probes/Leds.cpp) ----
+    // ---- SAP, KLV, target probes and LEDs (side/SapAnnouncements.cpp, side/KlvBranches.cpp,
+    //      side/TargetProbes.cpp, side/FrontPanelLeds.cpp) ----
 
     // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
     Fcodes sapAction(const std::string& rowId);
@@ -216,9 +218,15 @@ private:
     // One command on one channel row; "ALL" is expanded by execute.
     Fcodes activateRow(const std::string& rowId, const MessageCommand& command);
     Fcodes changeOnTheFly(const std::string& rowId, const MessageCommand& command);
+    Fcodes changeOnTheFlyAll();
     Fcodes play(const std::string& rowId, const MessageCommand& command);
+    Fcodes stop(const std::string& rowId, const MessageCommand& command);
+    // The statistics commands on one target row.
+    Fcodes zixiStatistics(const std::string& targetRowId, const MessageCommand& command);
+    Fcodes srtStatistics(const std::string& targetRowId, const MessageCommand& command);
     // The forced stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
     Fcodes forcedStop(const std::string& rowId);
+    // "Stop" on "ALL": every channel, then "STOP ALL SAP".
     Fcodes stopAll();
     // The instances of "ChannelsTable": the rows "ALL" stands for.
     std::vector<std::string> channelRows();

@@ -1,7 +1,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "holder/DataHolder.h"
@@ -89,7 +90,7 @@ Fcodes ConfigChannelTarnevel::writeBackEncoderSettings(const std::string& rowId)
 
 Fcodes ConfigChannelTarnevel::updateChannel(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
-        DBG(2) << "updateChannel: Unexpected rowId=" << rowId;
+        DBG(DBG_ERROR) << "updateChannel: Unexpected rowId=" << rowId;
         return FC_BAD_VALUE;
     }
     Fcodes result = FC_OK;
@@ -117,7 +118,7 @@ Fcodes ConfigChannelTarnevel::updateChannel(const std::string& rowId) {
 
 Fcodes ConfigChannelTarnevel::updateAutomaticParams(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
-        DBG(2) << "updateAutomaticParams: Unexpected rowId=" << rowId;
+        DBG(DBG_ERROR) << "updateAutomaticParams: Unexpected rowId=" << rowId;
         return FC_BAD_VALUE;
     }
     return writeBackEncoderSettings(rowId);

@@ -1,4 +1,5 @@
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/VideoFormatTables.h"
 #include "holder/DataHolder.h"
@@ -43,25 +44,25 @@ Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
         int maxRate = 0;
         if (videoformat::inputAllowed(encodingFormat, inputDetected)) {
             if (videoformat::maxInputFrameRate(inputDetected, maxRate) && maxRate < frameSampling) {
-                DBG(2) << "validateInputFormat: inputDetected=" << inputDetected << " limits to max fr=" << maxRate
-                       << " less than fr=" << frameSampling;
+                DBG(DBG_ERROR) << "validateInputFormat: inputDetected=" << inputDetected
+                               << " limits to max fr=" << maxRate << " less than fr=" << frameSampling;
                 result = FC_UNAVAILABLE;
             } else if (hevc && gop != value::GOP_I && gop != value::GOP_IP &&
                        videoformat::maxHevcFrameRate(encodingFormat, maxRate)) {
                 if (maxRate < frameSampling && !ultraLowLatency) {
-                    DBG(2) << "validateInputFormat: encodingFormat=" << encodingFormat << " limits to max fr="
+                    DBG(DBG_ERROR) << "validateInputFormat: encodingFormat=" << encodingFormat << " limits to max fr="
                            << maxRate << " less than fr=" << frameSampling;
                     result = FC_UNAVAILABLE;
                 }
             } else if (h264 && videoformat::maxH264FrameRate(encodingFormat, maxRate)) {
                 if (maxRate < frameSampling && !ultraLowLatency) {
-                    DBG(2) << "validateInputFormat: encodingFormat=" << encodingFormat << " limits to max fr="
+                    DBG(DBG_ERROR) << "validateInputFormat: encodingFormat=" << encodingFormat << " limits to max fr="
                            << maxRate << " less than fr=" << frameSampling;
                     result = FC_UNAVAILABLE;
                 }
             }
         } else {
-            DBG(2) << "validateInputFormat: inputDetected=" << inputDetected
+            DBG(DBG_ERROR) << "validateInputFormat: inputDetected=" << inputDetected
                    << " mismatches encodingFormat=" << encodingFormat;
             result = FC_UNAVAILABLE;
         }
@@ -70,7 +71,7 @@ Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
     // Applies even when the table checks were skipped: the HEVC encoder
     // crashes on 1080p inputs at 50 Hz and above with any GOP but "IP".
     if (hevc && isHevcCrashInput(inputDetected) && gop != value::GOP_IP) {
-        DBG(2) << "validateInputFormat: input detected=" << inputDetected << " GOP=" << gop << ". Must be="
+        DBG(DBG_ERROR) << "validateInputFormat: input detected=" << inputDetected << " GOP=" << gop << ". Must be="
                << value::GOP_IP << " to prevent HEVC crash";
         result = FC_UNAVAILABLE;
     }

@@ -1,9 +1,9 @@
 #include <chrono>
-#include <cstdio>
 #include <mutex>
 #include <thread>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
@@ -24,17 +24,6 @@ constexpr int START_TIMEOUT_SEC = 20;
 constexpr int STOP_TIMEOUT_SEC = 20;
 constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
 constexpr int POLL_MS = 5;
-
-// True when every bit of `condition` is set in the channel's "Fcode".
-bool holds(int fcode, uint32_t condition) {
-    return (static_cast<uint32_t>(fcode) & condition) == condition;
-}
-
-std::string hex(Fcodes code) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(code));
-    return text;
-}
 
 }  // namespace
 
@@ -62,8 +51,8 @@ void ConfigChannelTarnevel::startTargets(const std::string& rowId, const std::ve
             continue;
         const Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, START_TIMEOUT_SEC);
         if (!isOk(started)) {
-            DBG(2) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=" << hex(started)
-                   << " rowId=" << rowId;
+            DBG(DBG_ERROR) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                           << static_cast<uint32_t>(started) << std::dec << " rowId=" << rowId;
             events.sendEvent(ev::CHANNEL_PLAY_ERROR, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
                              "");
             stopChannel(rowId);
@@ -132,15 +121,16 @@ Fcodes ConfigChannelTarnevel::stopTargets(const std::string& rowId, const std::v
         const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
         result |= stateRead;
         if (branchState != state::BRANCH_RUN) {
-            DBG(0) << "stopChannel: branch=" << branch << " is not RUN fcode=" << hex(stateRead) << " rowId=" << rowId;
+            DBG(DBG_INFO) << "stopChannel: branch=" << branch << " is not RUN fcode=0x" << std::hex
+                          << static_cast<uint32_t>(stateRead) << std::dec << " rowId=" << rowId;
             continue;
         }
         const Fcodes stopped = zixi ? ITarnevelClient::stopTarnevelBranch(&holder, branch, false, ZIXI_STOP_TIMEOUT_SEC)
                                     : ITarnevelClient::stopTarnevelBranch(&holder, branch, true, STOP_TIMEOUT_SEC);
         result |= stopped;
         if (!isOk(stopped)) {
-            DBG(2) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=" << hex(stopped)
-                   << " rowId=" << rowId;
+            DBG(DBG_ERROR) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                           << static_cast<uint32_t>(stopped) << std::dec << " rowId=" << rowId;
             stopFailed = true;
         }
     }
@@ -156,7 +146,7 @@ Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
     if (!isOk(reads) || chanState == state::STOPPING || chanState == state::STOPPED)
         return reads;
 
-    DBG(0) << "stopChannel: setting chanState=Stopping";
+    DBG(DBG_INFO) << "stopChannel: setting chanState=Stopping";
     Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
     result |= klvAction(rowId);
     result |= sapAction(rowId);
@@ -229,7 +219,7 @@ Fcodes ConfigChannelTarnevel::configChannels() {
         result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
         result |= holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
         result |= holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
-        DBG(0) << "configChannels: configuring channel=" << rowId;
+        DBG(DBG_INFO) << "configChannels: configuring channel=" << rowId;
         const Fcodes configured = configChannel(rowId) | updateChannel(rowId);
         if (isOk(configured))
             events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
@@ -260,7 +250,7 @@ Fcodes ConfigChannelTarnevel::waitWhileInTransition(const std::string& branch, c
         remaining -= POLL_MS;
         result |= ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
     }
-    DBG(0) << "waitWhileInTransition: branch=" << branch << " state=" << branchState
+    DBG(DBG_INFO) << "waitWhileInTransition: branch=" << branch << " state=" << branchState
            << " transitiontime(ms)=" << POLL_MS * mismatches;
     return result;
 }
@@ -271,7 +261,7 @@ Fcodes ConfigChannelTarnevel::handleTarnevelBranchEvent(MessageEvent* event) {
     std::lock_guard<DataHolder> guard(holder);
     const std::string& name = event->id;
     const std::string& branch = event->source;
-    DBG(0) << "handleTarnevelBranchEvent: ev=" << name << " branch=" << branch;
+    DBG(DBG_INFO) << "handleTarnevelBranchEvent: ev=" << name << " branch=" << branch;
     std::string rowId;
     const Fcodes found = getRowId(branch, rowId);
     if (!isOk(found))
@@ -286,8 +276,8 @@ Fcodes ConfigChannelTarnevel::handleTarnevelBranchEvent(MessageEvent* event) {
     result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, formatAsDetected, rowId);
     // Only the two contradictions are worth a line; nothing is changed.
     if (name == ev::BRANCH_STOPPED && chanState == state::PLAYED)
-        DBG(2) << "handleTarnevelBranchEvent: chan is in stopped state after being played rowId=" << rowId;
+        DBG(DBG_ERROR) << "handleTarnevelBranchEvent: chan is in stopped state after being played rowId=" << rowId;
     else if (name == ev::BRANCH_STARTED && chanState == state::STOPPING)
-        DBG(2) << "handleTarnevelBranchEvent: chan is in playing state after stop rowId=" << rowId;
+        DBG(DBG_ERROR) << "handleTarnevelBranchEvent: chan is in playing state after stop rowId=" << rowId;
     return result;
 }

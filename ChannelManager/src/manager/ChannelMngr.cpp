@@ -9,12 +9,27 @@
 #include <ctime>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
 #include "system/SysmgtRoot.h"
+
+using namespace vocab;
+
+namespace {
+
+// The JSON datasets loaded at start-up; the channel data comes later.
+constexpr const char* VIDEO_SOURCES_FILE = "/etc/sysmgt/vsrc_data_set.json";
+constexpr const char* ZIXI_STATS_FILE = "/etc/sysmgt/zixistat_data_set.json";
+constexpr const char* SRT_STATS_FILE = "/etc/sysmgt/srtstat_data_set.json";
+// The device manager's time zone.
+constexpr const char* DATE_TIME_TABLE = "DateTimeTable";
+constexpr const char* TZ = "TZ";
+
+}  // namespace
 
 ChannelMngr* ChannelMngr::instance = nullptr;
 
@@ -38,9 +53,9 @@ void ChannelMngr::init() {
     DataHolder::init("tChMngr");
 
     // The channel data itself comes later, with "LOAD_CHANNELS".
-    loadDataSet(vocab::path::VIDEO_SOURCES);
-    loadDataSet(vocab::path::ZIXI_STATS);
-    loadDataSet(vocab::path::SRT_STATS);
+    loadDataSet(VIDEO_SOURCES_FILE);
+    loadDataSet(ZIXI_STATS_FILE);
+    loadDataSet(SRT_STATS_FILE);
 
     DataCommunicator* engine = getDataCommunicator();
     engine->init(this, wire::SOCK_CHAN, wire::SOCK_SEND_CHAN, "tChCom");
@@ -51,7 +66,7 @@ void ChannelMngr::init() {
     DBG(DBG_INFO) << "init: init Sources done.";
 
     std::string zone;
-    if (isOk(requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::DATE_TIME, vocab::prop::TZ, zone,
+    if (isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone,
                                  ""))) {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
         setTimeZone(zone);
@@ -64,7 +79,7 @@ void ChannelMngr::init() {
 
 Fcodes ChannelMngr::initSources() {
     std::vector<std::string> sources;
-    getInstances(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, sources);
+    getInstances(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, sources);
     Fcodes result = FC_OK;
     for (const std::string& source : sources) {
         MessageEvent event;
@@ -96,15 +111,15 @@ Fcodes ChannelMngr::acceptChanges() {
     const struct {
         const char* component;
         Fcodes (ConfigChannelTarnevel::*apply)(const std::string&, bool);
-    } applied[] = {{vocab::tbl::AV_SETTINGS, &ConfigChannelTarnevel::configAVSettings},
-                   {vocab::tbl::AUDIO_SOURCE, &ConfigChannelTarnevel::configAudioGain}};
+    } applied[] = {{tbl::AV_SETTINGS, &ConfigChannelTarnevel::configAVSettings},
+                   {tbl::AUDIO_SOURCE, &ConfigChannelTarnevel::configAudioGain}};
     for (const auto& entry : applied) {
-        if (!isChangedComponent(vocab::ds::CHANNEL, entry.component))
+        if (!isChangedComponent(ds::CHANNEL, entry.component))
             continue;
         std::vector<std::string> instances;
-        result |= getInstances(vocab::ds::CHANNEL, entry.component, instances);
+        result |= getInstances(ds::CHANNEL, entry.component, instances);
         for (const std::string& instance : instances) {
-            if (!isChangedInstance(vocab::ds::CHANNEL, entry.component, instance))
+            if (!isChangedInstance(ds::CHANNEL, entry.component, instance))
                 continue;
             ConfigChannelTarnevel channel(*this, *this);
             result |= (channel.*entry.apply)(instance, true);
@@ -115,8 +130,8 @@ Fcodes ChannelMngr::acceptChanges() {
 
 Fcodes ChannelMngr::loadChannels(const std::string& path) {
     MessageCommand stop;
-    stop.setId(vocab::cmd::STOP);
-    stop.addParam(vocab::cmd::PARAM_ROW_ID, vocab::row::ALL);
+    stop.setId(cmd::STOP);
+    stop.addParam(cmd::PARAM_ROW_ID, row::ALL);
     std::string stopText, response;
     stop.toString(stopText);
     {
@@ -131,14 +146,14 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     // Edits pending on the channel data belonged to the data just replaced:
     // committed onto the loaded (or factory) data they would be stale. The
     // store itself keeps pending values across a load; the manager drops them.
-    untouchDataSet(vocab::ds::CHANNEL);
+    untouchDataSet(ds::CHANNEL);
 
     // A stored file from an older release lacks what the factory data has
     // since gained: it is brought up to date against the factory defaults.
-    if (path != vocab::path::FACTORY_CHANNELS) {
-        loadDataSet(vocab::ds::DEFAULT, vocab::path::FACTORY_CHANNELS);
-        updateDataSet(vocab::ds::CHANNEL, vocab::ds::DEFAULT, false, true, false);
-        deleteDataSet(vocab::ds::DEFAULT);
+    if (path != path::FACTORY_CHANNELS) {
+        loadDataSet(ds::DEFAULT, path::FACTORY_CHANNELS);
+        updateDataSet(ds::CHANNEL, ds::DEFAULT, false, true, false);
+        deleteDataSet(ds::DEFAULT);
     }
 
     sapStopAll();

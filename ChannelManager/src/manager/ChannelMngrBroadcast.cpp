@@ -2,21 +2,24 @@
 // withdrawal of every SAP announcement.
 #include "manager/ChannelMngr.h"
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 void ChannelMngr::sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) {
     MessageEvent event;
     event.id = eventId;
     event.source = "";
-    event.status = vocab::state::ALARM_NONE;
-    event.severity = vocab::state::SEVERITY_DEBUG;
+    event.status = state::ALARM_NONE;
+    event.severity = state::SEVERITY_DEBUG;
     event.description = fileName;
     event.fcode = static_cast<Fcodes>(fcode);
-    event.addParam(vocab::cmd::PARAM_FILE, fileName);
-    DBG(0) << "sendCfgEvent: notifying eventId=" << eventId << " filename=" << fileName;
+    event.addParam(cmd::PARAM_FILE, fileName);
+    DBG(DBG_INFO) << "sendCfgEvent: notifying eventId=" << eventId << " filename=" << fileName;
     notify(event);
 }
 
@@ -30,26 +33,26 @@ void ChannelMngr::sendEvent(const std::string& eventId, const std::string& rowId
     event.severity = severity;
     event.description = description;
     event.fcode = static_cast<Fcodes>(fcode);
-    event.addParam(vocab::cmd::PARAM_ROW_ID, rowId);
-    DBG(0) << "sendEvent: notifying " << eventId;
+    event.addParam(cmd::PARAM_ROW_ID, rowId);
+    DBG(DBG_INFO) << "sendEvent: notifying " << eventId;
     notify(event);
 }
 
 void ChannelMngr::sendSourceEvent(const std::string& input, bool off, const std::string& description) {
     MessageEvent event;
-    event.id = vocab::ev::VIDEO_SOURCE_UPDATED;
+    event.id = ev::VIDEO_SOURCE_UPDATED;
     event.source = input;
-    event.status = off ? vocab::state::ALARM_OFF : vocab::state::ALARM_ON;
-    event.severity = vocab::state::SEVERITY_INFO;
+    event.status = off ? state::ALARM_OFF : state::ALARM_ON;
+    event.severity = state::SEVERITY_INFO;
     event.description = description;
-    DBG(0) << "sendSourceEvent: notifying " << vocab::ev::VIDEO_SOURCE_UPDATED << " status=" << event.status
+    DBG(DBG_INFO) << "sendSourceEvent: notifying " << ev::VIDEO_SOURCE_UPDATED << " status=" << event.status
            << " input=" << input;
     notify(event);
 }
 
 Fcodes ChannelMngr::sapStopAll() {
     MessageCommand command;
-    command.setId(vocab::cmd::STOP_ALL_SAP);
+    command.setId(cmd::STOP_ALL_SAP);
     std::string text;
     command.toString(text);
     std::string result;

@@ -5,14 +5,20 @@
 #include <string>
 
 #include "manager/ChannelMngr.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "records/MessageCommand.h"
 #include "side/BoundedCommand.h"
 #include "system/DbgPrintClient.h"
 #include "system/SysmgtRoot.h"
 
+using namespace vocab;
+
 namespace {
+
+// A channel file stored under it also refreshes the settings archive.
+constexpr const char* SETTINGS_DIR = "/data/settings";
 
 // A path for the shell: mapped under SYSMGT_ROOT like every system call, and
 // single-quoted so that a root with blanks stays one word.
@@ -34,7 +40,7 @@ std::string shellPath(const std::string& logicalPath) {
 std::string settingsArchiveLine() {
     const std::string tar = shellPath("/tmp/devsettings.tar");
     const std::string gz = shellPath("/tmp/devsettings.tar.gz");
-    return "tar cvf " + tar + " " + shellPath(vocab::path::SETTINGS_DIR) + " 2>&1 && gzip -f " + tar + " 2>&1 && mv -f " +
+    return "tar cvf " + tar + " " + shellPath(SETTINGS_DIR) + " 2>&1 && gzip -f " + tar + " 2>&1 && mv -f " +
            gz + " " + shellPath("/tmp/devsettings.tgz") + " 2>&1";
 }
 
@@ -59,19 +65,19 @@ Fcodes writeSettingsArchive() {
 }  // namespace
 
 const ChannelMngr::CommandRoute ChannelMngr::commandRoutes[] = {
-    {vocab::cmd::ACCEPT_CHANGES, &ChannelMngr::runAcceptChanges},
-    {vocab::cmd::ROLLBACK_CHANGES, &ChannelMngr::runRollbackChanges},
-    {vocab::cmd::LOAD_CHANNELS, &ChannelMngr::runLoadChannels},
-    {vocab::cmd::STORE_CHANNELS, &ChannelMngr::runStoreChannels},
-    {vocab::cmd::ACTIVATE_ROW, &ChannelMngr::runChannelCommand},
-    {vocab::cmd::CHANGE_ON_THE_FLY, &ChannelMngr::runChannelCommand},
-    {vocab::cmd::PLAY, &ChannelMngr::runChannelCommand},
-    {vocab::cmd::STOP, &ChannelMngr::runChannelCommand},
-    {vocab::cmd::UPDATE_SOURCE, &ChannelMngr::runUpdateSource},
-    {vocab::cmd::SET_DVI_MODE, &ChannelMngr::runSetDviMode},
-    {vocab::cmd::SET_ANALOG_FORMAT, &ChannelMngr::runSetAnalogFormat},
-    {vocab::cmd::UPDATE_ZIXI_STATISTICS, &ChannelMngr::runStatistics},
-    {vocab::cmd::UPDATE_SRT_STATISTICS, &ChannelMngr::runStatistics},
+    {cmd::ACCEPT_CHANGES, &ChannelMngr::runAcceptChanges},
+    {cmd::ROLLBACK_CHANGES, &ChannelMngr::runRollbackChanges},
+    {cmd::LOAD_CHANNELS, &ChannelMngr::runLoadChannels},
+    {cmd::STORE_CHANNELS, &ChannelMngr::runStoreChannels},
+    {cmd::ACTIVATE_ROW, &ChannelMngr::runChannelCommand},
+    {cmd::CHANGE_ON_THE_FLY, &ChannelMngr::runChannelCommand},
+    {cmd::PLAY, &ChannelMngr::runChannelCommand},
+    {cmd::STOP, &ChannelMngr::runChannelCommand},
+    {cmd::UPDATE_SOURCE, &ChannelMngr::runUpdateSource},
+    {cmd::SET_DVI_MODE, &ChannelMngr::runSetDviMode},
+    {cmd::SET_ANALOG_FORMAT, &ChannelMngr::runSetAnalogFormat},
+    {cmd::UPDATE_ZIXI_STATISTICS, &ChannelMngr::runStatistics},
+    {cmd::UPDATE_SRT_STATISTICS, &ChannelMngr::runStatistics},
 };
 
 Fcodes ChannelMngr::execute(const std::string& commandText, std::string& result) {
@@ -121,33 +127,33 @@ Fcodes ChannelMngr::runRollbackChanges(const MessageCommand& command, const std:
 
 Fcodes ChannelMngr::runLoadChannels(const MessageCommand& command, const std::string&, std::string&) {
     std::string file;
-    if (command.getParam(vocab::cmd::PARAM_FILE, file) == 0)
+    if (command.getParam(cmd::PARAM_FILE, file) == 0)
         return FC_BODY_ERROR;
     Fcodes result;
-    if (file == vocab::cmd::FILE_DEFAULT) {
-        result = loadChannels(vocab::path::FACTORY_CHANNELS);
+    if (file == cmd::FILE_DEFAULT) {
+        result = loadChannels(path::FACTORY_CHANNELS);
     } else {
         DBG(DBG_SYS) << "execute: Loading Channels from file=" << file;
         result = loadChannels(file);
     }
     // The event names the file as asked: "Default", not the factory path.
-    sendCfgEvent(vocab::ev::CHANNELS_LOADED, file, result);
+    sendCfgEvent(ev::CHANNELS_LOADED, file, result);
     return result | FC_OK;
 }
 
 Fcodes ChannelMngr::runStoreChannels(const MessageCommand& command, const std::string& text, std::string&) {
     std::string file;
     Fcodes result;
-    if (command.getParam(vocab::cmd::PARAM_FILE, file) != 0) {
+    if (command.getParam(cmd::PARAM_FILE, file) != 0) {
         DBG(DBG_SYS) << "execute: Storing file=" << file;
-        result = storeDataSet(vocab::ds::CHANNEL, file);
+        result = storeDataSet(ds::CHANNEL, file);
     } else {
         DBG(DBG_ERROR) << "execute: Not found tags File in:\n" << text;
         result = FC_BODY_ERROR;
     }
     DBG(DBG_SYS) << "execute: After Storing file=" << file;
-    sendCfgEvent(vocab::ev::CHANNELS_STORED, file, result);
-    if (file.find(vocab::path::SETTINGS_DIR) != std::string::npos)
+    sendCfgEvent(ev::CHANNELS_STORED, file, result);
+    if (file.find(SETTINGS_DIR) != std::string::npos)
         result |= writeSettingsArchive();
     return result;
 }
@@ -161,22 +167,22 @@ Fcodes ChannelMngr::runChannelCommand(const MessageCommand& command, const std::
 Fcodes ChannelMngr::runUpdateSource(const MessageCommand& command, const std::string& text, std::string&) {
     DBG(DBG_INFO) << "execute: command=" << command.getId();
     std::string source;
-    if (command.getParam(vocab::cmd::PARAM_VIDEO_SOURCE, source) == 0) {
-        DBG(DBG_ERROR) << "execute: Not found tags " << vocab::cmd::PARAM_VIDEO_SOURCE << " in:\n" << text;
+    if (command.getParam(cmd::PARAM_VIDEO_SOURCE, source) == 0) {
+        DBG(DBG_ERROR) << "execute: Not found tags " << cmd::PARAM_VIDEO_SOURCE << " in:\n" << text;
         return FC_BODY_ERROR;
     }
-    if (source == vocab::cmd::VIDEO_SOURCE_ALL)
+    if (source == cmd::VIDEO_SOURCE_ALL)
         return initSources() | FC_OK;
     ConfigChannelTarnevel channel(*this, *this);
     return channel.updateVideoSource(source) | FC_OK;
 }
 
 Fcodes ChannelMngr::runSetDviMode(const MessageCommand& command, const std::string& text, std::string&) {
-    return acceptIgnoredParameter(command, text, vocab::cmd::PARAM_DVI_MODE);
+    return acceptIgnoredParameter(command, text, cmd::PARAM_DVI_MODE);
 }
 
 Fcodes ChannelMngr::runSetAnalogFormat(const MessageCommand& command, const std::string& text, std::string&) {
-    return acceptIgnoredParameter(command, text, vocab::cmd::PARAM_ANALOG_SOURCE);
+    return acceptIgnoredParameter(command, text, cmd::PARAM_ANALOG_SOURCE);
 }
 
 // The inputs are set up by the mediator's auto-detection on this appliance,

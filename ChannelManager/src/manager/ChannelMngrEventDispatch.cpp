@@ -7,24 +7,41 @@
 #include <vector>
 
 #include "manager/ChannelMngr.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "system/DbgPrintClient.h"
 #include "system/SysmgtRoot.h"
 
+using namespace vocab;
+
+namespace {
+
+// Events only this table names: the mediator's critical error, and the
+// device manager's changes of the KLV inputs and of the date and time
+// (whose parameter "TZ" carries the new time zone).
+constexpr const char* DATA_CRITICAL_ERROR = "Data Critical Error";
+constexpr const char* KLVOIP_UPDATED = "KLVoIP Updated";
+constexpr const char* KLVOSDI_UPDATED = "KLVoSDI Updated";
+constexpr const char* COM_PORT_UPDATED = "Com Port Updated";
+constexpr const char* DATE_TIME_UPDATED = "Date&Time Updated";
+constexpr const char* PARAM_TZ = "TZ";
+
+}  // namespace
+
 const ChannelMngr::EventRoute ChannelMngr::eventRoutes[] = {
-    {vocab::ev::AUTO_DETECTION, &ChannelMngr::onAutoDetection},
-    {vocab::ev::BRANCH_STARTED, &ChannelMngr::onBranchEvent},
-    {vocab::ev::BRANCH_STOPPED, &ChannelMngr::onBranchEvent},
-    {vocab::ev::ZIXI_CONNECTION_FAILED, &ChannelMngr::onFeederEvent},
-    {vocab::ev::DATA_STREAM, &ChannelMngr::onFeederEvent},
-    {vocab::ev::ZIXI_CHANGE_BITRATE_REQUEST, &ChannelMngr::onFeederEvent},
-    {vocab::ev::SRT_NEW_CLIENT_REQUEST, &ChannelMngr::onSrtNewClient},
-    {vocab::ev::DATA_CRITICAL_ERROR, &ChannelMngr::onIgnored},
-    {vocab::ev::KLVOIP_UPDATED, &ChannelMngr::onKlvOverIp},
-    {vocab::ev::KLVOSDI_UPDATED, &ChannelMngr::onKlvOverSdi},
-    {vocab::ev::COM_PORT_UPDATED, &ChannelMngr::onComPort},
-    {vocab::ev::DATE_TIME_UPDATED, &ChannelMngr::onDateTime},
+    {ev::AUTO_DETECTION, &ChannelMngr::onAutoDetection},
+    {ev::BRANCH_STARTED, &ChannelMngr::onBranchEvent},
+    {ev::BRANCH_STOPPED, &ChannelMngr::onBranchEvent},
+    {ev::ZIXI_CONNECTION_FAILED, &ChannelMngr::onFeederEvent},
+    {ev::DATA_STREAM, &ChannelMngr::onFeederEvent},
+    {ev::ZIXI_CHANGE_BITRATE_REQUEST, &ChannelMngr::onFeederEvent},
+    {ev::SRT_NEW_CLIENT_REQUEST, &ChannelMngr::onSrtNewClient},
+    {DATA_CRITICAL_ERROR, &ChannelMngr::onIgnored},
+    {KLVOIP_UPDATED, &ChannelMngr::onKlvOverIp},
+    {KLVOSDI_UPDATED, &ChannelMngr::onKlvOverSdi},
+    {COM_PORT_UPDATED, &ChannelMngr::onComPort},
+    {DATE_TIME_UPDATED, &ChannelMngr::onDateTime},
 };
 
 Fcodes ChannelMngr::doHandle(MessageEvent* event) {
@@ -39,11 +56,11 @@ Fcodes ChannelMngr::doHandle(MessageEvent* event) {
 // both stay, as the mediator's feeder names have two forms per channel.
 std::string ChannelMngr::feederChannel(const std::string& description) {
     auto names = [&description](const char* feeder) { return description.find(feeder) != std::string::npos; };
-    if (names(vocab::med::ZIXI_FEEDER[1]) || names(vocab::med::ZIXI_FEEDER_2[1]))
-        return vocab::row::HEVC;
-    if (!names(vocab::med::ZIXI_FEEDER[0]) && !names(vocab::med::ZIXI_FEEDER_2[0]))
+    if (names(med::ZIXI_FEEDER[1]) || names(med::ZIXI_FEEDER_2[1]))
+        return row::HEVC;
+    if (!names(med::ZIXI_FEEDER[0]) && !names(med::ZIXI_FEEDER_2[0]))
         return "";
-    return vocab::row::H264;
+    return row::H264;
 }
 
 Fcodes ChannelMngr::onAutoDetection(MessageEvent& event) {
@@ -78,15 +95,15 @@ Fcodes ChannelMngr::onIgnored(MessageEvent&) {
 }
 
 Fcodes ChannelMngr::onKlvOverIp(MessageEvent&) {
-    return reconfigureKlvIngest(vocab::value::KLV_IP);
+    return reconfigureKlvIngest(value::KLV_IP);
 }
 
 Fcodes ChannelMngr::onKlvOverSdi(MessageEvent&) {
-    return reconfigureKlvIngest(vocab::value::KLV_SDI_SYNC);
+    return reconfigureKlvIngest(value::KLV_SDI_SYNC);
 }
 
 Fcodes ChannelMngr::onComPort(MessageEvent&) {
-    return reconfigureKlvIngest(vocab::value::KLV_SERIAL);
+    return reconfigureKlvIngest(value::KLV_SERIAL);
 }
 
 // Once a read or a reconfiguration has failed, the merged value keeps that
@@ -94,13 +111,13 @@ Fcodes ChannelMngr::onComPort(MessageEvent&) {
 // on): a device-wide KLV change that already failed once is not pushed on.
 Fcodes ChannelMngr::reconfigureKlvIngest(const std::string& transport) {
     std::vector<std::string> channels;
-    getInstances(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, channels);
+    getInstances(ds::CHANNEL, tbl::CHANNELS, channels);
     Fcodes merged = FC_OK;
     for (const std::string& rowId : channels) {
         std::lock_guard<DataHolder> guard(*this);
         std::string klv, klv2;
-        merged |= getTextParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, vocab::prop::INGEST_KLV, klv, rowId);
-        merged |= getTextParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, vocab::prop::INGEST_KLV2, klv2, rowId);
+        merged |= getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, klv, rowId);
+        merged |= getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, klv2, rowId);
         if (isOk(merged) && (klv == transport || klv2 == transport))
             merged = reconfigureChannel(rowId) | FC_OK;
     }
@@ -109,7 +126,7 @@ Fcodes ChannelMngr::reconfigureKlvIngest(const std::string& transport) {
 
 Fcodes ChannelMngr::onDateTime(MessageEvent& event) {
     std::string zone;
-    if (event.getParam(vocab::cmd::PARAM_TZ, zone) != 0) {
+    if (event.getParam(PARAM_TZ, zone) != 0) {
         DBG(DBG_SYS) << "doHandle: setenv TZ=" << zone;
         setTimeZone(zone);
     }

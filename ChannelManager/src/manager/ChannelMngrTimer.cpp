@@ -11,9 +11,11 @@
 #include <cerrno>
 
 #include "manager/ChannelMngr.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
 #include "records/MessageCommand.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 ChannelMngr::~ChannelMngr() {
     stopTimer();
@@ -100,8 +102,8 @@ void ChannelMngr::refreshLoop() {
     setTaskName(pthread_self(), "tChTimer");
     prctl(PR_SET_NAME, "tChTimer", 0, 0, 0);
     MessageCommand refresh;
-    refresh.setId(vocab::cmd::UPDATE_SOURCE);
-    refresh.addParam(vocab::cmd::PARAM_VIDEO_SOURCE, vocab::cmd::VIDEO_SOURCE_ALL);
+    refresh.setId(cmd::UPDATE_SOURCE);
+    refresh.addParam(cmd::PARAM_VIDEO_SOURCE, cmd::VIDEO_SOURCE_ALL);
     std::string text;
     refresh.toString(text);
     for (;;) {

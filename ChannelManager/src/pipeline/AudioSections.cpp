@@ -1,7 +1,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "holder/DataHolder.h"
@@ -107,7 +108,7 @@ void ConfigChannelTarnevel::configTestPatterns(PipelineRun& run) {
 void ConfigChannelTarnevel::configSdiOutput(PipelineRun& run) {
     if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, run.rowId))
         return;
-    const char* receiver = pipeline::lookup(pipeline::SOURCE_RECEIVER, run.source);
+    const char* receiver = med::receiverOf(run.source);
     if (receiver)
         run.put("VIDEO_MIXER_SDI_TX", "Input", receiver);
     else
@@ -190,7 +191,7 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
 // accepted and nothing is written. When accepting, the row's pending values
 // (source, enabling and gain alike) are the ones applied.
 Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, bool pending) {
-    PipelineRun run(holder, vocab::row::H264, "configAudioGain");
+    PipelineRun run(holder, row::H264, "configAudioGain");
     std::string source;
     bool enabled = false;
     int gain = 0;

@@ -2,7 +2,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
@@ -14,6 +15,9 @@ using namespace vocab;
 // control, GOP and coding tools.
 
 namespace {
+// "VBR" runs as "Capped VBR" when the stream goes out as a transport stream.
+constexpr const char* VBR = "VBR";
+
 bool inList(const std::vector<const char*>& list, const std::string& text) {
     for (const char* item : list)
         if (text == item)
@@ -96,7 +100,7 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
     if (!mode)
         run.unknown("Rate Control", run.rateControl);
     else
-        run.put(encoder, "Rate Control Mode", transport && run.rateControl == value::VBR ? value::CAPPED_VBR : mode);
+        run.put(encoder, "Rate Control Mode", transport && run.rateControl == VBR ? value::CAPPED_VBR : mode);
 
     int margin = 0;
     run.result |= encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate,

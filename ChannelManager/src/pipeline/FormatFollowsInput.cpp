@@ -1,7 +1,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
@@ -124,7 +124,7 @@ void ConfigChannelTarnevel::configFormatChange(PipelineRun& run) {
         DBG(DBG_INFO) << "configChannel: format changed: gopSizeRough=" << run.gopSize;
         run.initInt(encoder, prop::GOP_SIZE, "", run.gopSize);
     }
-    const char* receiver = pipeline::lookup(pipeline::SOURCE_RECEIVER, run.source);
+    const char* receiver = med::receiverOf(run.source);
     if (receiver) {
         std::string format;
         run.result |= ITarnevelClient::getTarnevelTextParam(&holder, receiver, med::VIDEO_FORMAT, format);

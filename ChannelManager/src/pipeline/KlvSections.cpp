@@ -1,6 +1,6 @@
 #include <cstdint>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "holder/DataHolder.h"
@@ -98,8 +98,8 @@ void ConfigChannelTarnevel::configKlvOverSdi(PipelineRun& run) {
     const bool sdi = fromSdi(run.ingestKlv) || fromSdi(run.ingestKlv2);
     MessageCommand command;
     command.setId(cmd::TOGGLE_KLVOSDI_INPUT);
-    command.addParam("KLV Source", sdi ? "true" : "false");
-    command.addParam("ChannelID", run.rowId);
+    command.addParam(cmd::PARAM_KLV_SOURCE, sdi ? "true" : "false");
+    command.addParam(cmd::PARAM_KLV_CHANNEL_ID, run.rowId);
     std::string text, reply;
     command.toString(text);
     const Fcodes code = holder.requestCommand(wire::SOCK_DEV, text, reply, kDeviceTimeoutSec, kDeviceTries) | FC_OK;

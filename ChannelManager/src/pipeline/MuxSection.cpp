@@ -1,6 +1,6 @@
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 

@@ -1,6 +1,7 @@
 #include "pipeline/PipelineRun.h"
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "holder/DataHolder.h"

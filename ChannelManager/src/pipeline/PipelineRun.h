@@ -129,7 +129,6 @@ using TextTable = std::vector<TextPair>;
 // The mapped text, or nullptr when `from` is not in the table.
 const char* lookup(const TextTable& table, const std::string& from);
 
-extern const TextTable SOURCE_RECEIVER;              // section 5 (and the SDI output's mixer)
 extern const TextTable AUDIO_INPUT;                  // section 6, non-embedded sources
 extern const TextTable AUDIO_SAMPLE_RATE;            // section 10
 extern const TextTable SDI_TX_AUDIO;                 // section 12, non-embedded sources
@@ -181,8 +180,8 @@ int gopSizeRough(int frameSampling, const std::string& gopStructure);
 }  // namespace pipeline
 
 // The values of the multiplexer, targets and summary that the text leaves to
-// the appliance (pipeline/MuxSection.cpp, ...Targets.cpp,
-// ...Summary.cpp); pure, each pinned by a table of its own.
+// the appliance (pipeline/MuxSection.cpp, TargetSenders.cpp,
+// SummarySection.cpp); pure, each pinned by a table of its own.
 namespace pipeline {
 // "Output Granularity": TS packets per datagram.
 int outputGranularity(int udpPacketSize, bool ultraLowLatency);

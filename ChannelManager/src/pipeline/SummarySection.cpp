@@ -1,7 +1,8 @@
 #include <cstdint>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/DatasetNames.h"
+#include "vocab/ChannelWireTexts.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "system/DbgPrintClient.h"
@@ -25,6 +25,8 @@ using namespace vocab;
 // SRT mode, otherwise the target's own "SRT Settings".
 
 namespace {
+// Where the RTSP servers write the SDP files of the RTP targets.
+constexpr const char* SDP_DIR = "/srv/http/webui/sdp/";
 constexpr int kIpUdpHeaders = 28;
 constexpr int kRtpHeader = 12;
 constexpr int kZixiFecPercent = 15;
@@ -142,11 +144,11 @@ void ConfigChannelTarnevel::configUdpSender(PipelineRun& run, size_t target) {
 void ConfigChannelTarnevel::configRtspServer(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = med::RTSP_SERVER[run.channel];
-    if (!makeDirectories(path::SDP_DIR))
-        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: cannot create dir=" << path::SDP_DIR;
+    if (!makeDirectories(SDP_DIR))
+        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: cannot create dir=" << SDP_DIR;
     run.enable(s);
     run.put(s, "RTSP port", run.rtspPort);
-    run.put(s, med::PARAM_SDP_DIRECTORY, path::SDP_DIR);
+    run.put(s, med::PARAM_SDP_DIRECTORY, SDP_DIR);
     run.put(s, "Live URIs", pipeline::liveUris(run.audioEncoded(0), run.audioEncoded(1)));
     run.put(s, "RTP packet size", t.packetSize);
     if (const char* itf = pipeline::lookup(pipeline::MULTICAST_INTERFACE, t.interface))

@@ -12,9 +12,6 @@ const char* lookup(const TextTable& table, const std::string& from) {
     return nullptr;
 }
 
-const TextTable SOURCE_RECEIVER = {
-    {"HD-SDI", "SDI_RECEIVER"}, {"Composite", "CVBS_RECEIVER"}, {"DVI-D", "DVI_RECEIVER"}, {"HDMI", "HDMI_RECEIVER"}};
-
 // The embedded sources ("HDMI Embedded", "SDI Embedded") are completed by
 // their "Audio Track" ("Pair n" -> " Port n") in the audio input section.
 const TextTable AUDIO_INPUT = {

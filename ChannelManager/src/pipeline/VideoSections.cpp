@@ -1,6 +1,7 @@
 #include <cstdio>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
@@ -104,7 +105,7 @@ void ConfigChannelTarnevel::configFrameRateRatio(PipelineRun& run) {
 
 // Section 5.
 void ConfigChannelTarnevel::configVideoInput(PipelineRun& run) {
-    const char* receiver = pipeline::lookup(pipeline::SOURCE_RECEIVER, run.source);
+    const char* receiver = med::receiverOf(run.source);
     if (!receiver) {
         run.unknown("source", run.source);
         return;

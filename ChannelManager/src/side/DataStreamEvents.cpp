@@ -1,13 +1,17 @@
 #include <cstdlib>
+#include <mutex>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
 #include "holder/DataHolder.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 // The mediator's data-stream events of a channel. They change the channel's
 // "Fcode" (read by the stop to decide between "Stopped" and "Stopping") and
@@ -16,6 +20,9 @@
 
 namespace {
 
+// What an SRT sender may still send, re-divided when a client joins.
+constexpr const char* REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
+
 // "Data Stream" and "Zixi Connection Failed": "ON" adds the condition to
 // what the channel holds, anything else clears every condition. A channel
 // stopped by its user (0x20020 held completely) keeps that code.
@@ -23,16 +30,16 @@ Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t co
     const std::string& rowId = event.source;
     int fcode = 0;
     Fcodes result =
-        holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcode, rowId) | FC_OK;
+        holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId) | FC_OK;
     if (!isOk(result))
         return result;
     const uint32_t old = static_cast<uint32_t>(fcode);
-    if ((old & vocab::cond::FORCED_STOP) == vocab::cond::FORCED_STOP)
+    if ((old & cond::FORCED_STOP) == cond::FORCED_STOP)
         return result;
-    const uint32_t updated = event.status == vocab::state::ALARM_ON ? (old | condition) : uint32_t{FC_OK};
-    DBG(0) << "handleDataStreamEvent: " << tag << " rowId=" << rowId << " status=" << event.status
-           << " setting fcode=0x" << side::hexCode(updated);
-    return result | holder.initIntParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::FCODE,
+    const uint32_t updated = event.status == state::ALARM_ON ? (old | condition) : uint32_t{FC_OK};
+    DBG(DBG_INFO) << "handleDataStreamEvent: " << tag << " rowId=" << rowId << " status=" << event.status
+           << " setting fcode=0x" << std::hex << static_cast<uint32_t>(updated);
+    return result | holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE,
                                         static_cast<int>(updated), rowId);
 }
 
@@ -41,15 +48,15 @@ Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t co
 Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent* event) {
     if (event == nullptr)
         return FC_BAD_VALUE;
-    side::HolderLock lock(holder);
+    std::lock_guard<DataHolder> guard(holder);
     const std::string& name = event->id;
-    if (name == vocab::ev::DATA_STREAM)
-        return applyCondition(holder, *event, vocab::cond::DATA_STREAM, "TARNEVEL_DATA_STREAM_EVENT");
-    if (name == vocab::ev::ZIXI_CONNECTION_FAILED)
-        return applyCondition(holder, *event, vocab::cond::ZIXI_CONNECTION, "TARNEVEL_ZIXI_CONNECTION_FAILED_EVENT");
-    if (name == vocab::ev::ZIXI_CHANGE_BITRATE_REQUEST)
+    if (name == ev::DATA_STREAM)
+        return applyCondition(holder, *event, cond::DATA_STREAM, "TARNEVEL_DATA_STREAM_EVENT");
+    if (name == ev::ZIXI_CONNECTION_FAILED)
+        return applyCondition(holder, *event, cond::ZIXI_CONNECTION, "TARNEVEL_ZIXI_CONNECTION_FAILED_EVENT");
+    if (name == ev::ZIXI_CHANGE_BITRATE_REQUEST)
         return zixiChangeBitrate(*event);
-    if (name == vocab::ev::SRT_NEW_CLIENT_REQUEST)
+    if (name == ev::SRT_NEW_CLIENT_REQUEST)
         return srtNewClient();
     return FC_OK;
 }
@@ -61,34 +68,34 @@ Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent* event) {
 Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
     const std::string& rowId = event.source;
     std::string text;
-    if (event.getParam(vocab::cmd::PARAM_TOTAL_BITRATE, text) == 0 || text.empty()) {
-        DBG(2) << "handleDataStreamEvent: no Total Bitrate in event=" << event.id << " rowId=" << rowId;
+    if (event.getParam(cmd::PARAM_TOTAL_BITRATE, text) == 0 || text.empty()) {
+        DBG(DBG_ERROR) << "handleDataStreamEvent: no Total Bitrate in event=" << event.id << " rowId=" << rowId;
         return FC_BODY_ERROR;
     }
     const int requested = static_cast<int>(std::strtol(text.c_str(), nullptr, 0));
-    const char* ds = vocab::ds::CHANNEL;
-    const char* processing = vocab::tbl::PROCESSING;
+    const char* ds = ds::CHANNEL;
+    const char* processing = tbl::PROCESSING;
     int total = 0, maximum = 0, video = 0;
-    Fcodes result = FC_OK | holder.getIntParam(ds, processing, vocab::prop::TOTAL_BITRATE, total, rowId) |
-                    holder.getIntParam(ds, processing, vocab::prop::MAX_BITRATE, maximum, rowId) |
-                    holder.getIntParam(ds, processing, vocab::prop::VIDEO_BITRATE, video, rowId);
+    Fcodes result = FC_OK | holder.getIntParam(ds, processing, prop::TOTAL_BITRATE, total, rowId) |
+                    holder.getIntParam(ds, processing, prop::MAX_BITRATE, maximum, rowId) |
+                    holder.getIntParam(ds, processing, prop::VIDEO_BITRATE, video, rowId);
     if (!isOk(result))
         return result;
     if (requested == total)
         return result;
 
-    DBG(0) << "handleDataStreamEvent: arrived event=" << event.id << " src=" << rowId << " desc=" << event.description
-           << " param=Total Bitrate val=" << requested;
+    DBG(DBG_INFO) << "handleDataStreamEvent: arrived event=" << event.id << " src=" << rowId
+                  << " desc=" << event.description << " param=Total Bitrate val=" << requested;
     events.sendEvent(event.id, rowId, event.fcode, event.status, event.severity,
                      "bitrate: " + std::to_string(requested) + " bps");
 
-    const char* backup = vocab::tbl::PROCESSING_BACKUP;
+    const char* backup = tbl::PROCESSING_BACKUP;
     int saved = 0;
-    result |= holder.getIntParam(ds, backup, vocab::prop::TOTAL_BITRATE, saved, rowId) | FC_OK;
+    result |= holder.getIntParam(ds, backup, prop::TOTAL_BITRATE, saved, rowId) | FC_OK;
     if (isOk(result) && saved == 0) {
-        result |= holder.initIntParam(ds, backup, vocab::prop::TOTAL_BITRATE, total, rowId) |
-                  holder.initIntParam(ds, backup, vocab::prop::MAX_BITRATE, maximum, rowId) |
-                  holder.initIntParam(ds, backup, vocab::prop::VIDEO_BITRATE, video, rowId);
+        result |= holder.initIntParam(ds, backup, prop::TOTAL_BITRATE, total, rowId) |
+                  holder.initIntParam(ds, backup, prop::MAX_BITRATE, maximum, rowId) |
+                  holder.initIntParam(ds, backup, prop::VIDEO_BITRATE, video, rowId);
     }
     return result | changeBitrateOnTheFly(rowId, requested, maximum);
 }
@@ -99,32 +106,32 @@ Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
 // cannot be read counts as sending nothing, so it is offered the whole
 // channel bitrate.
 Fcodes ConfigChannelTarnevel::srtNewClient() {
-    const char* channels[] = {vocab::row::H264, vocab::row::HEVC};
+    const char* channels[] = {row::H264, row::HEVC};
     int totals[2] = {0, 0};
     Fcodes result = FC_OK;
     for (int channel = 0; channel < 2; ++channel)
-        result |= holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, vocab::prop::TOTAL_BITRATE,
+        result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE,
                                      totals[channel], channels[channel]) |
                   FC_OK;
-    DBG(0) << "handleDataStreamEvent: Srt total bitrate: " << channels[0] << "=" << totals[0] << " " << channels[1]
-           << "=" << totals[1];
+    DBG(DBG_INFO) << "handleDataStreamEvent: Srt total bitrate: " << channels[0] << "=" << totals[0] << " "
+                  << channels[1] << "=" << totals[1];
 
     for (int channel = 0; channel < 2; ++channel) {
-        for (const char* sender : {vocab::med::SRT_SENDER[channel], vocab::med::SRT_SENDER_2[channel]}) {
+        for (const char* sender : {med::SRT_SENDER[channel], med::SRT_SENDER_2[channel]}) {
             std::string mbps;
             long long sending = 0;
-            if (isOk(ITarnevelClient::getTarnevelTextParam(&holder, sender, vocab::med::PARAM_STAT_BITRATE_MBPS, mbps)))
+            if (isOk(ITarnevelClient::getTarnevelTextParam(&holder, sender, med::PARAM_STAT_BITRATE_MBPS, mbps)))
                 sending = static_cast<long long>(std::strtod(mbps.c_str(), nullptr) * 1000000.0 + 0.5);
             long long remaining = static_cast<long long>(totals[channel]) - sending;
             if (remaining < 0)
                 remaining = 0;
             const int value = side::clampToInt(static_cast<unsigned long long>(remaining));
             Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, sender,
-                                                              vocab::med::PARAM_REMAINING_OUTPUT_BITRATE, value);
+                                                              REMAINING_OUTPUT_BITRATE, value);
             if (!isOk(set))
-                DBG(2) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
-                       << " param=" << vocab::med::PARAM_REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
-                       << side::hexCode(set);
+                DBG(DBG_ERROR) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
+                       << " param=" << REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
+                       << std::hex << static_cast<uint32_t>(set);
             result |= set;
         }
     }

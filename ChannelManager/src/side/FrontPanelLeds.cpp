@@ -1,11 +1,14 @@
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
 #include "holder/DataHolder.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 // The front-panel LEDs, integer parameters of the mediator's "Device":
 // 1 lights an LED, 0 puts it out.
@@ -18,35 +21,43 @@
 // A channel whose rows cannot be read lights nothing; the read's failure is
 // in the result.
 
+namespace {
+
+constexpr const char* DEVICE = "Device";
+constexpr const char* STREAMING_LED = "Streaming LED";
+constexpr const char* ERROR_LED = "Error LED";
+
+}  // namespace
+
 Fcodes ConfigChannelTarnevel::setLed(const std::string& led, int value) {
-    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, vocab::med::DEVICE, led, value);
+    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, DEVICE, led, value);
     if (!isOk(code))
-        DBG(2) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << vocab::med::DEVICE << " fcode=0x"
-               << side::hexCode(code);
+        DBG(DBG_ERROR) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << DEVICE << " fcode=0x"
+               << std::hex << static_cast<uint32_t>(code);
     return code;
 }
 
 Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
-    const char* ds = vocab::ds::CHANNEL;
+    const char* ds = ds::CHANNEL;
     Fcodes result = FC_OK;
     bool streaming = false;
     bool error = false;
-    for (const char* rowId : {vocab::row::H264, vocab::row::HEVC}) {
+    for (const char* rowId : {row::H264, row::HEVC}) {
         std::string state, status, source, detected;
-        Fcodes read = FC_OK | holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId) |
-                      holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, status, rowId) |
-                      holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::SOURCE, source, rowId);
+        Fcodes read = FC_OK | holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+                      holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+                      holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
         // A separate step: the source must be read first.
-        read |= holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
+        read |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED,
                                     detected, source);
         result |= read;
         if (!isOk(read))
             continue;
-        const bool playing = state == vocab::state::PLAYING;
+        const bool playing = state == state::PLAYING;
         streaming = streaming || playing;
-        error = error || status == vocab::state::STATUS_ERROR || (playing && detected == vocab::state::INPUT_NONE);
+        error = error || status == state::STATUS_ERROR || (playing && detected == state::INPUT_NONE);
     }
-    result |= setLed(vocab::med::STREAMING_LED, streaming ? 1 : 0);
-    result |= setLed(vocab::med::ERROR_LED, error ? 1 : 0);
+    result |= setLed(STREAMING_LED, streaming ? 1 : 0);
+    result |= setLed(ERROR_LED, error ? 1 : 0);
     return result;
 }

@@ -1,7 +1,8 @@
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
@@ -9,6 +10,8 @@
 #include "records/MessageCommand.h"
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 // The KLV metadata branch of a channel, chosen from its "Ingest KLV" and
 // "Ingest KLV2" and, for serial and IP ingest, the device manager's KLV
@@ -30,6 +33,7 @@ const char* const RAW_KLV_O_SERIAL = "RAWKLVoSerial";
 const char* const KLV_O_IP = "KLVoIP";
 const char* const RAW_KLV_O_IP = "RAWKLVoIP";
 const char* const KLV_O_SDI_ASYNC = "KLVoSDI Async";
+const char* const KLV_O_SDI[2] = {"KLVoSDI CH0", "KLVoSDI CH1"};  // synchronous, one per channel
 const char* const FORMAT_COT = "COT";
 const char* const FORMAT_KLV = "KLV";
 const char* const ENCAPSULATION_TS = "TS";
@@ -42,46 +46,46 @@ Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, s
     branch.clear();
     resetCommand = nullptr;
     std::string setting;
-    if (ingest == vocab::value::KLV_SERIAL) {
-        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::KLV_TABLE,
-                                                 vocab::prop::INPUT_DATA_FORMAT, setting, "") |
+    if (ingest == value::KLV_SERIAL) {
+        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_TABLE,
+                                                 prop::INPUT_DATA_FORMAT, setting, "") |
                       FC_OK;
         if (setting == FORMAT_COT)
             branch = KLV_O_SERIAL;
         if (setting == FORMAT_KLV)
             branch = RAW_KLV_O_SERIAL;
-        resetCommand = vocab::cmd::RESET_KLV_STATISTICS;
+        resetCommand = cmd::RESET_KLV_STATISTICS;
         return read;
     }
-    if (ingest == vocab::value::KLV_IP) {
-        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::KLV_OVER_IP,
-                                                 vocab::prop::ENCAPSULATION, setting, "") |
+    if (ingest == value::KLV_IP) {
+        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_OVER_IP,
+                                                 prop::ENCAPSULATION, setting, "") |
                       FC_OK;
         if (setting == ENCAPSULATION_TS)
             branch = KLV_O_IP;
         if (setting == ENCAPSULATION_RAW)
             branch = RAW_KLV_O_IP;
-        resetCommand = vocab::cmd::RESET_KLVOIP_STATISTICS;
+        resetCommand = cmd::RESET_KLVOIP_STATISTICS;
         return read;
     }
-    if (ingest == vocab::value::KLV_SDI_SYNC)
-        branch = vocab::med::KLVOSDI_BRANCH[channel];
-    if (ingest == vocab::value::KLV_SDI)
+    if (ingest == value::KLV_SDI_SYNC)
+        branch = KLV_O_SDI[channel];
+    if (ingest == value::KLV_SDI)
         branch = KLV_O_SDI_ASYNC;
     if (!branch.empty())
-        resetCommand = vocab::cmd::RESET_KLVOSDI_STATISTICS;
+        resetCommand = cmd::RESET_KLVOSDI_STATISTICS;
     return FC_OK;
 }
 
 // The distinct KLV branches of a channel, with their reset commands.
 Fcodes klvBranches(DataHolder& holder, const std::string& rowId, std::vector<std::string>& branches,
                    std::vector<const char*>& resets) {
-    const int channel = vocab::channelIndex(rowId);
+    const int channel = channelIndex(rowId);
     Fcodes result = FC_OK;
-    for (const char* property : {vocab::prop::INGEST_KLV, vocab::prop::INGEST_KLV2}) {
+    for (const char* property : {prop::INGEST_KLV, prop::INGEST_KLV2}) {
         std::string ingest, branch;
         const char* reset = nullptr;
-        result |= holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::PROCESSING, property, ingest, rowId) | FC_OK;
+        result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, property, ingest, rowId) | FC_OK;
         result |= klvBranchOf(holder, ingest, channel, branch, reset);
         bool seen = branch.empty();
         for (const std::string& known : branches)
@@ -95,7 +99,7 @@ Fcodes klvBranches(DataHolder& holder, const std::string& rowId, std::vector<std
 }
 
 bool isPlaying(const std::string& state) {
-    return state == vocab::state::PLAYING || state == vocab::state::PLAYED;
+    return state == state::PLAYING || state == state::PLAYED;
 }
 
 Fcodes deviceCommand(DataHolder& holder, const char* id) {
@@ -109,12 +113,12 @@ Fcodes deviceCommand(DataHolder& holder, const char* id) {
 }  // namespace
 
 Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
-    const int channel = vocab::channelIndex(rowId);
+    const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_BAD_VALUE;
     std::string state;
     Fcodes result =
-        FC_OK | holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId);
+        FC_OK | holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
     if (!isOk(result))
         return result;
     std::vector<std::string> branches;
@@ -122,12 +126,12 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
     result |= klvBranches(holder, rowId, branches, resets);
 
     // The other channel's branches, to keep shared branches running for it.
-    const std::string other = channel == 0 ? vocab::row::HEVC : vocab::row::H264;
+    const std::string other = channel == 0 ? row::HEVC : row::H264;
     std::string otherState;
     std::vector<std::string> otherBranches;
     std::vector<const char*> unused;
     if (!isPlaying(state) &&
-        isOk(holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, otherState, other)) &&
+        isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
         isPlaying(otherState))
         result |= klvBranches(holder, other, otherBranches, unused);
 
@@ -139,15 +143,15 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
         if (!isOk(read))
             continue;
         if (isPlaying(state)) {
-            if (branchState != vocab::state::BRANCH_STOP)
+            if (branchState != state::BRANCH_STOP)
                 continue;
             Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, 20);
             if (isOk(started)) {
-                DBG(0) << "klvAction: called startTarnevelBranch branch=" << branch;
+                DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
                 result |= deviceCommand(holder, resets[i]);
             } else {
-                DBG(2) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x"
-                       << side::hexCode(started);
+                DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x"
+                       << std::hex << static_cast<uint32_t>(started);
             }
             result |= started;
             continue;
@@ -155,13 +159,14 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
         bool shared = false;
         for (const std::string& used : otherBranches)
             shared = shared || used == branch;
-        if (shared || branchState != vocab::state::BRANCH_RUN)
+        if (shared || branchState != state::BRANCH_RUN)
             continue;
         Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
         if (isOk(stopped))
-            DBG(0) << "klvAction: called stopTarnevelBranch branch=" << branch;
+            DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
         else
-            DBG(2) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << side::hexCode(stopped);
+            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x"
+                           << std::hex << static_cast<uint32_t>(stopped);
         result |= stopped;
     }
     return result;
@@ -174,36 +179,37 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
 // stopped here, unless the other playing channel uses it; then the named
 // ones are started as a play starts them.
 Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
-    const int channel = vocab::channelIndex(rowId);
+    const int channel = channelIndex(rowId);
     std::string state;
     if (channel < 0 ||
-        !isOk(holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId)) ||
+        !isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
         !isPlaying(state))
         return FC_OK;
     std::vector<std::string> named, otherNamed;
     std::vector<const char*> resets;
     Fcodes result = FC_OK | klvBranches(holder, rowId, named, resets);
-    const std::string other = channel == 0 ? vocab::row::HEVC : vocab::row::H264;
+    const std::string other = channel == 0 ? row::HEVC : row::H264;
     std::string otherState;
-    if (isOk(holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::CHANNELS, vocab::prop::STATE, otherState, other)) &&
+    if (isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
         isPlaying(otherState))
         result |= klvBranches(holder, other, otherNamed, resets);
 
     const std::string candidates[] = {KLV_O_SERIAL, RAW_KLV_O_SERIAL, KLV_O_IP, RAW_KLV_O_IP,
-                                      vocab::med::KLVOSDI_BRANCH[channel], KLV_O_SDI_ASYNC};
+                                      KLV_O_SDI[channel], KLV_O_SDI_ASYNC};
     for (const std::string& branch : candidates) {
         bool used = false;
         for (const std::string& b : named) used = used || b == branch;
         for (const std::string& b : otherNamed) used = used || b == branch;
         std::string branchState;
         if (used || !isOk(ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState)) ||
-            branchState != vocab::state::BRANCH_RUN)
+            branchState != state::BRANCH_RUN)
             continue;
         Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
         if (isOk(stopped))
-            DBG(0) << "klvAction: called stopTarnevelBranch branch=" << branch;
+            DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
         else
-            DBG(2) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << side::hexCode(stopped);
+            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                           << static_cast<uint32_t>(stopped);
         result |= stopped;
     }
     return result | klvAction(rowId);

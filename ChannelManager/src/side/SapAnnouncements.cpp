@@ -1,7 +1,9 @@
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
@@ -10,6 +12,8 @@
 #include "records/WireConstants.h"
 #include "system/DbgPrintClient.h"
 
+using namespace vocab;
+
 // Announcing a channel's streams through the SAP announcer ("/tmp/sockSap"):
 // every enabled target with "SAP" set is announced ("START_SAP") while the
 // channel is "Played" or "Playing" and withdrawn ("STOP_SAP") otherwise.
@@ -17,10 +21,10 @@
 namespace {
 
 // The parameters of the SAP announcer's commands.
-const char* const P_CHANNEL_NAME = "ChannelName";
+const char* const P_CHANNEL_NAME = cmd::PARAM_SAP_CHANNEL_NAME;
 const char* const P_PROTOCOL = "Streaming Protocol";
-const char* const P_DESTINATION_IP = "DestinationIp";
-const char* const P_DESTINATION_PORT = "DestinationPort";
+const char* const P_DESTINATION_IP = cmd::PARAM_SAP_DESTINATION_IP;
+const char* const P_DESTINATION_PORT = cmd::PARAM_SAP_DESTINATION_PORT;
 const char* const P_IF_ADDRESS = "IfAddress";
 const char* const P_SDP_FILE = "SdpFile";
 const char* const P_TTL = "TTL";
@@ -28,6 +32,9 @@ const char* const P_INPUT = "Input";
 const char* const P_INPUT_FORMAT = "Input Format";
 const char* const P_STATUS = "Status";
 const char* const P_FCODE = "Fcode";
+// The device manager's address of a network interface (row = its name).
+const char* const NETWORK_INTERFACES_TABLE = "NetworkInterfacesTable";
+const char* const IP_ADDRESS = "IP Address";
 
 struct TargetSettings {
     std::string channelName, interface, address, protocol;
@@ -36,14 +43,14 @@ struct TargetSettings {
 };
 
 Fcodes readTarget(DataHolder& holder, const std::string& target, TargetSettings& out) {
-    const char* ds = vocab::ds::CHANNEL;
-    const char* tbl = vocab::tbl::TARGET;
-    return FC_OK | holder.getTextParam(ds, tbl, vocab::prop::CHANNEL_NAME, out.channelName, target) |
-           holder.getTextParam(ds, tbl, vocab::prop::NETWORK_INTERFACE, out.interface, target) |
-           holder.getTextParam(ds, tbl, vocab::prop::TARGET_ADDRESS, out.address, target) |
-           holder.getTextParam(ds, tbl, vocab::prop::STREAMING_PROTOCOL, out.protocol, target) |
-           holder.getIntParam(ds, tbl, vocab::prop::TARGET_PORT, out.port, target) |
-           holder.getIntParam(ds, tbl, vocab::prop::TTL, out.ttl, target);
+    const char* ds = ds::CHANNEL;
+    const char* tbl = tbl::TARGET;
+    return FC_OK | holder.getTextParam(ds, tbl, prop::CHANNEL_NAME, out.channelName, target) |
+           holder.getTextParam(ds, tbl, prop::NETWORK_INTERFACE, out.interface, target) |
+           holder.getTextParam(ds, tbl, prop::TARGET_ADDRESS, out.address, target) |
+           holder.getTextParam(ds, tbl, prop::STREAMING_PROTOCOL, out.protocol, target) |
+           holder.getIntParam(ds, tbl, prop::TARGET_PORT, out.port, target) |
+           holder.getIntParam(ds, tbl, prop::TTL, out.ttl, target);
 }
 
 // The RTSP server writes one SDP file per target; it is named after the
@@ -69,27 +76,27 @@ Fcodes sendToAnnouncer(DataHolder& holder, const MessageCommand& command) {
 }  // namespace
 
 Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
-    const int channel = vocab::channelIndex(rowId);
+    const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_BAD_VALUE;
-    const char* ds = vocab::ds::CHANNEL;
-    std::string state, status, source, detected = vocab::state::INPUT_NONE;
+    const char* ds = ds::CHANNEL;
+    std::string state, status, source, detected = state::INPUT_NONE;
     int fcode = 0;
-    Fcodes result = FC_OK | holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATE, state, rowId) |
-                    holder.getTextParam(ds, vocab::tbl::CHANNELS, vocab::prop::STATUS, status, rowId) |
-                    holder.getIntParam(ds, vocab::tbl::CHANNELS, vocab::prop::FCODE, fcode, rowId) |
-                    holder.getTextParam(ds, vocab::tbl::SOURCE, vocab::prop::SOURCE, source, rowId);
-    result |= holder.getTextParam(vocab::ds::VIDEO_SOURCE, vocab::tbl::VIDEO_SOURCE, vocab::prop::INPUT_DETECTED,
+    Fcodes result = FC_OK | holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+                    holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+                    holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcode, rowId) |
+                    holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
+    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED,
                                   detected, source) |
               FC_OK;
-    const bool announce = state == vocab::state::PLAYING || state == vocab::state::PLAYED;
+    const bool announce = state == state::PLAYING || state == state::PLAYED;
 
     std::vector<std::string> targets;
-    result |= side::channelChildren(holder, vocab::tbl::TARGET, rowId, targets);
+    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     for (const std::string& target : targets) {
         bool enabled = false, sap = false;
-        Fcodes read = FC_OK | holder.getBoolParam(ds, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled, target) |
-                      holder.getBoolParam(ds, vocab::tbl::TARGET, vocab::prop::SAP, sap, target);
+        Fcodes read = FC_OK | holder.getBoolParam(ds, tbl::TARGET, prop::ENABLED, enabled, target) |
+                      holder.getBoolParam(ds, tbl::TARGET, prop::SAP, sap, target);
         TargetSettings settings;
         if (isOk(read) && enabled && sap)
             read |= readTarget(holder, target, settings);
@@ -103,28 +110,28 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
         command.addParam(P_DESTINATION_IP, settings.address);
         command.addParam(P_DESTINATION_PORT, std::to_string(settings.port));
         if (!announce) {
-            command.setId(vocab::cmd::STOP_SAP);
+            command.setId(cmd::STOP_SAP);
             result |= sendToAnnouncer(holder, command);
             continue;
         }
         std::string ifAddress;
-        result |= holder.requestGetTextParam(wire::SOCK_DEV, vocab::ds::DEVICE, vocab::tbl::NETWORK_INTERFACES,
-                                             vocab::prop::IP_ADDRESS, ifAddress, settings.interface) |
+        result |= holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE,
+                                             IP_ADDRESS, ifAddress, settings.interface) |
                   FC_OK;
         std::string sdpFile;
-        if (settings.protocol == vocab::value::RTP_ES) {
-            const char* server = vocab::med::RTSP_SERVER[channel];
+        if (settings.protocol == value::RTP_ES) {
+            const char* server = med::RTSP_SERVER[channel];
             std::string directory;
             Fcodes sdp =
-                ITarnevelClient::getTarnevelTextParam(&holder, server, vocab::med::PARAM_SDP_DIRECTORY, directory);
+                ITarnevelClient::getTarnevelTextParam(&holder, server, med::PARAM_SDP_DIRECTORY, directory);
             if (isOk(sdp))
                 sdpFile = sdpFileName(directory, target);
             else
-                DBG(2) << "sapAction: rowId=" << rowId << " Error: param=" << vocab::med::PARAM_SDP_DIRECTORY
-                       << " comp=" << server << " fcode=0x" << side::hexCode(sdp);
+                DBG(DBG_ERROR) << "sapAction: rowId=" << rowId << " Error: param=" << med::PARAM_SDP_DIRECTORY
+                       << " comp=" << server << " fcode=0x" << std::hex << static_cast<uint32_t>(sdp);
             result |= sdp;
         }
-        command.setId(vocab::cmd::START_SAP);
+        command.setId(cmd::START_SAP);
         command.addParam(P_PROTOCOL, settings.protocol);
         command.addParam(P_IF_ADDRESS, ifAddress);
         command.addParam(P_SDP_FILE, sdpFile);
@@ -132,7 +139,9 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
         command.addParam(P_INPUT, source);
         command.addParam(P_INPUT_FORMAT, detected);
         command.addParam(P_STATUS, status);
-        command.addParam(P_FCODE, side::hexCode(static_cast<uint32_t>(fcode)));
+        std::ostringstream code;  // lower-case hex without "0x", as in a header
+        code << std::hex << static_cast<uint32_t>(fcode);
+        command.addParam(P_FCODE, code.str());
         result |= sendToAnnouncer(holder, command);
     }
     return result;

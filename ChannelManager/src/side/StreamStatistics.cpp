@@ -2,12 +2,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "ITarnevelClient.h"
 #include "side/SideActionSupport.h"
 #include "holder/DataHolder.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 // Zixi and SRT link statistics: the sender components of the mediator are
 // told to refresh ("Update Stats" = 1), their statistics texts are read and
@@ -26,10 +28,10 @@ struct TargetSender {
 };
 
 const TargetSender kTargetSenders[] = {
-    {"HEVC Target1", vocab::med::ZIXI_FEEDER[1], vocab::med::SRT_SENDER[1]},
-    {"HEVC Target2", vocab::med::ZIXI_FEEDER_2[1], vocab::med::SRT_SENDER_2[1]},
-    {"H.264 Target1", vocab::med::ZIXI_FEEDER[0], vocab::med::SRT_SENDER[0]},
-    {"H.264 Target2", vocab::med::ZIXI_FEEDER_2[0], vocab::med::SRT_SENDER_2[0]},
+    {"HEVC Target1", med::ZIXI_FEEDER[1], med::SRT_SENDER[1]},
+    {"HEVC Target2", med::ZIXI_FEEDER_2[1], med::SRT_SENDER_2[1]},
+    {"H.264 Target1", med::ZIXI_FEEDER[0], med::SRT_SENDER[0]},
+    {"H.264 Target2", med::ZIXI_FEEDER_2[0], med::SRT_SENDER_2[0]},
 };
 
 const TargetSender* senderOf(const std::string& targetRow) {
@@ -51,14 +53,14 @@ struct ZixiKey {
 };
 
 const ZixiKey kNetworkKeys[] = {
-    {" packets", vocab::tbl::ZIXI_QOS, vocab::prop::TOTAL_PACKETS},
-    {" packet_rate", vocab::tbl::ZIXI_QOS, vocab::prop::PACKET_RATE},
-    {" dropped", vocab::tbl::ZIXI_QOS, vocab::prop::DROPPED_PACKETS},
-    {" bitrate", vocab::tbl::ZIXI_NETWORK, vocab::prop::TOTAL_BITRATE},
-    {" available", vocab::tbl::ZIXI_NETWORK, vocab::prop::AVAILABLE_BITRATE},
-    {" rtt", vocab::tbl::ZIXI_NETWORK, vocab::prop::ROUND_TRIP_TIME},
-    {" jitter", vocab::tbl::ZIXI_NETWORK, vocab::prop::JITTER},
-    {" latency", vocab::tbl::ZIXI_NETWORK, vocab::prop::ZIXI_LATENCY},
+    {" packets", tbl::ZIXI_QOS, prop::TOTAL_PACKETS},
+    {" packet_rate", tbl::ZIXI_QOS, prop::PACKET_RATE},
+    {" dropped", tbl::ZIXI_QOS, prop::DROPPED_PACKETS},
+    {" bitrate", tbl::ZIXI_NETWORK, prop::TOTAL_BITRATE},
+    {" available", tbl::ZIXI_NETWORK, prop::AVAILABLE_BITRATE},
+    {" rtt", tbl::ZIXI_NETWORK, prop::ROUND_TRIP_TIME},
+    {" jitter", tbl::ZIXI_NETWORK, prop::JITTER},
+    {" latency", tbl::ZIXI_NETWORK, prop::ZIXI_LATENCY},
 };
 
 // SRT sender text parameters and where they are published.
@@ -68,27 +70,27 @@ struct SrtStat {
     const char* property;
 };
 
-const char* const SRT_BITRATE_MBPS = vocab::med::PARAM_STAT_BITRATE_MBPS;
+const char* const SRT_BITRATE_MBPS = med::PARAM_STAT_BITRATE_MBPS;
 const SrtStat kSrtStats[] = {
-    {"Stat: RTT", vocab::tbl::SRT_NETWORK, vocab::prop::ROUND_TRIP_TIME},
-    {"Stat: Packets", vocab::tbl::SRT_QOS, vocab::prop::TOTAL_PACKETS},
-    {"Stat: Lost Packets", vocab::tbl::SRT_QOS, vocab::prop::PACKET_LOSS},
-    {"Stat: Dropped Packets", vocab::tbl::SRT_QOS, vocab::prop::DROPPED_PACKETS},
-    {"Stat: Retransmitted Packets", vocab::tbl::SRT_QOS, vocab::prop::RECOVERED_PACKETS},
+    {"Stat: RTT", tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME},
+    {"Stat: Packets", tbl::SRT_QOS, prop::TOTAL_PACKETS},
+    {"Stat: Lost Packets", tbl::SRT_QOS, prop::PACKET_LOSS},
+    {"Stat: Dropped Packets", tbl::SRT_QOS, prop::DROPPED_PACKETS},
+    {"Stat: Retransmitted Packets", tbl::SRT_QOS, prop::RECOVERED_PACKETS},
 };
 
 void logFailure(const char* prefix, const std::string& rowId, const std::string& value, const char* parameter,
                 const std::string& component, Fcodes code) {
-    DBG(2) << prefix << "rowId=" << rowId << " Error: val=" << value << " param=" << parameter << " comp=" << component
-           << " fcode=0x" << side::hexCode(code);
+    DBG(DBG_ERROR) << prefix << "rowId=" << rowId << " Error: val=" << value << " param=" << parameter
+                   << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(code);
 }
 
 // Asks the sender to refresh its figures; the reads that follow see them.
 Fcodes requestUpdate(DataHolder& holder, const char* operation, const std::string& rowId,
                      const std::string& component) {
-    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, vocab::med::PARAM_UPDATE_STATS, 1);
+    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, med::PARAM_UPDATE_STATS, 1);
     if (!isOk(code))
-        logFailure(operation, rowId, "1", vocab::med::PARAM_UPDATE_STATS, component, code);
+        logFailure(operation, rowId, "1", med::PARAM_UPDATE_STATS, component, code);
     return code;
 }
 
@@ -139,11 +141,11 @@ static uint64_t packetLossPercent(uint64_t dropped, uint64_t total) {
 Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowId) {
     const TargetSender* sender = senderOf(targetRowId);
     if (sender == nullptr) {
-        DBG(2) << "updateZixiStatistics: no Zixi feeder for rowId=" << targetRowId;
+        DBG(DBG_ERROR) << "updateZixiStatistics: no Zixi feeder for rowId=" << targetRowId;
         return FC_NO_SUCH_NAME;
     }
     const std::string feeder = sender->zixiFeeder;
-    const char* dataSet = vocab::ds::ZIXI_STAT;
+    const char* dataSet = ds::ZIXI_STAT;
     Fcodes result = FC_OK | requestUpdate(holder, "updateZixiStatistics: ", targetRowId, feeder);
 
     std::string text;
@@ -153,7 +155,7 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
         for (const ZixiKey& key : kNetworkKeys)
             result |= publish(holder, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
         result |=
-            publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::PACKET_LOSS,
+            publish(holder, dataSet, tbl::ZIXI_QOS, prop::PACKET_LOSS,
                     packetLossPercent(parseZixiStat(text, " dropped"), parseZixiStat(text, " packets")), targetRowId);
     }
 
@@ -163,8 +165,8 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     if (isOk(read)) {
         const uint64_t recovered = parseZixiStat(text, " arq_recovered") + parseZixiStat(text, " fec_recovered");
         result |=
-            publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::RECOVERED_PACKETS, recovered, targetRowId);
-        result |= publish(holder, dataSet, vocab::tbl::ZIXI_QOS, vocab::prop::NON_RECOVERED_PACKETS,
+            publish(holder, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
+        result |= publish(holder, dataSet, tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS,
                           parseZixiStat(text, " not_recovered"), targetRowId);
     }
 
@@ -172,7 +174,7 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     read = readStatText(holder, targetRowId, feeder, CONNECTION_STATS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(holder, dataSet, vocab::tbl::ZIXI_NETWORK, vocab::prop::RECONNECTION,
+        result |= publish(holder, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION,
                           parseZixiStat(text, " reconnections"), targetRowId);
     return result;
 }
@@ -187,18 +189,18 @@ static uint64_t mbpsToKbps(const std::string& text) {
 Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId) {
     const TargetSender* sender = senderOf(targetRowId);
     if (sender == nullptr) {
-        DBG(2) << "updateSrtStatistics: no SRT sender for rowId=" << targetRowId;
+        DBG(DBG_ERROR) << "updateSrtStatistics: no SRT sender for rowId=" << targetRowId;
         return FC_NO_SUCH_NAME;
     }
     const std::string component = sender->srtSender;
-    const char* dataSet = vocab::ds::SRT_STAT;
+    const char* dataSet = ds::SRT_STAT;
     Fcodes result = FC_OK | requestUpdate(holder, "updateSrtStatistics: ", targetRowId, component);
 
     std::string text;
     Fcodes read = readStatText(holder, targetRowId, component, SRT_BITRATE_MBPS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(holder, dataSet, vocab::tbl::SRT_NETWORK, vocab::prop::TOTAL_BITRATE, mbpsToKbps(text),
+        result |= publish(holder, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text),
                           targetRowId);
     for (const SrtStat& stat : kSrtStats) {
         text.clear();
@@ -211,12 +213,12 @@ Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId
 
     int latency = 0;
     read =
-        holder.getIntParam(vocab::ds::CHANNEL, vocab::tbl::SRT_SETTINGS, vocab::prop::LATENCY, latency, targetRowId) |
+        holder.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) |
         FC_OK;
     result |= read;
     if (isOk(read))
         result |=
-            holder.initIntParam(dataSet, vocab::tbl::SRT_NETWORK, vocab::prop::SRT_LATENCY, latency, targetRowId) |
+            holder.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) |
             FC_OK;
     return result;
 }

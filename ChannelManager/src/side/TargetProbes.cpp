@@ -6,13 +6,16 @@
 #include <vector>
 
 #include "side/BoundedCommand.h"
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "side/ProbeRegistry.h"
 #include "side/SideActionSupport.h"
 #include "holder/DataHolder.h"
 #include "system/DbgPrintClient.h"
+
+using namespace vocab;
 
 // Reachability probes of a channel's unicast targets. Each probe runs on a
 // detached thread of its own that takes no lock: it copies the row id and the
@@ -56,32 +59,32 @@ bool isMulticast(const in_addr& address) {
 
 Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
     std::vector<std::string> targets;
-    Fcodes result = side::channelChildren(holder, vocab::tbl::TARGET, rowId, targets);
+    Fcodes result = getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets) | FC_OK;
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, address;
         Fcodes read =
-            FC_OK | holder.getBoolParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::ENABLED, enabled, target);
+            FC_OK | holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
         if (!isOk(read) || !enabled) {
             result |= read;
             continue;
         }
         read |=
-            holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::STREAMING_PROTOCOL, protocol,
+            holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol,
                                 target) |
-            holder.getTextParam(vocab::ds::CHANNEL, vocab::tbl::TARGET, vocab::prop::TARGET_ADDRESS, address, target);
+            holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
         result |= read;
         if (!isOk(read))
             continue;
         in_addr ipv4{};
         const int kind = addressKind(address, ipv4);
         if (kind == 0) {
-            DBG(2) << "testConnectionToTarget: Illegal IP Address=" << address;
+            DBG(DBG_ERROR) << "testConnectionToTarget: Illegal IP Address=" << address;
             result |= FC_BAD_VALUE;
             continue;
         }
         if (kind < 0) {
-            DBG(2) << "testConnectionToTarget: Wrong IP family Address=" << address;
+            DBG(DBG_ERROR) << "testConnectionToTarget: Wrong IP family Address=" << address;
             result |= FC_BAD_VALUE;
             continue;
         }
@@ -98,7 +101,7 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
             }).detach();
         } catch (const std::system_error& error) {
             ProbeRegistry::instance().end();
-            DBG(2) << "testConnectionToTarget: no probe thread for Address=" << address << " " << error.what();
+            DBG(DBG_ERROR) << "testConnectionToTarget: no probe thread for Address=" << address << " " << error.what();
             result |= FC_UNAVAILABLE;
         }
     }
@@ -110,24 +113,24 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
 void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::string& address) {
     in_addr ipv4{};
     if (addressKind(address, ipv4) != 1) {
-        DBG(2) << "traceroute: Illegal IP Address=" << address;
+        DBG(DBG_ERROR) << "traceroute: Illegal IP Address=" << address;
         return;
     }
     const std::string ping = "ping -c 1 " + address;
-    DBG(0) << "traceroute: command=" << ping;
+    DBG(DBG_INFO) << "traceroute: command=" << ping;
     const BoundedRun pinged = runBounded(ping, PING_LIMIT_MS, 0);
-    DBG(0) << "traceroute: ping rc=" << pinged.status;
+    DBG(DBG_INFO) << "traceroute: ping rc=" << pinged.status;
     if (pinged.started && pinged.status == 0) {
-        events.sendEvent(vocab::ev::TARGET_CONNECTION_OK, rowId, vocab::cond::INFO, vocab::state::ALARM_NONE,
-                         vocab::state::SEVERITY_INFO, "ping " + address + " OK");
+        events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE,
+                         state::SEVERITY_INFO, "ping " + address + " OK");
         return;
     }
     const std::string trace = "traceroute -I " + address;
-    DBG(0) << "traceroute: command=" << trace;
+    DBG(DBG_INFO) << "traceroute: command=" << trace;
     const BoundedRun traced = runBounded(trace, TRACEROUTE_LIMIT_MS, TRACEROUTE_OUTPUT_MAX);
     if (!traced.started || traced.output.empty())
         return;
     // A failed probe carries "Unavailable" as its code, as a failed play does.
-    events.sendEvent(vocab::ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, vocab::state::ALARM_NONE,
-                     vocab::state::SEVERITY_INFO, traced.output);
+    events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE,
+                     state::SEVERITY_INFO, traced.output);
 }

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/ChannelWireTexts.h"
 
 // The channel conditions a channel's "Fcode" can hold, with the name a person
 // reads: the daemon sets and tests these codes, and chanctl and chanweb name
@@ -35,16 +36,14 @@ inline std::vector<std::string> channelConditionNames(uint32_t fcode) {
     std::vector<std::string> names;
     uint32_t named = 0x10000u | vocab::cond::INFO;
     for (const vocab::ChannelCondition& condition : vocab::CHANNEL_CONDITIONS)
-        if ((fcode & condition.code) == condition.code) {
+        if (vocab::holds(fcode, condition.code)) {
             names.push_back(condition.name);
             named |= condition.code;
         }
     if ((fcode & ~named) != 0) {
-        static const char digits[] = "0123456789abcdef";
-        std::string hex;
-        for (uint32_t rest = fcode & ~named; rest != 0; rest >>= 4)
-            hex.insert(hex.begin(), digits[rest & 0xF]);
-        names.push_back("unknown 0x" + hex);
+        std::ostringstream unknown;
+        unknown << "unknown 0x" << std::hex << (fcode & ~named);
+        names.push_back(unknown.str());
     }
     return names;
 }

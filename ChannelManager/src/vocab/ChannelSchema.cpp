@@ -1,6 +1,6 @@
 #include "vocab/ChannelSchema.h"
 
-#include "vocab/ChannelVocabulary.h"
+#include "vocab/DatasetNames.h"
 
 using namespace vocab;
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,9 +14,9 @@ using namespace vocab;
 namespace {
 
 std::string hex(unsigned long code) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%lx", code);
-    return text;
+    std::ostringstream text;
+    text << "0x" << std::hex << code;
+    return text.str();
 }
 
 // "id rowId fcode" of each recorded event.

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <sstream>
 
 #include "support/ChannelHarness.h"
 
@@ -22,9 +22,9 @@ std::string sourceRow(ChannelHarness& h, const std::string& source) {
 // "State Fcode Status FormatChanged" of a channel.
 std::string channelRow(ChannelHarness& h, const char* row) {
     const bool changed = h.flag(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, row);
-    char fcode[16];
-    snprintf(fcode, sizeof fcode, "%x", h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row));
-    return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode + " " +
+    std::ostringstream fcode;
+    fcode << std::hex << h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row);
+    return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row) + " " + fcode.str() + " " +
            h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row) + (changed ? " changed" : "");
 }
 

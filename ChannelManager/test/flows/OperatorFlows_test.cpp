@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
+#include <sstream>
 
 #include "ITarnevelClient.h"
 #include "side/BoundedCommand.h"
@@ -37,9 +37,9 @@ Fcodes detect(ChannelHarness& h, const std::string& source, const std::string& f
 
 // "State Fcode Status" of a channel, the code in hexadecimal.
 std::string channelRow(ChannelHarness& h, const std::string& rowId) {
-    char fcode[16];
-    std::snprintf(fcode, sizeof fcode, "%x", h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, rowId));
-    return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, rowId) + " " + fcode + " " +
+    std::ostringstream fcode;
+    fcode << std::hex << h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, rowId);
+    return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, rowId) + " " + fcode.str() + " " +
            h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, rowId);
 }
 

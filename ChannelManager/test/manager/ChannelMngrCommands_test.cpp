@@ -10,6 +10,8 @@
 #include "support/ManagerHarness.h"
 #include "system/SysmgtRoot.h"
 
+using namespace vocab;
+
 using ChannelMngrCommands = ManagerTest;
 
 TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
@@ -112,7 +114,7 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
 }
 
 TEST_F(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
-    ASSERT_EQ(FC_OK, h.manager.loadDataSet(vocab::path::FACTORY_CHANNELS));
+    ASSERT_EQ(FC_OK, h.manager.loadDataSet(path::FACTORY_CHANNELS));
     // Nothing pending: "OK", nothing touched.
     EXPECT_EQ(FC_OK, h.execute("Accept Changes"));
     EXPECT_TRUE(h.waitLog("execute: command=Accept Changes"));

@@ -7,6 +7,8 @@
 
 #include "support/ManagerHarness.h"
 
+using namespace vocab;
+
 TEST(ChannelMngrEventDispatch, FeederClassificationNamesTheChannel) {
     const struct {
         const char* description;
@@ -40,7 +42,7 @@ TEST(ChannelMngrEventDispatch, FeederClassificationNamesTheChannel) {
 TEST(ChannelMngrEventDispatch, KlvIngestReconfigurationCarriesAFailureOver) {
     ManagerHarness h;
     ASSERT_TRUE(h.ready());
-    ASSERT_EQ(FC_OK, h.manager.loadDataSet(vocab::path::FACTORY_CHANNELS));
+    ASSERT_EQ(FC_OK, h.manager.loadDataSet(path::FACTORY_CHANNELS));
     auto ingest = [&h](const char* rowId, const char* klv, const char* klv2) {
         h.manager.setTextParam("ChannelDataSet", "ChannelProcessingTable", "Ingest KLV", klv, rowId);
         h.manager.setTextParam("ChannelDataSet", "ChannelProcessingTable", "Ingest KLV2", klv2, rowId);

@@ -1,7 +1,8 @@
 #include "records/Fcodes.h"
 
-#include <cstdio>
+#include <cstdint>
 #include <map>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -46,9 +47,9 @@ std::string fcodeText(Fcodes code) {
         }
     }
     if (joined.empty()) {
-        char buf[32];
-        std::snprintf(buf, sizeof buf, "Unknown Fcode 0x%x", static_cast<unsigned>(code));
-        joined = buf;
+        std::ostringstream unknown;
+        unknown << "Unknown Fcode 0x" << std::hex << static_cast<uint32_t>(code);
+        joined = unknown.str();
     }
     return joined;
 }

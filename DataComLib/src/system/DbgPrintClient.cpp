@@ -83,11 +83,24 @@ void DbgPrintClient::fillInOss(int severity, std::ostringstream* oss) {
 }
 
 void DbgPrintClient::doReport(std::ostringstream* oss) {
+    const std::string text = oss->str();
+    std::lock_guard<std::mutex> guard(sinkMutex);
     if (fd < 0)
         return;
-    const std::string text = oss->str();
     ssize_t written = write(fd, text.data(), text.size());
     (void)written;  // a full pipe or a vanished collector loses the line
+}
+
+int DbgPrintClient::setSink(int descriptor) {
+    std::lock_guard<std::mutex> guard(sinkMutex);
+    const int previous = fd;
+    fd = descriptor;
+    return previous;
+}
+
+int DbgPrintClient::sink() {
+    std::lock_guard<std::mutex> guard(sinkMutex);
+    return fd;
 }
 
 void DbgPrintClient::setTaskName(unsigned long threadId, const std::string& name) {

@@ -46,10 +46,21 @@ public:
     // First registration of a thread id wins; later names are discarded.
     void setTaskName(unsigned long threadId, const std::string& name);
 
-    int fd = -1;
+    // Points the log at another descriptor (a test's pipe) and returns the
+    // one it replaces; the caller owns both. Once it returns no line is being
+    // written to the old one, so the caller may close it; other threads may
+    // log meanwhile.
+    int setSink(int descriptor);
+    // The descriptor lines are written to, -1 when there is none.
+    int sink();
 
 private:
     std::string taskNameOf(unsigned long threadId);
+
+    // Guarded by sinkMutex, held for each write, so that setSink never
+    // races a line being written.
+    int fd = -1;
+    std::mutex sinkMutex;
 
     // Thread id (the native pthread_t) to task name; id 0 is the fallback
     // "tUnknwn". Guarded by taskNamesMutex: threads register while others log.
@@ -82,7 +93,7 @@ struct DbgVoidify {
     void operator&(std::ostream&) {}
 };
 
-// DBG(2) << "getIntParam: No such table=" << table;
+// DBG(DBG_ERROR) << "getIntParam: No such table=" << table;
 // Nothing is formatted, and no argument evaluated, when the level filters the line out.
 #define DBG(severity)                                                        \
     (gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \

@@ -68,8 +68,8 @@ int countEvaluation() {
 TEST(DbgPrintClient, PrefixLayoutTaskNamesAndFifoWrite) {
     FifoReader reader("/tmp/testDbgFifo");
     DbgPrintClient client("/tmp/testDbgFifo");
-    ASSERT_GE(client.fd, 0);
-    EXPECT_NE(fcntl(client.fd, F_GETFL) & O_NONBLOCK, 0);
+    ASSERT_GE(client.sink(), 0);
+    EXPECT_NE(fcntl(client.sink(), F_GETFL) & O_NONBLOCK, 0);
 
     client.setTaskName(pthread_self(), "tChMngr");
     client.setTaskName(pthread_self(), "tSecond");  // first registration wins
@@ -103,7 +103,7 @@ TEST(DbgPrintClient, PrefixLayoutTaskNamesAndFifoWrite) {
 TEST(DbgPrintClient, FullPipeDropsLinesAndAVanishedReaderIsHarmless) {
     FifoReader reader("/tmp/testDbgFull");
     DbgPrintClient client("/tmp/testDbgFull");
-    ASSERT_GE(client.fd, 0);
+    ASSERT_GE(client.sink(), 0);
     const std::string payload(200, 'x');
     // Far more than a pipe holds; with a blocking descriptor this would hang.
     for (int i = 0; i < 2000; ++i) {
@@ -124,7 +124,7 @@ TEST(DbgPrintClient, MissingFifoPrintsOnceAndLoggingStaysHarmless) {
     DbgPrintClient client("/tmp/noSuchFifo");
     const std::string printed = testing::internal::GetCapturedStdout();
     EXPECT_EQ(printed, "DbgPrintClient: Couldn't open a fifo /tmp/noSuchFifo errno=2\n");
-    EXPECT_EQ(client.fd, -1);
+    EXPECT_EQ(client.sink(), -1);
     std::ostringstream line;
     client.fillInOss(DBG_ERROR, &line);
     line << "lost\n";

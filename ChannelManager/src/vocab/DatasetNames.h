@@ -1,26 +1,16 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-#include "records/Fcodes.h"
-
-// The vocabulary of the channel manager: datasets, their components and
-// properties, channel rows, state texts, condition codes, the commands it
-// serves and the events it sends, and the mediator's branches and
-// components. Every text the channel logic uses in more than one place is
-// named here, so a typo is a compile error. Texts are compared whole and
-// case-sensitively. Socket paths are in records/WireConstants.h.
+// The channel manager's own datasets: the files they load from, the dataset,
+// component and property names (a test holds the factory datasets of
+// etc/sysmgt to them, see ChannelSchema.cpp), and the texts that channel
+// rows hold as values. Names used by one file only live in that file; the
+// wire texts are in ChannelWireTexts.h, the peers' names in PeerNames.h.
+// Texts are compared whole and case-sensitively.
 namespace vocab {
 
 // ---- Files and datasets ----
 namespace path {
 constexpr const char* FACTORY_CHANNELS = "/etc/sysmgt/channel_data_set_vex.json";
-constexpr const char* VIDEO_SOURCES = "/etc/sysmgt/vsrc_data_set.json";
-constexpr const char* ZIXI_STATS = "/etc/sysmgt/zixistat_data_set.json";
-constexpr const char* SRT_STATS = "/etc/sysmgt/srtstat_data_set.json";
-constexpr const char* SETTINGS_DIR = "/data/settings";
-constexpr const char* SDP_DIR = "/srv/http/webui/sdp/";
 }  // namespace path
 
 namespace ds {
@@ -28,8 +18,7 @@ constexpr const char* CHANNEL = "ChannelDataSet";
 constexpr const char* VIDEO_SOURCE = "VideoSourceDataSet";
 constexpr const char* ZIXI_STAT = "ZixiStatDataSet";
 constexpr const char* SRT_STAT = "SrtStatDataSet";
-constexpr const char* DEFAULT = "Default Dataset";
-constexpr const char* DEVICE = "DeviceDataSet";  // the device manager's, read remotely
+constexpr const char* DEFAULT = "Default Dataset";  // the factory data while it is merged
 }  // namespace ds
 
 // ---- Components (tables) ----
@@ -59,13 +48,6 @@ constexpr const char* ZIXI_QOS = "Zixi QoS Statistics";
 constexpr const char* ZIXI_NETWORK = "Zixi Network Statistics";
 constexpr const char* SRT_NETWORK = "Srt Network Statistics";
 constexpr const char* SRT_QOS = "Srt QoS Statistics";
-// The device manager's "DeviceDataSet".
-constexpr const char* DATE_TIME = "DateTimeTable";
-constexpr const char* NETWORK_INTERFACES = "NetworkInterfacesTable";
-constexpr const char* COM_PORTS = "ComPortsTable";
-constexpr const char* KLV_OVER_IP = "KLV over IP";
-constexpr const char* KLV_OVER_SDI = "KLV over SDI";
-constexpr const char* KLV_TABLE = "KLV Table";
 }  // namespace tbl
 
 // ---- Properties ----
@@ -215,23 +197,7 @@ constexpr const char* JITTER = "Jitter";
 constexpr const char* ZIXI_LATENCY = "Zixi Latency";
 constexpr const char* RECONNECTION = "Reconnection";
 constexpr const char* SRT_LATENCY = "SRT Latency";
-// The device manager's tables
-constexpr const char* TZ = "TZ";
-constexpr const char* IP_ADDRESS = "IP Address";
-constexpr const char* BAUD_RATE = "Baud Rate";
-constexpr const char* KLV_BITRATE = "KLV Bitrate";
-constexpr const char* BITRATE = "Bitrate";
-constexpr const char* ENCAPSULATION = "Encapsulation";
-constexpr const char* INPUT_DATA_FORMAT = "Input Data Format";
 }  // namespace prop
-
-// ---- Channel rows and their members ----
-namespace row {
-constexpr const char* H264 = "H.264";  // channel 0, suffix "CH0"
-constexpr const char* HEVC = "HEVC";   // channel 1, suffix "CH1"
-constexpr const char* ALL = "ALL";
-constexpr const char* ALL_NUMERIC = "0";  // a "RowID" of "0" means "ALL"
-}  // namespace row
 
 // ---- Texts of state and configuration values ----
 namespace state {
@@ -241,13 +207,6 @@ constexpr const char* PLAYING = "Playing";
 constexpr const char* STOPPING = "Stopping";
 constexpr const char* STATUS_OK = "OK";
 constexpr const char* STATUS_ERROR = "ERROR";
-constexpr const char* BRANCH_RUN = "RUN";
-constexpr const char* BRANCH_STOP = "STOP";
-constexpr const char* ALARM_NONE = "None";
-constexpr const char* ALARM_ON = "ON";
-constexpr const char* ALARM_OFF = "OFF";
-constexpr const char* SEVERITY_INFO = "Info";
-constexpr const char* SEVERITY_DEBUG = "Debug";
 constexpr const char* INPUT_NONE = "None";  // "Input Detected" without a signal
 constexpr const char* NO_SIGNAL = "No signal";
 }  // namespace state
@@ -268,7 +227,6 @@ constexpr const char* PROFILE_ULL = "Ultra Low Latency - LAN";
 // Rate control
 constexpr const char* CBR = "CBR";
 constexpr const char* CAPPED_VBR = "Capped VBR";
-constexpr const char* VBR = "VBR";
 // KLV ingest
 constexpr const char* KLV_NONE = "None";
 constexpr const char* KLV_SERIAL = "Serial";
@@ -287,137 +245,5 @@ constexpr const char* AUDIO_HDMI_EMBEDDED = "HDMI Embedded";
 constexpr const char* GOP_I = "I";
 constexpr const char* GOP_IP = "IP";
 }  // namespace value
-
-// ---- Channel condition codes ("Fcode" of a channel and of its events) ----
-namespace cond {
-constexpr uint32_t INFO = 0x20000;             // configured, played, stopped, alarms closed
-constexpr uint32_t CHANNEL_ERROR = 0x20002;    // video input lost while playing
-constexpr uint32_t ZIXI_CONNECTION = 0x20004;  // "Zixi Connection Failed" raised
-constexpr uint32_t DATA_STREAM = 0x20008;      // "Data Stream" raised
-constexpr uint32_t FORMAT_CHANGED = 0x20010;   // stopped by the system: input format changed
-constexpr uint32_t FORCED_STOP = 0x20020;      // stopped by a user "Stop"
-}  // namespace cond
-
-// ---- Commands served ----
-namespace cmd {
-constexpr const char* ACCEPT_CHANGES = "Accept Changes";
-constexpr const char* ROLLBACK_CHANGES = "Rollback Changes";
-constexpr const char* LOAD_CHANNELS = "LOAD_CHANNELS";
-constexpr const char* STORE_CHANNELS = "STORE_CHANNELS";
-constexpr const char* ACTIVATE_ROW = "ACTIVATE_ROW";
-constexpr const char* CHANGE_ON_THE_FLY = "Change on-the-fly";
-constexpr const char* PLAY = "Play";
-constexpr const char* STOP = "Stop";
-constexpr const char* UPDATE_SOURCE = "Update Source";
-constexpr const char* SET_DVI_MODE = "Set DVI mode";
-constexpr const char* SET_ANALOG_FORMAT = "Set Analog Format";
-constexpr const char* UPDATE_ZIXI_STATISTICS = "Update Zixi Statistics";
-constexpr const char* UPDATE_SRT_STATISTICS = "Update Srt Statistics";
-// Parameters
-constexpr const char* PARAM_ROW_ID = "RowID";
-constexpr const char* PARAM_FILE = "File";
-constexpr const char* PARAM_VIDEO_SOURCE = "Video Source";
-constexpr const char* PARAM_DVI_MODE = "DVI_mode";
-constexpr const char* PARAM_ANALOG_SOURCE = "analog_source";
-constexpr const char* PARAM_TOTAL_BITRATE = "Total Bitrate";
-constexpr const char* PARAM_MAX_BITRATE = "Max Bitrate";
-constexpr const char* PARAM_TZ = "TZ";
-constexpr const char* FILE_DEFAULT = "Default";
-constexpr const char* VIDEO_SOURCE_ALL = "All";
-// The SAP announcer's commands
-constexpr const char* START_SAP = "START_SAP";
-constexpr const char* STOP_SAP = "STOP_SAP";
-constexpr const char* STOP_ALL_SAP = "STOP ALL SAP";
-// The device manager's commands
-constexpr const char* TOGGLE_KLVOSDI_INPUT = "Toggle KLVoSDI Input";
-constexpr const char* RESET_KLVOSDI_STATISTICS = "Reset KLVoSDI Statistics";
-constexpr const char* RESET_KLVOIP_STATISTICS = "Reset KLVoIP Statistics";
-constexpr const char* RESET_KLV_STATISTICS = "Reset KLV Statistics";
-}  // namespace cmd
-
-// ---- Events ----
-namespace ev {
-// Sent to the subscribers of "/tmp/sockChan"
-constexpr const char* CHANNEL_CONFIGURED = "Channel Configured";
-constexpr const char* CHANNEL_CONFIG_ERROR = "Channel Config Error";
-constexpr const char* CHANNEL_PLAYED = "Channel Played";
-constexpr const char* CHANNEL_PLAY_ERROR = "Channel Play Error";
-constexpr const char* CHANNEL_STOPPED = "Channel Stopped";
-constexpr const char* CLOSE_ALARMS = "Close Alarms";
-constexpr const char* CHANNEL_ERROR = "Channel Error";
-constexpr const char* BITRATE_RECALCULATED = "Bitrate Recalculated";
-constexpr const char* TARGET_CONNECTION_OK = "Target Connection OK";
-constexpr const char* TARGET_CONNECTION_FAILED = "Target Connection Failed";
-constexpr const char* CHANNELS_LOADED = "Channels Loaded";
-constexpr const char* CHANNELS_STORED = "Channels Stored";
-constexpr const char* VIDEO_SOURCE_UPDATED = "Video Source Updated";
-// Received from the mediator and the device manager
-constexpr const char* AUTO_DETECTION = "Auto Detection Event";
-constexpr const char* BRANCH_STARTED = "Tarnevel Branch Started";
-constexpr const char* BRANCH_STOPPED = "Tarnevel Branch Stopped";
-constexpr const char* ZIXI_CONNECTION_FAILED = "Zixi Connection Failed";
-constexpr const char* DATA_STREAM = "Data Stream";
-constexpr const char* ZIXI_CHANGE_BITRATE_REQUEST = "Zixi Change Bitrate Request";
-constexpr const char* SRT_NEW_CLIENT_REQUEST = "Srt New Client Request";
-constexpr const char* DATA_CRITICAL_ERROR = "Data Critical Error";
-constexpr const char* KLVOIP_UPDATED = "KLVoIP Updated";
-constexpr const char* KLVOSDI_UPDATED = "KLVoSDI Updated";
-constexpr const char* COM_PORT_UPDATED = "Com Port Updated";
-constexpr const char* DATE_TIME_UPDATED = "Date&Time Updated";
-// "Auto Detection Event": Source = the video source row; the detected format
-// travels as the parameter "Input Detected" ("None" when there is no signal).
-constexpr const char* PARAM_INPUT_DETECTED = "Input Detected";
-}  // namespace ev
-
-// ---- The mediator: branches and components ----
-namespace med {
-// Per-channel names, indexed by channel (0 = "H.264", 1 = "HEVC").
-using PerChannel = const char* const[2];
-constexpr PerChannel VIDEO_ENCODER = {"Video Encoder CH0", "Video Encoder CH1"};
-constexpr PerChannel TS_MULTIPLEXER = {"TS Multiplexer CH0", "TS Multiplexer CH1"};
-constexpr PerChannel RTSP_SERVER = {"Rtsp Server CH0", "Rtsp Server CH1"};
-constexpr PerChannel KLVOSDI_BRANCH = {"KLVoSDI CH0", "KLVoSDI CH1"};
-// Senders of a channel's first and second target.
-constexpr PerChannel UDP_SENDER = {"UDP Sender CH0", "UDP Sender CH1"};
-constexpr PerChannel UDP_SENDER_2 = {"UDP Sender CH0 2", "UDP Sender CH1 2"};
-constexpr PerChannel ZIXI_FEEDER = {"Zixi Feeder CH0", "Zixi Feeder CH1"};
-constexpr PerChannel ZIXI_FEEDER_2 = {"Zixi Feeder CH0 2", "Zixi Feeder CH1 2"};
-constexpr PerChannel SRT_SENDER = {"Srt Sender CH0", "Srt Sender CH1"};
-constexpr PerChannel SRT_SENDER_2 = {"Srt Sender CH0 2", "Srt Sender CH1 2"};
-constexpr const char* RTMP_SERVER_CH0 = "Rtmp Server CH0";
-// The front panel
-constexpr const char* DEVICE = "Device";
-constexpr const char* STREAMING_LED = "Streaming LED";
-constexpr const char* ERROR_LED = "Error LED";
-// Receivers of the video inputs and their detected format
-constexpr const char* SDI_RECEIVER = "SDI_RECEIVER";
-constexpr const char* CVBS_RECEIVER = "CVBS_RECEIVER";
-constexpr const char* DVI_RECEIVER = "DVI_RECEIVER";
-constexpr const char* HDMI_RECEIVER = "HDMI_RECEIVER";
-constexpr const char* VIDEO_FORMAT = "Video Format";
-// Encoder and multiplexer parameters shared by several operations
-constexpr const char* PARAM_BITRATE = "Bitrate";
-constexpr const char* PARAM_BITRATE_MARGIN = "Bitrate Margin";
-constexpr const char* PARAM_APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
-constexpr const char* PARAM_UPDATE_STATS = "Update Stats";
-constexpr const char* PARAM_STAT_BITRATE_MBPS = "Stat: Bitrate (mbps)";  // SRT senders
-constexpr const char* PARAM_SDP_DIRECTORY = "SDP directory";
-constexpr const char* PARAM_REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
-}  // namespace med
-
-// ---- Channel helpers ----
-// 0 for "H.264", 1 for "HEVC", -1 for any other row.
-inline int channelIndex(const std::string& rowId) {
-    if (rowId == row::H264) return 0;
-    if (rowId == row::HEVC) return 1;
-    return -1;
-}
-inline bool isChannelRow(const std::string& rowId) {
-    return channelIndex(rowId) >= 0;
-}
-// The channel condition code as an Fcodes value (they share the result type).
-inline Fcodes condCode(uint32_t code) {
-    return static_cast<Fcodes>(code);
-}
 
 }  // namespace vocab

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <string>
+
+#include "TarnevelWire.h"
+#include "vocab/DatasetNames.h"
+
+// The names the channel manager and its peer services must agree on: the
+// media mediator's components, parameters and events, the device manager's
+// dataset and commands, the SAP announcer's commands. tools/appliance_sim
+// plays these peers with the same names (its SimVocabulary.h takes them from
+// here). The mediator's commands are in TarnevelWire.h. Texts are compared
+// whole and case-sensitively.
+namespace vocab {
+
+// ---- The media mediator ----
+namespace med {
+// Per-channel names, indexed by channel (0 = "H.264", 1 = "HEVC").
+using PerChannel = const char* const[2];
+constexpr PerChannel VIDEO_ENCODER = {"Video Encoder CH0", "Video Encoder CH1"};
+constexpr PerChannel TS_MULTIPLEXER = {"TS Multiplexer CH0", "TS Multiplexer CH1"};
+constexpr PerChannel RTSP_SERVER = {"Rtsp Server CH0", "Rtsp Server CH1"};
+// Senders of a channel's first and second target.
+constexpr PerChannel UDP_SENDER = {"UDP Sender CH0", "UDP Sender CH1"};
+constexpr PerChannel UDP_SENDER_2 = {"UDP Sender CH0 2", "UDP Sender CH1 2"};
+constexpr PerChannel ZIXI_FEEDER = {"Zixi Feeder CH0", "Zixi Feeder CH1"};
+constexpr PerChannel ZIXI_FEEDER_2 = {"Zixi Feeder CH0 2", "Zixi Feeder CH1 2"};
+constexpr PerChannel SRT_SENDER = {"Srt Sender CH0", "Srt Sender CH1"};
+constexpr PerChannel SRT_SENDER_2 = {"Srt Sender CH0 2", "Srt Sender CH1 2"};
+// The receiver of each video source row; its "Video Format" is the format
+// it detects.
+struct SourceReceiver {
+    const char* source;
+    const char* receiver;
+};
+constexpr SourceReceiver RECEIVERS[] = {
+    {value::SRC_HD_SDI, "SDI_RECEIVER"},
+    {value::SRC_COMPOSITE, "CVBS_RECEIVER"},
+    {value::SRC_DVI_D, "DVI_RECEIVER"},
+    {value::SRC_HDMI, "HDMI_RECEIVER"},
+};
+constexpr const char* VIDEO_FORMAT = "Video Format";
+// The receiver of a video source row, null for a row without one.
+inline const char* receiverOf(const std::string& source) {
+    for (const SourceReceiver& entry : RECEIVERS)
+        if (source == entry.source)
+            return entry.receiver;
+    return nullptr;
+}
+// Encoder, multiplexer and sender parameters shared by several operations
+constexpr const char* PARAM_BITRATE = "Bitrate";
+constexpr const char* PARAM_BITRATE_MARGIN = "Bitrate Margin";
+constexpr const char* PARAM_UPDATE_STATS = "Update Stats";  // a Zixi feeder's or SRT sender's refresh
+constexpr const char* PARAM_STAT_BITRATE_MBPS = "Stat: Bitrate (mbps)";  // SRT senders
+constexpr const char* PARAM_SDP_DIRECTORY = "SDP directory";
+}  // namespace med
+
+// Branch states the mediator reports.
+namespace state {
+constexpr const char* BRANCH_RUN = tarnevel::BRANCH_RUN;
+constexpr const char* BRANCH_STOP = tarnevel::BRANCH_STOP;
+}  // namespace state
+
+// Events the mediator raises.
+namespace ev {
+constexpr const char* BRANCH_STARTED = "Tarnevel Branch Started";
+constexpr const char* BRANCH_STOPPED = "Tarnevel Branch Stopped";
+constexpr const char* ZIXI_CONNECTION_FAILED = "Zixi Connection Failed";
+constexpr const char* DATA_STREAM = "Data Stream";
+constexpr const char* ZIXI_CHANGE_BITRATE_REQUEST = "Zixi Change Bitrate Request";
+constexpr const char* SRT_NEW_CLIENT_REQUEST = "Srt New Client Request";
+// "Auto Detection Event": Source = the video source row; the detected format
+// travels as the parameter "Input Detected" ("None" when there is no signal).
+constexpr const char* AUTO_DETECTION = "Auto Detection Event";
+constexpr const char* PARAM_INPUT_DETECTED = "Input Detected";
+}  // namespace ev
+
+// ---- The device manager ("/tmp/sockDev") ----
+namespace ds {
+constexpr const char* DEVICE = "DeviceDataSet";  // read remotely
+}  // namespace ds
+namespace tbl {
+constexpr const char* KLV_OVER_IP = "KLV over IP";
+constexpr const char* KLV_TABLE = "KLV Table";
+}  // namespace tbl
+namespace prop {
+constexpr const char* ENCAPSULATION = "Encapsulation";
+constexpr const char* INPUT_DATA_FORMAT = "Input Data Format";
+}  // namespace prop
+namespace cmd {
+// "Toggle KLVoSDI Input" names the channel and whether KLV comes from SDI.
+constexpr const char* TOGGLE_KLVOSDI_INPUT = "Toggle KLVoSDI Input";
+constexpr const char* PARAM_KLV_SOURCE = "KLV Source";
+constexpr const char* PARAM_KLV_CHANNEL_ID = "ChannelID";
+constexpr const char* RESET_KLVOSDI_STATISTICS = "Reset KLVoSDI Statistics";
+constexpr const char* RESET_KLVOIP_STATISTICS = "Reset KLVoIP Statistics";
+constexpr const char* RESET_KLV_STATISTICS = "Reset KLV Statistics";
+}  // namespace cmd
+
+// ---- The SAP announcer ("/tmp/sockSap") ----
+namespace cmd {
+constexpr const char* START_SAP = "START_SAP";
+constexpr const char* STOP_SAP = "STOP_SAP";
+constexpr const char* STOP_ALL_SAP = "STOP ALL SAP";
+// The parameters that name an announced stream.
+constexpr const char* PARAM_SAP_CHANNEL_NAME = "ChannelName";
+constexpr const char* PARAM_SAP_DESTINATION_IP = "DestinationIp";
+constexpr const char* PARAM_SAP_DESTINATION_PORT = "DestinationPort";
+}  // namespace cmd
+
+}  // namespace vocab
