@@ -6,8 +6,10 @@
 
 #include "FuzzSupport.h"
 #include "TestDocuments.h"
-#include "system/SysmgtRoot.h"
-#include "tabular/DataSet.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/DataSet.h"
+
+using namespace datacom;
 
 namespace fuzz {
 

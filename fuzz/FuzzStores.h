@@ -8,7 +8,7 @@
 #include <mutex>
 #include <string>
 
-#include "holder/DataHolder.h"
+#include "datacom/DataHolder.h"
 
 namespace fuzz {
 
@@ -21,14 +21,14 @@ extern const char* const kJsonDoc;
 // until everything one input queued has been run: each input then starts
 // from the same, idle holder. Commands go through the base hook ("Accept
 // Changes", "Rollback Changes"); events are dropped after counting.
-class FuzzHolder : public DataHolder {
+class FuzzHolder : public datacom::DataHolder {
 public:
     ~FuzzHolder() override { shutdown(); }
 
-    Fcodes handle(MessageEvent* event) override;
-    Fcodes execute(const std::string& command, std::string& result) override;
-    Fcodes doHandle(MessageEvent* event) override;
-    Fcodes doExecute(const std::string& command, std::string& result) override;
+    datacom::Fcodes handle(datacom::MessageEvent* event) override;
+    datacom::Fcodes execute(const std::string& command, std::string& result) override;
+    datacom::Fcodes doHandle(datacom::MessageEvent* event) override;
+    datacom::Fcodes doExecute(const std::string& command, std::string& result) override;
     // Waits (at most 10 s) until the worker has run all that was queued; false on a hang.
     bool drain();
 

@@ -6,6 +6,7 @@
 
 #include "TestRoot.h"
 
+
 namespace fuzz {
 
 void usePrivateRoot() {

@@ -15,6 +15,7 @@
 
 #include "FuzzSupport.h"
 
+
 namespace {
 
 std::vector<std::string> inputsUnder(const std::string& path) {

@@ -24,7 +24,9 @@
 
 #include "FuzzSupport.h"
 #include "support/ChannelHarness.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

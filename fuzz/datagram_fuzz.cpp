@@ -13,12 +13,14 @@
 
 #include "FuzzStores.h"
 #include "FuzzSupport.h"
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/LocalAddress.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -1,10 +1,12 @@
 // The message header: the HEADER element of a datagram as the receive path
 // finds it, its attributes, and the header's own text read back.
 #include "FuzzSupport.h"
-#include "records/MessageHeader.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageHeader.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::usePrivateRoot();

@@ -11,9 +11,11 @@
 
 #include "FuzzStores.h"
 #include "FuzzSupport.h"
-#include "json/DataSetsFactory.h"
-#include "json/IDataSets.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DataSetsFactory.h"
+#include "datacom/IDataSets.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 namespace {
 

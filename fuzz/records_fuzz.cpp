@@ -2,10 +2,12 @@
 // into fresh records and into records that already hold parameters (the
 // parsers merge), then written and read back.
 #include "FuzzSupport.h"
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

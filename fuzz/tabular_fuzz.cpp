@@ -7,10 +7,12 @@
 
 #include "FuzzStores.h"
 #include "FuzzSupport.h"
-#include "system/SysmgtRoot.h"
-#include "tabular/DataObject.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataTable.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/DataObject.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataTable.h"
+
+using namespace datacom;
 
 namespace {
 

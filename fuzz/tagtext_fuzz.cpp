@@ -5,7 +5,9 @@
 #include <algorithm>
 
 #include "FuzzSupport.h"
-#include "records/TagText.h"
+#include "datacom/TagText.h"
+
+using namespace datacom;
 
 namespace {
 

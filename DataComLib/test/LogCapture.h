@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 
 // Points the process-wide debug log at a pipe of the test while it lives, so
 // a test can check the lines an operation logs. Other threads may log
@@ -16,10 +16,10 @@ public:
     LogCapture() {
         if (pipe2(ends, O_NONBLOCK) != 0)
             ends[0] = ends[1] = -1;
-        saved = DbgPrintClient::getInstance()->setSink(ends[1]);
+        saved = datacom::DbgPrintClient::getInstance()->setSink(ends[1]);
     }
     ~LogCapture() {
-        DbgPrintClient::getInstance()->setSink(saved);
+        datacom::DbgPrintClient::getInstance()->setSink(saved);
         close(ends[0]);
         close(ends[1]);
     }

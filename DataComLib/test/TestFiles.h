@@ -5,14 +5,14 @@
 #include <sstream>
 #include <string>
 
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
 
 // Whole-file reads and writes at logical paths under the test's root, for
 // the tests of every module.
 
 // The whole text of a file; "" when it is missing.
 inline std::string readText(const std::string& logicalPath) {
-    std::ifstream in(sysmgtPath(logicalPath), std::ios::binary);
+    std::ifstream in(datacom::sysmgtPath(logicalPath), std::ios::binary);
     std::stringstream text;
     text << in.rdbuf();
     return text.str();
@@ -20,7 +20,7 @@ inline std::string readText(const std::string& logicalPath) {
 
 // Replaces a file's content with `text`.
 inline void writeText(const std::string& logicalPath, const std::string& text) {
-    std::ofstream(sysmgtPath(logicalPath), std::ios::binary | std::ios::trunc) << text;
+    std::ofstream(datacom::sysmgtPath(logicalPath), std::ios::binary | std::ios::trunc) << text;
 }
 
 // A hook for gAtomicFileBeforeRename: the write fails with EIO just before

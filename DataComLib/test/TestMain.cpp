@@ -4,6 +4,7 @@
 
 #include "TestRoot.h"
 
+
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     TestRoot root;

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+
 namespace {
 
 int removeEntry(const char* path, const struct stat*, int, struct FTW*) {

@@ -1,12 +1,16 @@
 #include <string>
 
-#include "system/DbgPrintClient.h"
-#include "engine/IDataHolder.h"
-#include "ITarnevelClient.h"
-#include "records/MessageCommand.h"
-#include "records/TagText.h"
-#include "TarnevelWire.h"
-#include "records/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/IDataHolder.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/TagText.h"
+#include "tarnevel/TarnevelWire.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
+
+namespace tarnevel {
 
 namespace {
 
@@ -138,3 +142,5 @@ Fcodes ITarnevelClient::startTarnevelBranch(IDataHolder* holder, const std::stri
     return put(holder, tarnevel::CMD_START_BRANCH, branchParams(branch, sync, timeoutSec), tarnevel::START_WAIT_SEC,
                tarnevel::BRANCH_TRIES);
 }
+
+}  // namespace tarnevel

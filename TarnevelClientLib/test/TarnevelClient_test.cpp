@@ -4,9 +4,12 @@
 #include <functional>
 
 #include "engine/EngineTestSupport.h"
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "LogCapture.h"
-#include "records/WireConstants.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 namespace {
 

@@ -19,8 +19,11 @@
 #include <vector>
 
 #include "support/ChannelHarness.h"
-#include "ITarnevelClient.h"
-#include "system/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 using Clock = std::chrono::steady_clock;

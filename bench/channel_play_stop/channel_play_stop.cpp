@@ -16,7 +16,9 @@
 
 #include "support/ChannelHarness.h"
 #include "support/MediatorTranscript.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

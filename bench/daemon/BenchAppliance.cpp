@@ -15,9 +15,11 @@
 #include <sstream>
 #include <thread>
 
-#include "records/MessageCommand.h"
-#include "records/MessageTypes.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 namespace bench {
 

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/DataCommunicator.h"
-#include "records/MessageParams.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/MessageParams.h"
 
 namespace bench {
 
@@ -26,7 +26,7 @@ pid_t launch(const std::string& command);
 void end(pid_t pid);
 double median(std::vector<double> values);
 double percentile(std::vector<double> values, int percent);
-std::string commandText(const std::string& id, const MessageParams::ParamMap& params);
+std::string commandText(const std::string& id, const datacom::MessageParams::ParamMap& params);
 // A field of /proc/<pid>/status in KiB ("VmRSS:", "RssAnon:", "VmHWM:"); -1 without.
 long statusKiB(pid_t pid, const char* field);
 
@@ -48,7 +48,7 @@ public:
 
     // One command to the daemon through `engine`: its verdict (the ACK's or
     // NACK's Fcode) and the time it took.
-    static Fcodes command(DataCommunicator& engine, const std::string& text, double& millis);
+    static datacom::Fcodes command(datacom::DataCommunicator& engine, const std::string& text, double& millis);
 
 private:
     std::string bin, prefix, rootDir;

@@ -26,9 +26,11 @@
 #include <vector>
 
 #include "BenchAppliance.h"
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/LocalAddress.h"
-#include "records/MessageTypes.h"
+#include "datacom/MessageTypes.h"
+
+using namespace datacom;
 
 using namespace bench;
 

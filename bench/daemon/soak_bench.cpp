@@ -27,7 +27,9 @@
 #include <vector>
 
 #include "BenchAppliance.h"
-#include "engine/NullDataHolder.h"
+#include "datacom/NullDataHolder.h"
+
+using namespace datacom;
 
 using namespace bench;
 

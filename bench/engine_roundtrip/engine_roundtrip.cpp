@@ -25,12 +25,14 @@
 #include <string>
 #include <vector>
 
-#include "engine/DataCommunicator.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/DbgPrintClient.h"
 #include "engine/LocalAddress.h"
-#include "records/MessageCommand.h"
-#include "records/MessageTypes.h"
-#include "engine/NullDataHolder.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/NullDataHolder.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -13,6 +13,8 @@
 
 #include "json/DataSets.h"
 
+using namespace datacom;
+
 namespace {
 
 const std::string kSet = "ChannelDataSet";

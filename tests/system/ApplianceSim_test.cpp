@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "DaemonProcess.h"
-#include "records/WireConstants.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include "DaemonProcess.h"
 
+using namespace datacom;
+
 namespace {
 
 const std::string MEDIATOR = "--socket /tmp/sockTarnevelMediator ";

@@ -5,6 +5,8 @@
 
 #include "DaemonProcess.h"
 
+using namespace datacom;
+
 TEST(ChannelManagerCommands, LoadAndStoreTellTheFrontEndAndArchiveTheSettings) {
     DaemonSession session;
     ASSERT_TRUE(session.ready()) << session.everything();

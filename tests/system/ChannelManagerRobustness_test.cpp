@@ -14,6 +14,8 @@
 
 #include "DaemonProcess.h"
 
+using namespace datacom;
+
 namespace {
 
 // The text of a header, as the engine writes it.

@@ -17,6 +17,8 @@
 
 #include "DaemonProcess.h"
 
+using namespace datacom;
+
 namespace {
 
 // Positions of `texts` in `haystack`, each searched after the previous one;

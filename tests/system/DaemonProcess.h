@@ -18,11 +18,11 @@
 #include <thread>
 #include <vector>
 
-#include "engine/DataCommunicator.h"
-#include "engine/NullDataHolder.h"
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/NullDataHolder.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/SysmgtRoot.h"
 #include "TestFiles.h"
 #include "TestRoot.h"
 #include "ToolCommand.h"
@@ -44,7 +44,7 @@ bool waitFor(Condition ready, double limitSec) {
 
 inline bool fileExists(const std::string& logicalPath) {
     struct stat info {};
-    return stat(sysmgtPath(logicalPath).c_str(), &info) == 0;
+    return stat(datacom::sysmgtPath(logicalPath).c_str(), &info) == 0;
 }
 
 // A process started through the shell (`command` is exec'd, so the pid is the
@@ -112,7 +112,7 @@ public:
 
     explicit SimProcess(int timeoutSec = 60)
         : ChildProcess(toolCommand("appliance_sim") + " --timeout " + std::to_string(timeoutSec) + " --traffic " +
-                       sysmgtPath("/tmp/traffic.log") + " >/dev/null") {}
+                       datacom::sysmgtPath("/tmp/traffic.log") + " >/dev/null") {}
     std::string traffic() const { return readText("/tmp/traffic.log"); }
     // True once the simulator said it is ready (its sockets bound, its data loaded).
     bool waitReady() const { return waitTraffic("appliance_sim ready", START_LIMIT_SEC); }
@@ -155,7 +155,7 @@ inline bool installFactoryData() {
     for (const char* file : {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json",
                              "srtstat_data_set.json"}) {
         std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/" + file, std::ios::binary);
-        std::ofstream out(sysmgtPath(std::string("/etc/sysmgt/") + file), std::ios::binary);
+        std::ofstream out(datacom::sysmgtPath(std::string("/etc/sysmgt/") + file), std::ios::binary);
         out << in.rdbuf();
         copied = copied && in.good() && out.good();
     }
@@ -177,7 +177,7 @@ public:
         : simulator(simTimeoutSec), startFile(startFile) {
         factoryInstalled = installFactoryData();
         logger.start(toolCommand("dbglog") + " --timeout " + std::to_string(simTimeoutSec) + " > " +
-                     sysmgtPath("/tmp/dbg.log"));
+                     datacom::sysmgtPath("/tmp/dbg.log"));
         loggerReady = waitFor([] { return fileExists("/tmp/sockDbg"); }, START_LIMIT_SEC);
         simulatorReady = simulator.waitReady();
         if (loggerReady && simulatorReady)
@@ -190,9 +190,9 @@ public:
     }
 
     void startDaemon(const std::string& options = "") {
-        unlink(sysmgtPath(startFile).c_str());
+        unlink(datacom::sysmgtPath(startFile).c_str());
         daemon.start(toolCommand("channel_manager") + " -s " + startFile + " " + options + " > " +
-                     sysmgtPath("/tmp/daemon.out") + " 2>&1");
+                     datacom::sysmgtPath("/tmp/daemon.out") + " 2>&1");
         daemonReady = waitFor([this] { return !readText(startFile).empty(); }, START_LIMIT_SEC);
     }
     // Ends the daemon only, as a power cut would (SIGKILL, no clean-up).
@@ -230,7 +230,7 @@ private:
 // engine on sockets of its own that keeps every event it receives. Make it
 // inside the root of the processes it talks to. Events arrive on the engine's
 // server thread; the test reads them under the same mutex.
-class PeerClient : public NullDataHolder {
+class PeerClient : public datacom::NullDataHolder {
 public:
     explicit PeerClient(const std::string& socket = "/tmp/sockFrontEnd") : socket(socket) {
         engine.init(this, socket, socket + "Send", "tPeerClient");
@@ -238,50 +238,50 @@ public:
     }
     ~PeerClient() override { engine.stop(); }
 
-    Fcodes handle(MessageEvent* event) override {
-        std::unique_ptr<MessageEvent> owned(event);
+    datacom::Fcodes handle(datacom::MessageEvent* event) override {
+        std::unique_ptr<datacom::MessageEvent> owned(event);
         std::lock_guard<std::mutex> guard(mutex);
         events.push_back(*owned);
         arrived.notify_all();
-        return FC_OK;
+        return datacom::FC_OK;
     }
     // Subscribes to the events of `peer`.
-    Fcodes subscribe(const std::string& peer = "/tmp/sockChan") {
+    datacom::Fcodes subscribe(const std::string& peer = "/tmp/sockChan") {
         return command(peer, "SUBSCRIBE", {{"SockName", socket}});
     }
 
     // Sends a command (one try) and returns the peer's verdict: the Fcode of its
     // ACK or of its NACK, the type of which is kept in `lastReplyType` (the
     // engine's own requestCommand would turn a NACK into "Message Header Error").
-    Fcodes command(const std::string& peer, const std::string& id, const MessageParams::ParamMap& params = {},
+    datacom::Fcodes command(const std::string& peer, const std::string& id, const datacom::MessageParams::ParamMap& params = {},
                    unsigned timeoutSec = 30) {
-        MessageCommand request;
+        datacom::MessageCommand request;
         request.setId(id);
         request.params = params;
         std::string text, replyBody;
         request.toString(text);
         const std::string body = "<BODY>\n\t" + text + "\n</BODY>\n";
-        MessageHeader header, reply;
+        datacom::MessageHeader header, reply;
         header.ID = 100;
         header.Type = "COMMAND";
         header.Size = static_cast<int32_t>(body.size());
         lastReplyType.clear();
-        const Fcodes code = engine.sendRequest(peer, header, body, reply, replyBody, timeoutSec, 1);
-        if (!isOk(code))
+        const datacom::Fcodes code = engine.sendRequest(peer, header, body, reply, replyBody, timeoutSec, 1);
+        if (!datacom::isOk(code))
             return code;
         lastReplyType = reply.Type;
-        return reply.Type == "ACK" || reply.Type == "NACK" ? reply.Fcode : FC_HEADER_ERROR;
+        return reply.Type == "ACK" || reply.Type == "NACK" ? reply.Fcode : datacom::FC_HEADER_ERROR;
     }
     // The same to the channel manager.
-    Fcodes command(const std::string& id, const MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
+    datacom::Fcodes command(const std::string& id, const datacom::MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
         return command("/tmp/sockChan", id, params, timeoutSec);
     }
 
     // Waits a bounded time for an event that `match` accepts; true with it in `found`.
-    bool waitEvent(const std::function<bool(const MessageEvent&)>& match, MessageEvent& found, int limitSec = 30) {
+    bool waitEvent(const std::function<bool(const datacom::MessageEvent&)>& match, datacom::MessageEvent& found, int limitSec = 30) {
         std::unique_lock<std::mutex> lock(mutex);
         return arrived.wait_for(lock, std::chrono::seconds(limitSec), [&] {
-            for (const MessageEvent& event : events)
+            for (const datacom::MessageEvent& event : events)
                 if (match(event)) {
                     found = event;
                     return true;
@@ -289,13 +289,13 @@ public:
             return false;
         });
     }
-    bool waitEvent(const std::string& id, MessageEvent& found, int limitSec = 30) {
-        return waitEvent([&](const MessageEvent& event) { return event.id == id; }, found, limitSec);
+    bool waitEvent(const std::string& id, datacom::MessageEvent& found, int limitSec = 30) {
+        return waitEvent([&](const datacom::MessageEvent& event) { return event.id == id; }, found, limitSec);
     }
     // A configuration event ("Channels Loaded", "Channels Stored") naming `file`.
-    bool waitFileEvent(const std::string& id, const std::string& file, MessageEvent& found, int limitSec = 30) {
+    bool waitFileEvent(const std::string& id, const std::string& file, datacom::MessageEvent& found, int limitSec = 30) {
         return waitEvent(
-            [&](const MessageEvent& event) {
+            [&](const datacom::MessageEvent& event) {
                 std::string named;
                 return event.id == id && event.getParam("File", named) && named == file;
             },
@@ -304,19 +304,19 @@ public:
     std::vector<std::string> ids() {
         std::lock_guard<std::mutex> guard(mutex);
         std::vector<std::string> out;
-        for (const MessageEvent& event : events)
+        for (const datacom::MessageEvent& event : events)
             out.push_back(event.id);
         return out;
     }
 
-    DataCommunicator engine;
+    datacom::DataCommunicator engine;
     std::string lastReplyType;
 
 private:
     std::string socket;
     std::mutex mutex;
     std::condition_variable arrived;
-    std::vector<MessageEvent> events;
+    std::vector<datacom::MessageEvent> events;
 };
 
 // FrontEnd is the front end's side of a daemon session.

@@ -3,8 +3,10 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "records/MessageCommand.h"
+#include "datacom/MessageCommand.h"
 #include "SimVocabulary.h"
+
+using namespace datacom;
 
 namespace {
 

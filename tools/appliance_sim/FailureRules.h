@@ -5,9 +5,9 @@
 #include <mutex>
 #include <string>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
-class MessageCommand;
+namespace datacom { class MessageCommand; }
 
 // Injected failures of one simulated service: the next requests of a command
 // ID are answered with a failure instead of being served. Rules for the same
@@ -22,13 +22,13 @@ public:
     };
     struct Failure {
         Mode mode = Mode::Fcode;
-        Fcodes code = FC_UNAVAILABLE;
+        datacom::Fcodes code = datacom::FC_UNAVAILABLE;
     };
 
     // Adds a rule from the parameters of a "Sim Fail" command. FC_BODY_ERROR
     // when Command is missing, or Count, Mode or Fcode are not
     // understood (a Count below 1, an Fcode without failure bits).
-    Fcodes addFromCommand(const MessageCommand& command);
+    datacom::Fcodes addFromCommand(const datacom::MessageCommand& command);
     void add(const std::string& commandId, int count, const Failure& failure);
     // True, with the failure to apply, when a rule covers this request; the
     // rule's count goes down by one.

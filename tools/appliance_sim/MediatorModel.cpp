@@ -6,8 +6,10 @@
 #include <sstream>
 
 #include "SimVocabulary.h"
-#include "records/TagText.h"
-#include "TarnevelWire.h"
+#include "datacom/TagText.h"
+#include "tarnevel/TarnevelWire.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

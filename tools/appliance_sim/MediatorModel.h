@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
+#include "datacom/Fcodes.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
 
 // What the simulated media mediator knows: the state of each branch, the
 // parameters of its components, the writes it received and its assembly. It
@@ -22,14 +22,14 @@ public:
     // booleans. Replaces the table and the assembly, and stops every branch,
     // as a mediator started afresh. FC_BAD_VALUE with `error` set when the
     // text is not such an object.
-    Fcodes loadParams(const std::string& jsonText, std::string& error);
+    datacom::Fcodes loadParams(const std::string& jsonText, std::string& error);
 
     // Serves one request. `answer` starts as a copy of the request and gets
     // the answer parameter of a read; `events` receives the events to send to
     // the subscribers. FC_BODY_ERROR for missing parameters, FC_NO_SUCH_NAME
     // for an unknown command or component, and for reading an unknown
     // parameter.
-    Fcodes serve(const MessageCommand& request, MessageCommand& answer, std::vector<MessageEvent>& events);
+    datacom::Fcodes serve(const datacom::MessageCommand& request, datacom::MessageCommand& answer, std::vector<datacom::MessageEvent>& events);
 
     // The statistics of `component` as after `ticks` refreshes: a link that
     // has run for a long time (the next refresh counts on from there).
@@ -40,7 +40,7 @@ public:
     // Format" changes and an "Auto Detection Event" (Source = the row,
     // parameter "Input Detected" = format) goes into `events`. "No Such Name"
     // for a row without a receiver.
-    Fcodes setInput(const std::string& source, const std::string& format, std::vector<MessageEvent>& events);
+    datacom::Fcodes setInput(const std::string& source, const std::string& format, std::vector<datacom::MessageEvent>& events);
     // "RUN" or "STOP"; a branch never started is "STOP".
     std::string branchState(const std::string& branch) const;
     // The writes received, in order, as `Component/Parameter=value`.
@@ -54,9 +54,9 @@ public:
     std::string report() const;
 
 private:
-    Fcodes getParam(const MessageCommand& request, MessageCommand& answer) const;
-    Fcodes putParam(const MessageCommand& request);
-    Fcodes changeBranch(const MessageCommand& request, bool start, std::vector<MessageEvent>& events);
+    datacom::Fcodes getParam(const datacom::MessageCommand& request, datacom::MessageCommand& answer) const;
+    datacom::Fcodes putParam(const datacom::MessageCommand& request);
+    datacom::Fcodes changeBranch(const datacom::MessageCommand& request, bool start, std::vector<datacom::MessageEvent>& events);
     // One refresh of a Zixi feeder's or SRT sender's statistics texts.
     void advanceStats(const std::string& component);
 

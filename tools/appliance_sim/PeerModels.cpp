@@ -2,6 +2,8 @@
 
 #include "SimVocabulary.h"
 
+using namespace datacom;
+
 namespace {
 
 const char* const DEVICE_COMMANDS[] = {sim::CMD_TOGGLE_KLVOSDI_INPUT, sim::CMD_RESET_KLVOSDI_STATS,

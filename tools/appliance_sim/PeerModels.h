@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
-#include "records/MessageCommand.h"
+#include "datacom/Fcodes.h"
+#include "datacom/MessageCommand.h"
 
 // The SAP announcer's state: the streams it announces, by channel name,
 // destination address and port, each with the parameters of its START_SAP.
@@ -17,7 +17,7 @@ public:
     // announced is no error: the result is the same), "STOP ALL SAP" withdraws
     // all. FC_BODY_ERROR when a stream's name, address or port is
     // missing, FC_NO_SUCH_NAME for another command.
-    Fcodes serve(const MessageCommand& request);
+    datacom::Fcodes serve(const datacom::MessageCommand& request);
     // "ChannelName DestinationIp:DestinationPort" of each announced stream, sorted.
     std::vector<std::string> streams() const;
     // Every request served, as `ID name=value ...` (names in order), in order.
@@ -26,7 +26,7 @@ public:
 
 private:
     mutable std::mutex mutex;
-    std::map<std::string, MessageParams::ParamMap> announced;
+    std::map<std::string, datacom::MessageParams::ParamMap> announced;
     std::vector<std::string> served;
 };
 
@@ -35,7 +35,7 @@ private:
 class DeviceCommandModel {
 public:
     // FC_NO_SUCH_NAME for a command the device manager does not have.
-    Fcodes serve(const MessageCommand& request);
+    datacom::Fcodes serve(const datacom::MessageCommand& request);
     // Each command served, as `ID name=value ...`, in order.
     std::vector<std::string> commands() const;
     std::string report() const;
@@ -46,4 +46,4 @@ private:
 };
 
 // `name=value` pairs in name order, separated by blanks.
-std::string paramsText(const MessageParams& params);
+std::string paramsText(const datacom::MessageParams& params);

@@ -7,14 +7,16 @@
 #include <cstdlib>
 #include <utility>
 
-#include "engine/DataCommunicator.h"
-#include "system/DbgPrintClient.h"
-#include "records/MessageTypes.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/MessageTypes.h"
 #include "SimVocabulary.h"
-#include "system/SysmgtRoot.h"
-#include "records/TagText.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/TagText.h"
 #include "TrafficLog.h"
-#include "records/WireConstants.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

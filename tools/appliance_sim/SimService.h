@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "holder/DataHolder.h"
+#include "datacom/DataHolder.h"
 #include "FailureRules.h"
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
 
 class TrafficLog;
 
@@ -27,7 +27,7 @@ class TrafficLog;
 // Lifetime: made, started and destroyed by the main thread. Threads: the
 // serving loop alone calls execute and treats messages; the models and the
 // failure rules guard their own state.
-class SimService : public DataHolder {
+class SimService : public datacom::DataHolder {
 public:
     SimService(std::string serviceName, TrafficLog& traffic);
     // Stops serving, then the holder's worker; removes the socket files.
@@ -42,10 +42,10 @@ public:
 
     // Serves a command synchronously: the control commands, then the
     // service's own. The events it raises are sent after the answer.
-    Fcodes execute(const std::string& command, std::string& result) override;
+    datacom::Fcodes execute(const std::string& command, std::string& result) override;
     // Events sent to a simulated service are printed when they arrive and
     // otherwise ignored; the holder's worker destroys them afterwards.
-    Fcodes doHandle(MessageEvent* event) override;
+    datacom::Fcodes doHandle(datacom::MessageEvent* event) override;
 
     const std::string& serviceName() const { return shortName; }
 
@@ -53,11 +53,11 @@ protected:
     // Serves one of the service's own commands. `answer` starts as a copy of
     // the request and is sent back when it gained parameters; raised events
     // go into `events`.
-    virtual Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
-                                std::vector<MessageEvent>& events) = 0;
+    virtual datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
+                                std::vector<datacom::MessageEvent>& events) = 0;
     // A further control command of this service; FC_NO_SUCH_NAME when unknown.
     // Raised events go into `events`, sent after the answer.
-    virtual Fcodes serveControl(const MessageCommand& request, std::vector<MessageEvent>& events);
+    virtual datacom::Fcodes serveControl(const datacom::MessageCommand& request, std::vector<datacom::MessageEvent>& events);
     // What the service recorded, one entry a line.
     virtual std::string report() const = 0;
     // Called after a "SET" succeeded.
@@ -66,10 +66,10 @@ protected:
 private:
     static void* run(void* self);
     void serveLoop();
-    void serveRequest(MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
+    void serveRequest(datacom::MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
     // Answers with an injected failure; false when no rule covers the request.
-    bool injectFailure(const MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
-    void send(MessageHeader& reply, const std::string& body, sockaddr* from, socklen_t fromLength);
+    bool injectFailure(const datacom::MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
+    void send(datacom::MessageHeader& reply, const std::string& body, sockaddr* from, socklen_t fromLength);
     void emitPending();
 
     const std::string shortName;
@@ -78,7 +78,7 @@ private:
     // Raised while serving a request; sent once its answer is out. Guarded
     // by pendingMutex: a test may call execute on its own thread while the
     // serving thread sends.
-    std::vector<MessageEvent> pendingEvents;
+    std::vector<datacom::MessageEvent> pendingEvents;
     std::mutex pendingMutex;
     pthread_t thread{};
     bool running = false;
@@ -90,4 +90,4 @@ private:
 // and Severity fill the event's fields, Fcode (hex with 0x, or decimal) its
 // code, every other parameter travels as an
 // event parameter. FC_BODY_ERROR without Event.
-Fcodes eventFromCommand(const MessageCommand& command, MessageEvent& event);
+datacom::Fcodes eventFromCommand(const datacom::MessageCommand& command, datacom::MessageEvent& event);

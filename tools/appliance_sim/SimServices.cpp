@@ -3,9 +3,11 @@
 #include <fstream>
 #include <sstream>
 
-#include "system/AtomicFile.h"
+#include "datacom/AtomicFile.h"
 #include "SimVocabulary.h"
-#include "TarnevelWire.h"
+#include "tarnevel/TarnevelWire.h"
+
+using namespace datacom;
 
 bool readHostFile(const std::string& hostPath, std::string& text) {
     std::ifstream in(hostPath, std::ios::binary);

@@ -21,9 +21,9 @@ public:
     MediatorModel& model() { return mediator; }
 
 protected:
-    Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
-                        std::vector<MessageEvent>& events) override;
-    Fcodes serveControl(const MessageCommand& request, std::vector<MessageEvent>& events) override;
+    datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
+                        std::vector<datacom::MessageEvent>& events) override;
+    datacom::Fcodes serveControl(const datacom::MessageCommand& request, std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return mediator.report(); }
 
 private:
@@ -43,12 +43,12 @@ public:
     explicit DeviceService(TrafficLog& traffic) : SimService("device", traffic) {}
     // Copies the data set's file into the device manager's place under the
     // root and loads it from there. Call after start(). `error` says why not.
-    Fcodes loadDataSetFile(const std::string& hostPath, std::string& error);
+    datacom::Fcodes loadDataSetFile(const std::string& hostPath, std::string& error);
     DeviceCommandModel& model() { return commands; }
 
 protected:
-    Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
-                        std::vector<MessageEvent>& events) override;
+    datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
+                        std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return commands.report(); }
     void afterSet() override { commit(); }
 
@@ -69,8 +69,8 @@ public:
     SapModel& model() { return sap; }
 
 protected:
-    Fcodes serveCommand(const MessageCommand& request, MessageCommand& answer,
-                        std::vector<MessageEvent>& events) override;
+    datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
+                        std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return sap.report(); }
 
 private:

@@ -4,11 +4,13 @@
 #include <iomanip>
 #include <sstream>
 
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

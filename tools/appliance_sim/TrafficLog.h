@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "records/MessageHeader.h"
+#include "datacom/MessageHeader.h"
 
 // The simulator's traffic printer: one readable line per message, written to
 // standard output and, when a file is open, also to that file (flushed per
@@ -21,7 +21,7 @@ public:
     bool openFile(const std::string& hostPath);
     // Prints one message: `direction` "IN" or "OUT", `service` the socket's
     // short name, the body as it travels (BODY element included, or "").
-    void message(const char* direction, const std::string& service, const MessageHeader& header,
+    void message(const char* direction, const std::string& service, const datacom::MessageHeader& header,
                  const std::string& body);
     // Prints a free line (start-up, control actions).
     void note(const std::string& text);
@@ -31,7 +31,7 @@ public:
     //   OUT mediator EVENT #0 "Tarnevel Branch Started" Source="UDP CH0" Status="None" Fcode=0x10000 (OK)
     //   IN  device GET #9 <DataSet ID="DeviceDataSet" ><Component Name="DateTimeTable" >...
     // Replies and events end with their Fcode and its meaning; requests carry none.
-    static std::string formatLine(const char* direction, const std::string& service, const MessageHeader& header,
+    static std::string formatLine(const char* direction, const std::string& service, const datacom::MessageHeader& header,
                                   const std::string& body);
 
 private:

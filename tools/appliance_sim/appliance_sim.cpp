@@ -15,7 +15,9 @@
 #include "SimServices.h"
 #include "SimVocabulary.h"
 #include "TrafficLog.h"
-#include "records/WireConstants.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

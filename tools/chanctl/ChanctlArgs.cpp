@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+using namespace datacom;
+
 namespace {
 
 struct ActionName {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
 // What one chanctl invocation asks for: the action, its words and its options.
 enum class ChanctlAction { Help, Command, Get, Set, Listen, Event, Status };
@@ -25,7 +25,7 @@ struct ChanctlOptions {
     std::string source = "Source";
     std::string status = "None";
     std::string description;
-    Fcodes fcode = FC_OK;
+    datacom::Fcodes fcode = datacom::FC_OK;
 };
 
 // Reads the command line (without the program name) into `options`. Returns ""

@@ -6,14 +6,16 @@
 
 #include "ChanctlFormat.h"
 #include "ChanctlJson.h"
-#include "engine/DataCommunicator.h"
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
 #include "vocab/ChannelConditions.h"
 #include "vocab/DatasetNames.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

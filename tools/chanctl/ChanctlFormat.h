@@ -4,16 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
-class MessageEvent;
+namespace datacom { class MessageEvent; }
 
 // How chanctl prints what it receives. Pure functions over texts.
 
 // One line for an event: its ID, fcode, fields and parameters, every text
 // quoted (the wire cannot carry a double quote, so quoting is unambiguous),
 // line breaks inside texts shown as spaces. Ends with a newline.
-std::string eventLine(const MessageEvent& event);
+std::string eventLine(const datacom::MessageEvent& event);
 
 // The meaning of a channel's "Fcode": the names of the channel conditions it
 // holds, from the channel manager's condition table ("none" when it holds none).
@@ -38,7 +38,7 @@ struct StatusView {
     bool loaded = true;
     std::vector<std::string> labels;  // of the rows shown
     std::vector<ChannelSummary> channels;
-    Fcodes code = FC_OK;  // the OR of the reads
+    datacom::Fcodes code = datacom::FC_OK;  // the OR of the reads
 };
 
 // The line status prints before any channel data is loaded.

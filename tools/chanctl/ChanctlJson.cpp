@@ -6,11 +6,13 @@
 #include <memory>
 #include <sstream>
 
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
 #include "vocab/ChannelConditions.h"
+
+using namespace datacom;
 
 namespace {
 

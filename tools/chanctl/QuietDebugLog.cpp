@@ -8,8 +8,10 @@
 #include <iostream>
 #include <string>
 
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 // The engine logs into the debug pipe. Opening it blocks while the pipe exists
 // without a reader, and a missing pipe is announced on stdout; a client tool

@@ -16,9 +16,11 @@
 #include "ChanctlArgs.h"
 #include "ChanctlCommands.h"
 #include "QuietDebugLog.h"
-#include "engine/DataCommunicator.h"
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 namespace {
 

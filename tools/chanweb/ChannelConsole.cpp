@@ -10,8 +10,10 @@
 
 #include "ChanctlCommands.h"
 #include "ChanctlJson.h"
-#include "records/MessageEvent.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <thread>
 
 #include "ConsoleFeed.h"
-#include "engine/DataCommunicator.h"
-#include "engine/NullDataHolder.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/NullDataHolder.h"
 
 // The channel manager as the console sees it: an engine on sockets of its
 // own, subscribed to the manager's events (each goes to the feed as it
@@ -18,7 +18,7 @@
 // bitrate of each playing channel over the last minutes; and the console's
 // buttons as commands. Requests go out one at a time under one mutex: the
 // engine waits for each reply on its one send socket.
-class ChannelConsole : public NullDataHolder {
+class ChannelConsole : public datacom::NullDataHolder {
 public:
     static constexpr int REFRESH_MS = 2000;
     static constexpr int HISTORY_SEC = 300;
@@ -30,7 +30,7 @@ public:
     void start();
     void stop();
     // Called on the engine's server thread for each event of the manager.
-    Fcodes handle(MessageEvent* event) override;
+    datacom::Fcodes handle(datacom::MessageEvent* event) override;
     // One button: "play" or "stop" of the channel `row`, "load" (LOAD_CHANNELS
     // "Default") or "store" (STORE_CHANNELS to STORE_FILE). The answer as a
     // JSON line (chanctl --json's); "" when the action or the row is not one of them.
@@ -45,7 +45,7 @@ private:
 
     ConsoleFeed& feed;
     const std::string managerSocket;
-    DataCommunicator engine;
+    datacom::DataCommunicator engine;
     std::mutex requests;  // one request at a time on the engine
 
     std::mutex mutex;  // guards the fields below

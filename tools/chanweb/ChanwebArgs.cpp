@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 
+
 namespace {
 
 bool parseNumber(const std::string& text, long min, long max, long& value) {

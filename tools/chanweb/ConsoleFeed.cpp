@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+
 void ConsoleFeed::publish(const std::string& kind, const std::string& json) {
     {
         std::lock_guard<std::mutex> guard(mutex);

@@ -19,7 +19,9 @@
 #include "ChanwebArgs.h"
 #include "ConsoleFeed.h"
 #include "QuietDebugLog.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 namespace {
 

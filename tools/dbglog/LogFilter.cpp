@@ -2,7 +2,9 @@
 
 #include <strings.h>
 
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 int LogFilter::parseSeverity(const std::string& text) {
     static const char* const kNames[] = {"INFO", "WARN", "ERROR", "FATAL", "SYS"};

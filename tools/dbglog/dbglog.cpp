@@ -16,7 +16,9 @@
 #include <string>
 
 #include "LogFilter.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 namespace {
 

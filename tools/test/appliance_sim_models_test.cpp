@@ -6,8 +6,10 @@
 #include "MediatorModel.h"
 #include "PeerModels.h"
 #include "SimVocabulary.h"
-#include "TarnevelWire.h"
+#include "tarnevel/TarnevelWire.h"
 #include "TrafficLog.h"
+
+using namespace datacom;
 
 namespace {
 

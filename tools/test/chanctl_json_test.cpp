@@ -6,7 +6,9 @@
 
 #include "ChanctlArgs.h"
 #include "ChanctlJson.h"
-#include "records/MessageEvent.h"
+#include "datacom/MessageEvent.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -12,9 +12,11 @@
 #include "ChanctlArgs.h"
 #include "ChanctlFormat.h"
 #include "engine/EngineTestSupport.h"
-#include "records/MessageEvent.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/SysmgtRoot.h"
 #include "ToolCommand.h"
+
+using namespace datacom;
 
 namespace {
 

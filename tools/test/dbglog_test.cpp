@@ -6,10 +6,12 @@
 #include <cstdio>
 #include <thread>
 
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 #include "LogFilter.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
 #include "ToolCommand.h"
+
+using namespace datacom;
 
 TEST(LogFilter, SplitsChunksAndKeepsContinuationsWithTheirLine) {
     LogFilter filter(DBG_WARN);

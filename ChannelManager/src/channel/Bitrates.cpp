@@ -7,10 +7,13 @@
 #include "vocab/ValueRanges.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "ITarnevelClient.h"
-#include "holder/DataHolder.h"
-#include "records/WireConstants.h"
-#include "system/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

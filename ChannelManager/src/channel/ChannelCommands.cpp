@@ -5,8 +5,10 @@
 #include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -1,8 +1,10 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -2,6 +2,8 @@
 
 #include "manager/ChannelMngr.h"
 
+using namespace datacom;
+
 ConfigChannelTarnevel::ConfigChannelTarnevel()
     : ConfigChannelTarnevel(*ChannelMngr::getInstance(), *ChannelMngr::getInstance()) {}
 

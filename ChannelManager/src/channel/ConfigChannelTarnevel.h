@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
+#include "datacom/Fcodes.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
 
-class DataHolder;
+namespace datacom { class DataHolder; }
 class IChannelEvents;
 struct PipelineRun;
 
@@ -46,7 +46,7 @@ struct PipelineRun;
 class ConfigChannelTarnevel {
 public:
     ConfigChannelTarnevel();
-    ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events);
+    ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events);
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
 
@@ -56,28 +56,28 @@ public:
     // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
     // statistics commands, with "RowID" naming a channel, "ALL" or "0" (a
     // target row for the statistics commands).
-    Fcodes execute(const std::string& commandText, std::string& response);
-    Fcodes playChannel(const std::string& rowId);
+    datacom::Fcodes execute(const std::string& commandText, std::string& response);
+    datacom::Fcodes playChannel(const std::string& rowId);
     // A second stop of a stopped or stopping channel does nothing.
-    Fcodes stopChannel(const std::string& rowId);
+    datacom::Fcodes stopChannel(const std::string& rowId);
     // Raises "Channel Error" when a playing channel's video input is gone.
-    Fcodes updateChannelStatus(const std::string& rowId);
+    datacom::Fcodes updateChannelStatus(const std::string& rowId);
     // Copies the effective encoder and multiplexer values into the summary.
-    Fcodes updateChannel(const std::string& rowId);
+    datacom::Fcodes updateChannel(const std::string& rowId);
     // Reads back what the encoder chose by itself into the encoder settings.
-    Fcodes updateAutomaticParams(const std::string& rowId);
+    datacom::Fcodes updateAutomaticParams(const std::string& rowId);
     // Start-up: configures both channels, replays those that were playing.
-    Fcodes configChannels();
-    Fcodes reconfigChannelFormat(const std::string& rowId);
+    datacom::Fcodes configChannels();
+    datacom::Fcodes reconfigChannelFormat(const std::string& rowId);
     // Polls the branch every 5 ms; running out of time is not a failure.
-    Fcodes waitWhileInTransition(const std::string& branch, const std::string& wantedState, int timeoutMs);
+    datacom::Fcodes waitWhileInTransition(const std::string& branch, const std::string& wantedState, int timeoutMs);
     // Borrows the event; checks it against the channel state, changes nothing.
-    Fcodes handleTarnevelBranchEvent(MessageEvent* event);
-    Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
-    Fcodes getRowId(const std::string& branch, std::string& rowId);
+    datacom::Fcodes handleTarnevelBranchEvent(datacom::MessageEvent* event);
+    datacom::Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
+    datacom::Fcodes getRowId(const std::string& branch, std::string& rowId);
     // Instances of a component whose `keyProperty` equals `keyValue`, in
     // document order (a channel's targets or audio rows by "Channel ID").
-    Fcodes getChildInstances(const std::string& dataSet, const std::string& component,
+    datacom::Fcodes getChildInstances(const std::string& dataSet, const std::string& component,
                              const std::string& keyProperty, const std::string& keyValue,
                              std::vector<std::string>& instances);
     // The same search over a component whose instances are an array: the
@@ -87,22 +87,22 @@ public:
     int getNextChildRowId(const std::string& dataSet, const std::string& component, const std::string& keyProperty,
                           const std::string& keyValue, int index);
     // Writes the non-zero backup bitrates back, then clears the backup.
-    Fcodes restoreChannelParameters(const std::string& rowId);
-    Fcodes clearChannelParametersBackup(const std::string& rowId);
+    datacom::Fcodes restoreChannelParameters(const std::string& rowId);
+    datacom::Fcodes clearChannelParametersBackup(const std::string& rowId);
 
     // ---- Input format validation (channel/InputFormatValidation.cpp) ----
 
     // "Unavailable" when the detected input cannot feed the channel's
     // encoding format at its frame sampling, or breaks the HEVC GOP rule.
-    Fcodes validateInputFormat(const std::string& rowId);
+    datacom::Fcodes validateInputFormat(const std::string& rowId);
 
     // ---- Bitrates (channel/Bitrates.cpp) ----
 
     // totalBitrate 0 on entry: the total from videoBitrate; otherwise the
     // video bitrate from the total. audioBitrate and klvBitrate are outputs.
-    Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
+    datacom::Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
                         int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
-    Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
+    datacom::Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
     // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
     // range with a log line under `op`; 0 when `video` is 0.
     static int32_t bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video);
@@ -110,52 +110,52 @@ public:
     // ---- Pipeline configuration (pipeline/) ----
 
     // The channel's rows turned into the parameters of its mediator components.
-    Fcodes configChannel(const std::string& rowId);
+    datacom::Fcodes configChannel(const std::string& rowId);
     // "Brightness", "Contrast", "Saturation", "Hue" of "ChannelAVSettings".
     // `pending`: apply the values being accepted (the store's pending
     // values, else the committed ones) instead of the committed values.
-    Fcodes configAVSettings(const std::string& rowId, bool pending = false);
+    datacom::Fcodes configAVSettings(const std::string& rowId, bool pending = false);
     // "Audio Gain" of an audio row ("H.264 Audio1" ...); `pending` as above.
-    Fcodes configAudioGain(const std::string& audioRowId, bool pending = false);
+    datacom::Fcodes configAudioGain(const std::string& audioRowId, bool pending = false);
 
     // ---- Stream statistics (side/StreamStatistics.cpp) and data-stream events (side/DataStreamEvents.cpp) ----
 
     // `targetRowId` is a target row ("HEVC Target1" ... "H.264 Target2").
-    Fcodes updateZixiStatistics(const std::string& targetRowId);
-    Fcodes updateSrtStatistics(const std::string& targetRowId);
+    datacom::Fcodes updateZixiStatistics(const std::string& targetRowId);
+    datacom::Fcodes updateSrtStatistics(const std::string& targetRowId);
     // The number in front of `key` in a comma-separated statistics text; 0 without.
     static uint64_t parseZixiStat(const std::string& text, const std::string& key);
     // "Data Stream", "Zixi Connection Failed", "Zixi Change Bitrate Request",
     // "Srt New Client Request"; borrows the event.
-    Fcodes handleDataStreamEvent(MessageEvent* event);
+    datacom::Fcodes handleDataStreamEvent(datacom::MessageEvent* event);
 
     // ---- SAP, KLV, target probes and LEDs (side/SapAnnouncements.cpp, side/KlvBranches.cpp,
     //      side/TargetProbes.cpp, side/FrontPanelLeds.cpp) ----
 
     // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
-    Fcodes sapAction(const std::string& rowId);
+    datacom::Fcodes sapAction(const std::string& rowId);
     // Starts the channel's KLV branch while it plays, stops it otherwise.
-    Fcodes klvAction(const std::string& rowId);
+    datacom::Fcodes klvAction(const std::string& rowId);
     // While the channel plays: stops its KLV branches that run but that its
     // settings no longer name (unless the other playing channel uses them),
     // then starts the named ones as klvAction does. Run by configChannel.
-    Fcodes klvFollowSettings(const std::string& rowId);
+    datacom::Fcodes klvFollowSettings(const std::string& rowId);
     // Starts a bounded probe thread per enabled unicast target.
-    Fcodes testConnectionToTarget(const std::string& rowId);
+    datacom::Fcodes testConnectionToTarget(const std::string& rowId);
     // "ping -c 1", then "traceroute -I"; sends "Target Connection OK" or "...Failed".
     void traceroute(const std::string& rowId, const std::string& address);
     // Sets the integer LED parameter `led` of the mediator's "Device".
-    Fcodes setLed(const std::string& led, int value);
-    Fcodes updateStreamAndErrorLeds();
+    datacom::Fcodes setLed(const std::string& led, int value);
+    datacom::Fcodes updateStreamAndErrorLeds();
 
     // ---- Video sources (channel/VideoSources.cpp) ----
 
     // Refreshes one source ("VideoSourceDataSet" row) and re-validates the
     // channels that use it.
-    Fcodes updateVideoSource(const std::string& videoSource);
+    datacom::Fcodes updateVideoSource(const std::string& videoSource);
     // The same for an "Auto Detection Event" (Source = the source row); borrows it.
-    Fcodes updateVideoSource(MessageEvent* event);
-    Fcodes triggerVideoSource(const std::string& videoSource);
+    datacom::Fcodes updateVideoSource(datacom::MessageEvent* event);
+    datacom::Fcodes triggerVideoSource(const std::string& videoSource);
 
 private:
     // ---- configChannel's sections, in the order they run ----
@@ -206,28 +206,28 @@ private:
     void configSummary(PipelineRun& run);           // 27
 
     // ---- Side-action helpers (side/DataStreamEvents.cpp, channel/VideoSources.cpp) ----
-    Fcodes zixiChangeBitrate(const MessageEvent& event);
-    Fcodes srtNewClient();
+    datacom::Fcodes zixiChangeBitrate(const datacom::MessageEvent& event);
+    datacom::Fcodes srtNewClient();
     // Writes a source's detected format, makes its channels follow, tells the subscribers.
-    Fcodes applyDetectedInput(const std::string& videoSource, const std::string& format);
+    datacom::Fcodes applyDetectedInput(const std::string& videoSource, const std::string& format);
     // One channel on the source follows its input; caller holds the holder lock.
-    Fcodes followInput(const std::string& rowId, const std::string& videoSource);
+    datacom::Fcodes followInput(const std::string& rowId, const std::string& videoSource);
 
     // ---- Command entry (channel/ChannelCommands.cpp) ----
 
     // One command on one channel row; "ALL" is expanded by execute.
-    Fcodes activateRow(const std::string& rowId, const MessageCommand& command);
-    Fcodes changeOnTheFly(const std::string& rowId, const MessageCommand& command);
-    Fcodes changeOnTheFlyAll();
-    Fcodes play(const std::string& rowId, const MessageCommand& command);
-    Fcodes stop(const std::string& rowId, const MessageCommand& command);
+    datacom::Fcodes activateRow(const std::string& rowId, const datacom::MessageCommand& command);
+    datacom::Fcodes changeOnTheFly(const std::string& rowId, const datacom::MessageCommand& command);
+    datacom::Fcodes changeOnTheFlyAll();
+    datacom::Fcodes play(const std::string& rowId, const datacom::MessageCommand& command);
+    datacom::Fcodes stop(const std::string& rowId, const datacom::MessageCommand& command);
     // The statistics commands on one target row.
-    Fcodes zixiStatistics(const std::string& targetRowId, const MessageCommand& command);
-    Fcodes srtStatistics(const std::string& targetRowId, const MessageCommand& command);
+    datacom::Fcodes zixiStatistics(const std::string& targetRowId, const datacom::MessageCommand& command);
+    datacom::Fcodes srtStatistics(const std::string& targetRowId, const datacom::MessageCommand& command);
     // The forced stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
-    Fcodes forcedStop(const std::string& rowId);
+    datacom::Fcodes forcedStop(const std::string& rowId);
     // "Stop" on "ALL": every channel, then "STOP ALL SAP".
-    Fcodes stopAll();
+    datacom::Fcodes stopAll();
     // The instances of "ChannelsTable": the rows "ALL" stands for.
     std::vector<std::string> channelRows();
 
@@ -237,30 +237,30 @@ private:
     // start: "Channel Play Error", stopChannel, and `failed` is set with the
     // start's code in `result`. Otherwise `result` holds the code of the last
     // target visited (reads and branch lookup).
-    void startTargets(const std::string& rowId, const std::vector<std::string>& targets, Fcodes& result,
+    void startTargets(const std::string& rowId, const std::vector<std::string>& targets, datacom::Fcodes& result,
                       bool& failed);
     // Stops the running branches of the enabled targets of one kind (Zixi or
     // not); sets `stopFailed` when a stop was refused.
-    Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi, bool& stopFailed);
+    datacom::Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi, bool& stopFailed);
 
     // ---- Read-back (channel/EncoderReadback.cpp) ----
 
     // The effective encoder and multiplexer values into the encoder settings.
-    Fcodes writeBackEncoderSettings(const std::string& rowId);
+    datacom::Fcodes writeBackEncoderSettings(const std::string& rowId);
 
     // ---- Bitrates (channel/Bitrates.cpp) ----
 
-    Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
+    datacom::Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
     // The per-channel floors of the video bitrate and of the maximum, shared
     // by a configuration and an on-the-fly change; logs under `operation`.
-    Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate, bool pcrOnVideoPid,
+    datacom::Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate, bool pcrOnVideoPid,
                               int& video, int& total, int& max, bool& totalRaised, bool& maxRaised);
     // The encoder's "Bitrate Margin" for a video bitrate and a maximum.
-    Fcodes encoderMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
+    datacom::Fcodes encoderMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
                          bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid, int& margin);
     void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
                             int value);
 
-    DataHolder& holder;
+    datacom::DataHolder& holder;
     IChannelEvents& events;
 };

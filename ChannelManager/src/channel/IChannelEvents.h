@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
 // What the channel logic asks of its manager besides the data holder: the
 // channel events broadcast to the subscribers of "/tmp/sockChan" and the
@@ -19,5 +19,5 @@ public:
     virtual void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) = 0;
     virtual void sendSourceEvent(const std::string& input, bool off, const std::string& description) = 0;
     // "STOP ALL SAP" to the SAP announcer; its result OR "OK".
-    virtual Fcodes sapStopAll() = 0;
+    virtual datacom::Fcodes sapStopAll() = 0;
 };

@@ -6,9 +6,12 @@
 #include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "ITarnevelClient.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

@@ -2,6 +2,7 @@
 
 #include <map>
 
+
 namespace videoformat {
 
 // Rows deliberately kept as the appliance has them: "1280x720p @ 30" allows

@@ -6,10 +6,13 @@
 #include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "side/SideActionSupport.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

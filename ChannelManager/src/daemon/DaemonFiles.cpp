@@ -10,7 +10,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 bool writePidFile(const std::string& path) {
     FILE* file = std::fopen(sysmgtPath(path).c_str(), "w");

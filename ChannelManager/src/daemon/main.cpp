@@ -11,7 +11,9 @@
 
 #include "manager/ChannelMngr.h"
 #include "daemon/DaemonFiles.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 int main(int argc, char** argv) {
     bool detach = false;

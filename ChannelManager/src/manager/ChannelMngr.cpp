@@ -12,10 +12,12 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "records/MessageCommand.h"
-#include "records/WireConstants.h"
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -10,9 +10,9 @@
 #include <string_view>
 
 #include "channel/IChannelEvents.h"
-#include "holder/DataHolder.h"
+#include "datacom/DataHolder.h"
 
-class MessageCommand;
+namespace datacom { class MessageCommand; }
 
 // The channel manager: the one application service of the daemon. A data
 // holder that owns the channel, video-source and statistics datasets, serves
@@ -30,7 +30,7 @@ class MessageCommand;
 // change acceptance), manager/ChannelMngrCommands.cpp (execute, doExecute, deleteRow),
 // manager/ChannelMngrEventDispatch.cpp (doHandle), manager/ChannelMngrBroadcast.cpp (outgoing
 // events), manager/ChannelMngrTimer.cpp (the periodic source refresh).
-class ChannelMngr : public DataHolder, public IChannelEvents {
+class ChannelMngr : public datacom::DataHolder, public IChannelEvents {
 public:
     static ChannelMngr* getInstance();
     // Stops the refresh timer and its thread, then the engine and the worker.
@@ -43,30 +43,30 @@ public:
     void init();
     // Applies pending "ChannelAVSettings" and "Audio Source Table" changes to
     // the running channels, then commits every pending change.
-    Fcodes acceptChanges() override;
+    datacom::Fcodes acceptChanges() override;
     // Stops every channel, loads the file (merged with the factory defaults
     // unless it is the factory file), drops the channel data's pending edits
     // and configures both channels.
-    Fcodes loadChannels(const std::string& path);
+    datacom::Fcodes loadChannels(const std::string& path);
     // Refreshes every video source of "VideoSourceDataSet"; the OR of the results.
-    Fcodes initSources();
+    datacom::Fcodes initSources();
     // Configures both channels from the loaded data; always "OK".
-    Fcodes initChannels();
+    datacom::Fcodes initChannels();
 
     // ---- Commands (manager/ChannelMngrCommands.cpp) ----
 
     // Answers a command synchronously on the calling thread; commands it does
     // not know are queued for the worker, which refuses them.
-    Fcodes execute(const std::string& commandText, std::string& result) override;
+    datacom::Fcodes execute(const std::string& commandText, std::string& result) override;
     // Refuses every queued command: this service does its command work in execute.
-    Fcodes doExecute(const std::string& commandText, std::string& result) override;
+    datacom::Fcodes doExecute(const std::string& commandText, std::string& result) override;
     // Not supported: "Unavailable".
-    Fcodes deleteRow(const std::string& table, int rowId) override;
+    datacom::Fcodes deleteRow(const std::string& table, int rowId) override;
 
     // ---- Events (manager/ChannelMngrEventDispatch.cpp) ----
 
     // Worker hook for queued events. Borrows the event: the worker deletes it.
-    Fcodes doHandle(MessageEvent* event) override;
+    datacom::Fcodes doHandle(datacom::MessageEvent* event) override;
     // The channel a Zixi-side event belongs to, from the feeder its
     // description names: "HEVC", "H.264", or "" when it names neither.
     static std::string feederChannel(const std::string& description);
@@ -80,7 +80,7 @@ public:
                    const std::string& status, const std::string& severity, const std::string& description) override;
     // "Video Source Updated", source = input, status "OFF" when the source went away, else "ON".
     void sendSourceEvent(const std::string& input, bool off, const std::string& description) override;
-    Fcodes sapStopAll() override;
+    datacom::Fcodes sapStopAll() override;
 
     // ---- Periodic source refresh (manager/ChannelMngrTimer.cpp) ----
 
@@ -103,21 +103,21 @@ protected:
     ChannelMngr() = default;
     // The KLV-ingest reconfiguration's action on one channel: configChannel.
     // A seam, so that tests can watch which channels are reconfigured.
-    virtual Fcodes reconfigureChannel(const std::string& rowId);
+    virtual datacom::Fcodes reconfigureChannel(const std::string& rowId);
     // Period of the source refresh timer.
     std::chrono::milliseconds timerPeriod{30000};
 
 private:
     // The holder's own init(name) is a step of init(), not to be called alone.
-    using DataHolder::init;
-    using CommandHandler = Fcodes (ChannelMngr::*)(const MessageCommand&, const std::string&, std::string&);
+    using datacom::DataHolder::init;
+    using CommandHandler = datacom::Fcodes (ChannelMngr::*)(const datacom::MessageCommand&, const std::string&, std::string&);
     // The ID's length is known when the table is made, so a route of another
     // length is passed over without comparing texts.
     struct CommandRoute {
         std::string_view id;
         CommandHandler run;
     };
-    using EventHandler = Fcodes (ChannelMngr::*)(MessageEvent&);
+    using EventHandler = datacom::Fcodes (ChannelMngr::*)(datacom::MessageEvent&);
     struct EventRoute {
         const char* id;
         EventHandler run;
@@ -125,30 +125,30 @@ private:
     static const CommandRoute commandRoutes[];
     static const EventRoute eventRoutes[];
 
-    Fcodes runAcceptChanges(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runRollbackChanges(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runLoadChannels(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runStoreChannels(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runChannelCommand(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runUpdateSource(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runSetDviMode(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runSetAnalogFormat(const MessageCommand& command, const std::string& text, std::string& result);
-    Fcodes runStatistics(const MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runAcceptChanges(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runRollbackChanges(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runLoadChannels(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runStoreChannels(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runChannelCommand(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runUpdateSource(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runSetDviMode(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runSetAnalogFormat(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runStatistics(const datacom::MessageCommand& command, const std::string& text, std::string& result);
     // "Set DVI mode" and "Set Analog Format": the parameter is required, never applied.
-    Fcodes acceptIgnoredParameter(const MessageCommand& command, const std::string& text, const char* parameter);
+    datacom::Fcodes acceptIgnoredParameter(const datacom::MessageCommand& command, const std::string& text, const char* parameter);
 
-    Fcodes onAutoDetection(MessageEvent& event);
-    Fcodes onBranchEvent(MessageEvent& event);
-    Fcodes onFeederEvent(MessageEvent& event);
-    Fcodes onSrtNewClient(MessageEvent& event);
-    Fcodes onIgnored(MessageEvent& event);
-    Fcodes onKlvOverIp(MessageEvent& event);
-    Fcodes onKlvOverSdi(MessageEvent& event);
-    Fcodes onComPort(MessageEvent& event);
-    Fcodes onDateTime(MessageEvent& event);
+    datacom::Fcodes onAutoDetection(datacom::MessageEvent& event);
+    datacom::Fcodes onBranchEvent(datacom::MessageEvent& event);
+    datacom::Fcodes onFeederEvent(datacom::MessageEvent& event);
+    datacom::Fcodes onSrtNewClient(datacom::MessageEvent& event);
+    datacom::Fcodes onIgnored(datacom::MessageEvent& event);
+    datacom::Fcodes onKlvOverIp(datacom::MessageEvent& event);
+    datacom::Fcodes onKlvOverSdi(datacom::MessageEvent& event);
+    datacom::Fcodes onComPort(datacom::MessageEvent& event);
+    datacom::Fcodes onDateTime(datacom::MessageEvent& event);
     // Reconfigures, one by one under the holder lock, the channels whose
     // "Ingest KLV" or "Ingest KLV2" is `transport`.
-    Fcodes reconfigureKlvIngest(const std::string& transport);
+    datacom::Fcodes reconfigureKlvIngest(const std::string& transport);
 
     static void* refreshWork(void* self);
     void refreshLoop();

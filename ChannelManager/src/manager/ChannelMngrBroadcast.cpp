@@ -4,9 +4,11 @@
 
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
-#include "records/MessageCommand.h"
-#include "records/WireConstants.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -8,10 +8,12 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "records/MessageCommand.h"
+#include "datacom/MessageCommand.h"
 #include "side/BoundedCommand.h"
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -10,8 +10,10 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -12,8 +12,10 @@
 
 #include "manager/ChannelMngr.h"
 #include "vocab/ChannelWireTexts.h"
-#include "records/MessageCommand.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

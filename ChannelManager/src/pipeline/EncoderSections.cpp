@@ -7,7 +7,9 @@
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

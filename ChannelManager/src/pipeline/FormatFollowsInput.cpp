@@ -4,10 +4,13 @@
 #include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "channel/VideoFormatTables.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

@@ -3,10 +3,12 @@
 #include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "holder/DataHolder.h"
-#include "records/MessageCommand.h"
-#include "records/WireConstants.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -4,6 +4,8 @@
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 // Section 25: the transport-stream multiplexer of the channel.

@@ -3,9 +3,12 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "ITarnevelClient.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

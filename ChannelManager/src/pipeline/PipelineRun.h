@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
-class DataHolder;
+namespace datacom { class DataHolder; }
 
 // The working state of one configChannel run, shared by its sections
 // (pipeline/): the channel, the mediator's assembly (read
@@ -15,7 +15,7 @@ class DataHolder;
 // every read and write is OR-ed into. Owned by configChannel's stack frame.
 struct PipelineRun {
     // `operation` names the operation in the log lines ("configChannel").
-    PipelineRun(DataHolder& holder, const std::string& rowId, const char* operation = "configChannel");
+    PipelineRun(datacom::DataHolder& holder, const std::string& rowId, const char* operation = "configChannel");
     // Reads the mediator's assembly (once per run).
     void readAssembly();
 
@@ -48,7 +48,7 @@ struct PipelineRun {
     // The one write path of both put forms: the assembly check, then `send`,
     // then the failure line with the value as `shown`.
     void write(const std::string& component, const std::string& parameter, const std::string& shown,
-               const std::function<Fcodes()>& send);
+               const std::function<datacom::Fcodes()>& send);
     // Writes "Enable" = true and remembers the component as used by this run
     // (configUnusedComponents turns off the channel's others).
     void enable(const std::string& component);
@@ -58,12 +58,12 @@ struct PipelineRun {
     // The per-channel component name: "<base>CH0" / "<base>CH1".
     std::string comp(const std::string& base) const { return base + suffix; }
 
-    DataHolder& holder;
+    datacom::DataHolder& holder;
     const std::string rowId;
     const char* const operation;
     const int channel;         // 0 = "H.264", 1 = "HEVC"
     const std::string suffix;  // "CH0" / "CH1"
-    Fcodes result = FC_OK;
+    datacom::Fcodes result = datacom::FC_OK;
     std::string status;  // the channel's "Status" at the start of the run
     std::string assembly;
     bool assemblyRead = false;

@@ -6,6 +6,8 @@
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 // Section 27: the channel summary of "ChannelsTable", then the picture

@@ -6,8 +6,10 @@
 #include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -1,5 +1,7 @@
 #include "pipeline/PipelineRun.h"
 
+using namespace datacom;
+
 // Every configuration text of a channel and the mediator text it becomes.
 // A text missing from its table is logged as " Unknown ...=" by the section
 // that looks it up, and the parameter is left as it was.

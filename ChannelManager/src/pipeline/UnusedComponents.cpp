@@ -5,8 +5,11 @@
 #include "vocab/PeerNames.h"
 #include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "ITarnevelClient.h"
-#include "holder/DataHolder.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "datacom/DataHolder.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

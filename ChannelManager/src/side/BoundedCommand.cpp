@@ -10,7 +10,9 @@
 #include <cerrno>
 #include <chrono>
 
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 extern char** environ;
 

@@ -3,10 +3,13 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "side/SideActionSupport.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

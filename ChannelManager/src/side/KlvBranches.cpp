@@ -4,12 +4,15 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "side/SideActionSupport.h"
-#include "holder/DataHolder.h"
-#include "records/MessageCommand.h"
-#include "records/WireConstants.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

@@ -1,5 +1,6 @@
 #include "side/ProbeRegistry.h"
 
+
 ProbeRegistry& ProbeRegistry::instance() {
     // Never destroyed: a detached probe may still end after main returned.
     static ProbeRegistry* registry = new ProbeRegistry();

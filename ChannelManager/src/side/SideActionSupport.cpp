@@ -2,6 +2,8 @@
 
 #include <limits>
 
+using namespace datacom;
+
 namespace side {
 
 int32_t clampToInt(unsigned long long value) {

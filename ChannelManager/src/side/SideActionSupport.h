@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "holder/DataHolder.h"
-#include "records/Fcodes.h"
+#include "datacom/DataHolder.h"
+#include "datacom/Fcodes.h"
 
 // Small helpers shared by the side actions of the channel logic (statistics,
 // data-stream events, SAP, KLV, probes, LEDs, video sources). Internal to

@@ -12,8 +12,10 @@
 #include "channel/IChannelEvents.h"
 #include "side/ProbeRegistry.h"
 #include "side/SideActionSupport.h"
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

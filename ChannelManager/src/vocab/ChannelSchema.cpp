@@ -2,6 +2,7 @@
 
 #include "vocab/DatasetNames.h"
 
+
 using namespace vocab;
 
 const std::vector<SchemaEntry>& channelSchema() {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
 // What the channel manager's clients see on "/tmp/sockChan": the channel
 // rows a command names, the commands it serves with their parameters, the
@@ -99,8 +99,8 @@ inline bool holds(uint32_t fcode, uint32_t condition) {
     return (fcode & condition) == condition;
 }
 // The channel condition code as an Fcodes value (they share the result type).
-inline Fcodes condCode(uint32_t code) {
-    return static_cast<Fcodes>(code);
+inline datacom::Fcodes condCode(uint32_t code) {
+    return static_cast<datacom::Fcodes>(code);
 }
 
 }  // namespace vocab

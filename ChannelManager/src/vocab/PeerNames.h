@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "TarnevelWire.h"
+#include "tarnevel/TarnevelWire.h"
 #include "vocab/DatasetNames.h"
 
 // The names the channel manager and its peer services must agree on: the

@@ -5,6 +5,8 @@
 
 #include "support/ChannelHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "support/ChannelHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 // "Change on-the-fly" needs both bitrates, reads them with base detection

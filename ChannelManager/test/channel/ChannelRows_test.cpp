@@ -6,6 +6,8 @@
 
 #include "support/ChannelHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include "support/ChannelHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 namespace {

@@ -6,8 +6,11 @@
 #include <vector>
 
 #include "support/ChannelHarness.h"
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "support/MediatorTranscript.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

@@ -4,6 +4,7 @@
 
 #include "channel/VideoFormatTables.h"
 
+
 namespace {
 
 // The rows of the format matrix the appliance relies on, including the ones

@@ -10,7 +10,9 @@
 #include "daemon/DaemonFiles.h"
 #include "TestFiles.h"
 #include "TestRoot.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 TEST(DaemonFiles, PidAndStartFilesUnderTheRoot) {
     TestRoot root;

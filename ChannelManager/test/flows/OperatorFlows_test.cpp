@@ -8,12 +8,15 @@
 #include <functional>
 #include <sstream>
 
-#include "ITarnevelClient.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "side/BoundedCommand.h"
 #include "side/ProbeRegistry.h"
 #include "support/ChannelPipelineSupport.h"
 #include "support/ManagerHarness.h"
 #include "support/MediatorTranscript.h"
+
+using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 

@@ -8,7 +8,9 @@
 #include <fstream>
 
 #include "support/ManagerHarness.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

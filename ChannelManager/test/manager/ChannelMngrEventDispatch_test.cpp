@@ -7,6 +7,8 @@
 
 #include "support/ManagerHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 TEST(ChannelMngrEventDispatch, FeederClassificationNamesTheChannel) {

@@ -8,6 +8,8 @@
 #include "pipeline/PipelineRun.h"
 #include "channel/VideoFormatTables.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 TEST(FormatFollowsInput, TheEncodingFormatFollowsTheInput) {

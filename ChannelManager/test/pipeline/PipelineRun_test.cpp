@@ -7,7 +7,9 @@
 
 #include "support/ChannelPipelineSupport.h"
 #include "SimVocabulary.h"
-#include "TarnevelWire.h"
+#include "tarnevel/TarnevelWire.h"
+
+using namespace datacom;
 
 using namespace vocab;
 

@@ -4,6 +4,8 @@
 
 #include "support/ChannelPipelineSupport.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 TEST(SummarySection, TheSummaryDescribesTheConfiguredChannel) {

@@ -5,6 +5,8 @@
 
 #include "pipeline/PipelineRun.h"
 
+using namespace datacom;
+
 TEST(TargetSenders, TransportValuesFollowTheTargets) {
     struct Granularity {
         int packetSize;

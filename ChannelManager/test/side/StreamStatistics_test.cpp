@@ -2,6 +2,8 @@
 
 #include "support/ChannelHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 TEST(StreamStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {

@@ -10,6 +10,8 @@
 #include "side/ProbeRegistry.h"
 #include "support/ChannelHarness.h"
 
+using namespace datacom;
+
 using namespace vocab;
 
 namespace {

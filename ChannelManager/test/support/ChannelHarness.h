@@ -22,9 +22,9 @@
 #include "vocab/PeerNames.h"
 #include "SimServices.h"
 #include "TrafficLog.h"
-#include "holder/DataHolder.h"
-#include "records/MessageCommand.h"
-#include "records/WireConstants.h"
+#include "datacom/DataHolder.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/WireConstants.h"
 
 // Copies a factory dataset of etc/sysmgt (by file name) to its logical path
 // under the test's root, e.g. installFactoryFile(root, "vsrc_data_set.json").
@@ -44,7 +44,7 @@ using Params = std::vector<std::pair<std::string, std::string>>;
 
 // A command's text as the engine hands it to execute, e.g. commandText("Play", {{"RowID", "HEVC"}}).
 inline std::string commandText(const std::string& id, const Params& params = {}) {
-    MessageCommand command;
+    datacom::MessageCommand command;
     command.setId(id);
     for (const auto& [name, value] : params)
         command.addParam(name, value);
@@ -54,9 +54,9 @@ inline std::string commandText(const std::string& id, const Params& params = {})
 }
 
 // An event as the mediator or the device manager sends it.
-inline MessageEvent mediatorEvent(const std::string& id, const std::string& source, const std::string& status,
+inline datacom::MessageEvent mediatorEvent(const std::string& id, const std::string& source, const std::string& status,
                                   const Params& params = {}) {
-    MessageEvent event;
+    datacom::MessageEvent event;
     event.id = id;
     event.source = source;
     event.status = status;
@@ -103,9 +103,9 @@ public:
     void sendSourceEvent(const std::string& input, bool off, const std::string& description) override {
         add({"Video Source Updated", input, 0, off ? "OFF" : "ON", "Info", description});
     }
-    Fcodes sapStopAll() override {
+    datacom::Fcodes sapStopAll() override {
         add({"STOP ALL SAP", "", 0, "", "", ""});
-        return FC_OK;
+        return datacom::FC_OK;
     }
     std::vector<RecordedEvent> events() const {
         std::lock_guard<std::mutex> guard(mutex);
@@ -134,17 +134,17 @@ private:
 // The channel manager's holder in a test: the four factory datasets loaded
 // from the test root, and an engine on the manager's sockets for requests to
 // the peers. It subscribes to nobody, so no event reaches doHandle.
-class ChannelTestHolder : public DataHolder {
+class ChannelTestHolder : public datacom::DataHolder {
 public:
     ChannelTestHolder() {
         init("tChMngrTest");
         for (const char* file : kFactoryFiles) loaded |= loadDataSet(std::string("/etc/sysmgt/") + file);
-        getDataCommunicator()->init(this, wire::SOCK_CHAN, wire::SOCK_SEND_CHAN, "tChComTest");
+        getDataCommunicator()->init(this, datacom::wire::SOCK_CHAN, datacom::wire::SOCK_SEND_CHAN, "tChComTest");
         getDataCommunicator()->start();
     }
     ~ChannelTestHolder() override { shutdown(); }
-    Fcodes doHandle(MessageEvent*) override { return FC_OK; }
-    Fcodes loaded = FC_OK;
+    datacom::Fcodes doHandle(datacom::MessageEvent*) override { return datacom::FC_OK; }
+    datacom::Fcodes loaded = datacom::FC_OK;
 };
 
 // The simulated peers of the channel logic in one process: a temporary root
@@ -165,22 +165,22 @@ public:
         sap.stop();
         device.stop();
         mediator.stop();
-        gDbgLevel = savedLevel;
+        datacom::gDbgLevel = savedLevel;
     }
     ChannelHarness(const ChannelHarness&) = delete;
     ChannelHarness& operator=(const ChannelHarness&) = delete;
     // True when the simulator and the datasets are all up.
-    bool ready() const { return started && isOk(simLoaded) && (!holder || isOk(holder->loaded)); }
+    bool ready() const { return started && datacom::isOk(simLoaded) && (!holder || datacom::isOk(holder->loaded)); }
     ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(*holder, recorder); }
 
     // The next `Sim Fail` rule of the mediator: the next request of
     // `commandId` fails ("Unavailable" unless `extra` names an Fcode, a Count or a Mode).
-    Fcodes failNext(const std::string& commandId, Params extra = {}) {
+    datacom::Fcodes failNext(const std::string& commandId, Params extra = {}) {
         extra.insert(extra.begin(), {"Command", commandId});
         return simControl("Sim Fail", extra);
     }
     // A control command of the simulated mediator ("Sim Set Input", ...), handled in place.
-    Fcodes simControl(const std::string& id, const Params& params) {
+    datacom::Fcodes simControl(const std::string& id, const Params& params) {
         std::string result;
         return mediator.execute(commandText(id, params), result);
     }
@@ -190,7 +190,7 @@ public:
     bool set(const std::vector<Set>& sets, const char* dataSet = vocab::ds::CHANNEL) {
         bool ok = true;
         for (const Set& s : sets)
-            ok &= isOk(s.kind == 0   ? store->initTextParam(dataSet, s.component, s.property, s.text, s.instance)
+            ok &= datacom::isOk(s.kind == 0   ? store->initTextParam(dataSet, s.component, s.property, s.text, s.instance)
                        : s.kind == 1 ? store->initIntParam(dataSet, s.component, s.property, s.number, s.instance)
                                      : store->initBoolParam(dataSet, s.component, s.property, s.flag, s.instance));
         return ok;
@@ -234,7 +234,7 @@ public:
     // Logs only lines of `level` and above from now on (restored when the
     // harness goes), and forgets what was logged so far.
     void logLevel(int32_t level) {
-        gDbgLevel = level;
+        datacom::gDbgLevel = level;
         takeLog();
     }
     // Collects the log until a line holds `text` or `limitSec` passed.
@@ -274,20 +274,20 @@ protected:
         std::string params, error;
         readHostFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/mediator_params.json", params);
         simLoaded = mediator.model().loadParams(params, error);
-        started = mediator.start(wire::SOCK_MEDIATOR, "/tmp/sockSendTarnevelMediator") &&
-                  device.start(wire::SOCK_DEV, "/tmp/sockSendDev") && sap.start(wire::SOCK_SAP, "/tmp/sockSendSap");
+        started = mediator.start(datacom::wire::SOCK_MEDIATOR, "/tmp/sockSendTarnevelMediator") &&
+                  device.start(datacom::wire::SOCK_DEV, "/tmp/sockSendDev") && sap.start(datacom::wire::SOCK_SAP, "/tmp/sockSendSap");
         if (started)
             simLoaded |= device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
         if (withHolder)
             holder = std::make_unique<ChannelTestHolder>();
         store = holder.get();
     }
-    DataHolder* store = nullptr;  // what the value readers read: the test holder or the manager
+    datacom::DataHolder* store = nullptr;  // what the value readers read: the test holder or the manager
 
 private:
-    int32_t savedLevel = gDbgLevel.load();
+    int32_t savedLevel = datacom::gDbgLevel.load();
     bool started = false;
-    Fcodes simLoaded = FC_OK;
+    datacom::Fcodes simLoaded = datacom::FC_OK;
     std::string logged;
 };
 
@@ -315,13 +315,13 @@ public:
     // The reconfigurations asked for, and the result each one answers, in order
     // (then "OK").
     std::vector<std::string> reconfigured;
-    std::vector<Fcodes> reconfigureResults;
+    std::vector<datacom::Fcodes> reconfigureResults;
 
 protected:
-    Fcodes reconfigureChannel(const std::string& rowId) override {
+    datacom::Fcodes reconfigureChannel(const std::string& rowId) override {
         const size_t call = reconfigured.size();
         reconfigured.push_back(rowId);
-        return call < reconfigureResults.size() ? reconfigureResults[call] : FC_OK;
+        return call < reconfigureResults.size() ? reconfigureResults[call] : datacom::FC_OK;
     }
 
 private:
@@ -340,7 +340,7 @@ public:
     static std::string commandText(const std::string& id, const Params& params = {}) {
         return ::commandText(id, params);
     }
-    Fcodes execute(const std::string& id, const Params& params = {}) {
+    datacom::Fcodes execute(const std::string& id, const Params& params = {}) {
         std::string result;
         return manager.execute(commandText(id, params), result);
     }

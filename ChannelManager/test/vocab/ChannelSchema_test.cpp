@@ -8,8 +8,10 @@
 
 #include "vocab/ChannelSchema.h"
 #include "support/ChannelHarness.h"
-#include "json/DataSetsFactory.h"
-#include "json/IDataSets.h"
+#include "datacom/DataSetsFactory.h"
+#include "datacom/IDataSets.h"
+
+using namespace datacom;
 
 namespace {
 

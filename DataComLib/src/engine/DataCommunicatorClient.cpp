@@ -2,12 +2,14 @@
 // through the response history, commands, subscriptions and events.
 #include <string>
 
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/DataCommunicatorInternal.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 #include "engine/LocalAddress.h"
-#include "records/MessageTypes.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 std::atomic<uint32_t> DataCommunicator::requestCounter{1};
 
@@ -136,3 +138,5 @@ Fcodes DataCommunicator::requestEvent(const std::string& peer, MessageEvent& eve
     }
     return code;
 }
+
+}  // namespace datacom

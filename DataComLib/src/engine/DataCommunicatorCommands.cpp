@@ -1,12 +1,14 @@
 // The treatment of "COMMAND" requests: the commands every engine serves
 // itself, and the hand-over of all others to the holder's execute.
-#include "engine/DataCommunicator.h"
-#include "system/DbgPrintClient.h"
-#include "engine/IDataHolder.h"
-#include "records/MessageCommand.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/IDataHolder.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -125,3 +127,5 @@ Fcodes DataCommunicator::treatCommandMsg(MessageHeader& header, const std::strin
     }
     return result;
 }
+
+}  // namespace datacom

@@ -58,12 +58,14 @@
 #include <string>
 #include <vector>
 
-#include "engine/DataCommunicator.h"
-#include "system/DbgPrintClient.h"
-#include "engine/IDataHolder.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/IDataHolder.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -433,3 +435,5 @@ Fcodes DataCommunicator::treatDataMsg(MessageHeader& header, const std::string& 
     replyHeader.Size = static_cast<int32_t>(replyBody.size());
     return FC_OK;
 }
+
+}  // namespace datacom

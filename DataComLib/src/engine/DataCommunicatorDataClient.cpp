@@ -2,12 +2,14 @@
 // ("Table" body) or one property of a peer's JSON data set ("DataSet" body).
 // The peer answers with a "RESPONSE" repeating the request with the Item's
 // Value filled in (DataCommunicatorData.cpp serves it).
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/DataCommunicatorInternal.h"
-#include "system/DbgPrintClient.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -131,3 +133,5 @@ Fcodes DataCommunicator::requestGetParam(const std::string& peer, const std::str
                         dataSetBody(dataSet, component, item, write ? &value : nullptr, row), item, value, timeoutSec,
                         tries);
 }
+
+}  // namespace datacom

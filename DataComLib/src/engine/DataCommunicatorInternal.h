@@ -5,8 +5,10 @@
 
 #include <string>
 
-#include "records/MessageHeader.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageHeader.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 // Helpers shared by the engine's source files; not part of its interface.
 
@@ -50,3 +52,5 @@ inline MessageHeader outgoingHeader(const char* type, Fcodes fcode, const std::s
     header.Size = static_cast<int32_t>(body.size());
     return header;
 }
+
+}  // namespace datacom

@@ -9,14 +9,16 @@
 #include <cstdint>
 #include <ctime>
 
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/DataCommunicatorInternal.h"
-#include "system/DbgPrintClient.h"
-#include "engine/IDataHolder.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/IDataHolder.h"
 #include "engine/LocalAddress.h"
-#include "records/MessageTypes.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/MessageTypes.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -238,3 +240,5 @@ bool DataCommunicator::getResponse(int id, std::string& header, std::string& bod
     header = foundHeader->second;
     return true;
 }
+
+}  // namespace datacom

@@ -6,12 +6,14 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/DataCommunicatorInternal.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 #include "engine/LocalAddress.h"
-#include "system/SysmgtRoot.h"
-#include "records/WireConstants.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -179,3 +181,5 @@ Fcodes DataCommunicator::readline(int sock, std::string& line, unsigned timeoutS
         line += byte;
     }
 }
+
+}  // namespace datacom

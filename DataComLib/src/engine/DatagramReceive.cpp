@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "engine/DataCommunicatorInternal.h"
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -125,3 +127,5 @@ Fcodes parseDatagram(int sock, ssize_t readSize, MessageHeader& header, std::str
     DBG(DBG_INFO) << "readMsg: Msg Body:\n" << body;
     return FC_OK;
 }
+
+}  // namespace datacom

@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstring>
 
-#include "system/SysmgtRoot.h"
-#include "records/WireConstants.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 static_assert(sizeof(sockaddr_un) >= wire::SENDER_ADDR_SIZE, "a sender address must fit the receive buffer");
 
@@ -51,3 +53,5 @@ bool LocalAddress::hasSamePath(const LocalAddress& other) const {
 std::string LocalAddress::path() const {
     return std::string(address.sun_path, pathLength());
 }
+
+}  // namespace datacom

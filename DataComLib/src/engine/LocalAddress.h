@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace datacom {
+
 // The address of a local datagram socket: the family, then the path in a
 // zeroed path field. The length handed to the system is the path length plus
 // the family field, not the whole structure. Also receives a sender's address
@@ -38,3 +40,5 @@ private:
     sockaddr_un address;
     socklen_t addressLength;
 };
+
+}  // namespace datacom

@@ -1,14 +1,16 @@
 // The holder's life: init, the queue fed by handle/execute, the worker that
 // drains it, the base command hook and the acceptance of tabular changes.
-#include "holder/DataHolder.h"
+#include "datacom/DataHolder.h"
 
 #include <sched.h>
 #include <sys/prctl.h>
 
 #include <cerrno>
 
-#include "system/DbgPrintClient.h"
-#include "records/WireConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -155,3 +157,5 @@ Fcodes DataHolder::rollbackChanges() {
         entry.second->rollbackChanges();
     return FC_OK;
 }
+
+}  // namespace datacom

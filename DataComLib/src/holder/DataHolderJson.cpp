@@ -1,8 +1,10 @@
 // The JSON family: every operation forwarded unchanged to the store made by
 // createDataSets. Without a store (its creation failed and was logged) the
 // operations answer FC_UNAVAILABLE, or false.
-#include "holder/DataHolder.h"
-#include "json/DataSetsFactory.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DataSetsFactory.h"
+
+namespace datacom {
 
 IDataSets* DataHolder::createDataSets() {
     return DataSetsFactory().createDataSets();
@@ -293,3 +295,5 @@ Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string
                                    const std::string& property, const std::string& key) {
     return dataSets_json ? dataSets_json->untouchProperty(dataSet, component, property, key) : FC_UNAVAILABLE;
 }
+
+}  // namespace datacom

@@ -1,10 +1,12 @@
 // The remote family: parameters, rows, commands and events of peer services,
 // forwarded to the embedded engine's client requests.
-#include "holder/DataHolder.h"
-#include "system/DbgPrintClient.h"
-#include "records/MessageCommand.h"
-#include "records/TagText.h"
-#include "records/WireConstants.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/TagText.h"
+#include "datacom/WireConstants.h"
+
+namespace datacom {
 
 namespace {
 
@@ -111,3 +113,5 @@ Fcodes DataHolder::requestEvent(const std::string& socketPath, MessageEvent& eve
 void DataHolder::notify(MessageEvent& event) {
     communicator.notify(event);
 }
+
+}  // namespace datacom

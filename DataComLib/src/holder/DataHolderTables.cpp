@@ -1,12 +1,14 @@
 // The table family: cell reads and writes and the table-structure operations,
 // each on the first table of that name in data-set name order, under the
 // table's own lock.
-#include "tabular/DataColumn.h"
-#include "holder/DataHolder.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataTable.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataTable.h"
+#include "datacom/DbgPrintClient.h"
+
+namespace datacom {
 
 // The table lookup of the cell operations: the first data set in name order
 // that has the table does the row and item lookup and its log lines.
@@ -182,3 +184,5 @@ DataTable* DataHolder::findDataTable(const std::string& table) {
     DataSet* owner = findDataSetWithTable(table);
     return owner ? owner->getTable(table) : nullptr;
 }
+
+}  // namespace datacom

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "json/DataSetsJson.h"
-#include "json/IDataSets.h"
+#include "datacom/IDataSets.h"
+
+namespace datacom {
 
 // The JSON dataset store (see IDataSets): the committed documents by dataset
 // name, and beside them the pending overlay `changes` of the same shape that
@@ -264,10 +266,13 @@ private:
 
 // ---- inline template definitions ----
 
+}  // namespace datacom
+
 #include <exception>
 #include <type_traits>
+#include "datacom/DbgPrintClient.h"
 
-#include "system/DbgPrintClient.h"
+namespace datacom {
 
 template <typename Body>
 auto DataSets::guarded(const char* op, Body&& body) -> decltype(body()) {
@@ -284,3 +289,5 @@ auto DataSets::guarded(const char* op, Body&& body) -> decltype(body()) {
     else
         return FC_BODY_ERROR;
 }
+
+}  // namespace datacom

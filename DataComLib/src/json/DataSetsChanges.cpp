@@ -3,6 +3,8 @@
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
 
+namespace datacom {
+
 using dsjson::member;
 using dsjson::Selector;
 
@@ -249,3 +251,5 @@ bool DataSets::isChangedProperty(const std::string& dataSet, const std::string& 
     return guarded("isChangedProperty",
                    [&] { return changedAt(dataSet, component, Selector::byIndex(index), &property); });
 }
+
+}  // namespace datacom

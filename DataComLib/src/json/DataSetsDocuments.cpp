@@ -7,10 +7,12 @@
 #include <cerrno>
 #include <cstring>
 
-#include "system/AtomicFile.h"
+#include "datacom/AtomicFile.h"
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+namespace datacom {
 
 using dsjson::member;
 
@@ -260,3 +262,5 @@ Fcodes DataSets::loadComponent(const std::string& dataSet, const std::string& co
         return FC_OK;
     });
 }
+
+}  // namespace datacom

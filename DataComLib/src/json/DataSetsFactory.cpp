@@ -1,7 +1,11 @@
-#include "json/DataSetsFactory.h"
+#include "datacom/DataSetsFactory.h"
 
 #include "json/DataSets.h"
+
+namespace datacom {
 
 IDataSets* DataSetsFactory::createDataSets() {
     return new DataSets();
 }
+
+}  // namespace datacom

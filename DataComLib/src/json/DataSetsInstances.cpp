@@ -2,6 +2,8 @@
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
 
+namespace datacom {
+
 using dsjson::member;
 using dsjson::Selector;
 
@@ -164,3 +166,5 @@ bool DataSets::hasInstance(const std::string& dataSet, const std::string& compon
         return comp && dsjson::instanceOf(*comp, Selector::byIndex(index));
     });
 }
+
+}  // namespace datacom

@@ -8,6 +8,8 @@
 
 #include "json/JsonDataSetKeys.h"
 
+namespace datacom {
+
 namespace dsjson {
 
 namespace {
@@ -164,3 +166,5 @@ std::string styledText(const Json::Value& root) {
 }
 
 }  // namespace dsjson
+
+}  // namespace datacom

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace datacom {
+
 // Navigation and value helpers over dataset documents, shared by the parts of
 // the JSON store. No lookup inserts anything: jsoncpp's non-const operator[]
 // would add a null member for a missing name and so grow the document on a
@@ -81,3 +83,5 @@ bool parseDocument(const std::string& text, Json::Value& root, std::string& erro
 std::string styledText(const Json::Value& root);
 
 }  // namespace dsjson
+
+}  // namespace datacom

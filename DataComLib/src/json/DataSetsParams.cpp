@@ -5,6 +5,8 @@
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
 
+namespace datacom {
+
 using dsjson::member;
 using dsjson::Selector;
 
@@ -267,3 +269,5 @@ Fcodes DataSets::initInt64Param(const std::string& d, const std::string& c, cons
                                 const std::string& s) {
     return writeParam("initInt64Param", false, d, c, p, Selector::byKey(s), Json::Value(static_cast<Json::Int64>(v)));
 }
+
+}  // namespace datacom

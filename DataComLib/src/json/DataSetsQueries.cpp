@@ -3,6 +3,8 @@
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
 
+namespace datacom {
+
 using dsjson::member;
 
 namespace {
@@ -175,3 +177,5 @@ Fcodes DataSets::fetchPropertyNames(const Json::Value&, Json::Value& response) {
 Fcodes DataSets::fetchComponentKeys(const Json::Value&, Json::Value& response) {
     return unsupportedRequest("fetchComponentKeys", response);
 }
+
+}  // namespace datacom

@@ -3,6 +3,8 @@
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
 
+namespace datacom {
+
 using dsjson::member;
 
 namespace {
@@ -194,3 +196,5 @@ Fcodes DataSets::updateDataSet(const std::string& source, const std::string& ref
         }
     });
 }
+
+}  // namespace datacom

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace datacom {
+
 // The member names and declared types of a JSON dataset document.
 namespace jsonkeys {
 
@@ -20,3 +22,5 @@ constexpr const char* TYPE_STRING = "string";
 constexpr const char* TYPE_ENUM = "enum";
 
 }  // namespace jsonkeys
+
+}  // namespace datacom

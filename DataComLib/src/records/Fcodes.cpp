@@ -1,9 +1,11 @@
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
 
 #include <cstdint>
 #include <map>
 #include <sstream>
 #include <utility>
+
+namespace datacom {
 
 namespace {
 
@@ -53,3 +55,5 @@ std::string fcodeText(Fcodes code) {
     }
     return joined;
 }
+
+}  // namespace datacom

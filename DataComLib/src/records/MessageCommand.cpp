@@ -1,7 +1,9 @@
-#include "records/MessageCommand.h"
+#include "datacom/MessageCommand.h"
 
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 void MessageCommand::toString(std::string& out) const {
     out.clear();
@@ -21,3 +23,5 @@ Fcodes MessageCommand::initFromString(const std::string& text) {
     parseParams(text, " in command:\n");
     return FC_OK;
 }
+
+}  // namespace datacom

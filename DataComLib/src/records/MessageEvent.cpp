@@ -1,7 +1,9 @@
-#include "records/MessageEvent.h"
+#include "datacom/MessageEvent.h"
 
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 void MessageEvent::toString(std::string& out) const {
     out.clear();
@@ -37,3 +39,5 @@ Fcodes MessageEvent::initFromString(const std::string& text) {
     parseParams(text, " in:\n");
     return FC_OK;
 }
+
+}  // namespace datacom

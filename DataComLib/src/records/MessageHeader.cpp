@@ -1,7 +1,9 @@
-#include "records/MessageHeader.h"
+#include "datacom/MessageHeader.h"
 
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 namespace {
 
@@ -62,3 +64,5 @@ Fcodes MessageHeader::initFromString(const std::string& text) {
     Size = tagToInt(value);
     return FC_OK;
 }
+
+}  // namespace datacom

@@ -1,7 +1,9 @@
-#include "records/MessageParams.h"
+#include "datacom/MessageParams.h"
 
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 int MessageParams::getParam(const std::string& name, std::string& value) const {
     auto found = params.find(name);
@@ -39,3 +41,5 @@ void MessageParams::parseParams(const std::string& text, const char* where) {
         params[name] = value;
     }
 }
+
+}  // namespace datacom

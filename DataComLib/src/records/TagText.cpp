@@ -1,11 +1,13 @@
-#include "records/TagText.h"
+#include "datacom/TagText.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
+
+namespace datacom {
 
 void appendTagValue(std::string& out, const std::string& value) {
     const std::string::size_type first = value.find_first_of("\"<>");
@@ -149,3 +151,5 @@ uint32_t tagToHex(const std::string& text) {
         return std::numeric_limits<uint32_t>::max();
     return static_cast<uint32_t>(parsed);
 }
+
+}  // namespace datacom

@@ -1,4 +1,4 @@
-#include "system/AtomicFile.h"
+#include "datacom/AtomicFile.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -9,7 +9,9 @@
 #include <cstdio>
 #include <mutex>
 
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+namespace datacom {
 
 int (*gAtomicFileBeforeRename)(const std::string& tempPath) = nullptr;
 
@@ -92,3 +94,5 @@ int writeFileAtomically(const std::string& logicalPath, const std::string& conte
     removeLeftovers(target);
     return 0;
 }
+
+}  // namespace datacom

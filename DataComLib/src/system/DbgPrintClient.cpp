@@ -1,4 +1,4 @@
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -9,7 +9,9 @@
 #include <ctime>
 #include <iostream>
 
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+namespace datacom {
 
 std::atomic<int32_t> gDbgLevel{0};
 
@@ -121,11 +123,13 @@ void setTaskName(unsigned long threadId, const std::string& name) {
 }
 
 DbgLine::DbgLine(int severity, const char* file, int line) {
-    ::fillInOss(severity, &oss);
+    fillInOss(severity, &oss);
     oss << file << ':' << line << ':';
 }
 
 DbgLine::~DbgLine() {
     oss << '\n';
-    ::debugReport(&oss);
+    debugReport(&oss);
 }
+
+}  // namespace datacom

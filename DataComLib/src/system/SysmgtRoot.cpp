@@ -1,8 +1,10 @@
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
 
 #include <cstdlib>
 #include <ctime>
 #include <mutex>
+
+namespace datacom {
 
 namespace {
 // Serialising setenv and getenv is the smallest change that makes the "TZ"
@@ -45,3 +47,5 @@ std::string sysmgtPath(const std::string& logicalPath) {
         return logicalPath;
     return mapped + logicalPath;
 }
+
+}  // namespace datacom

@@ -1,10 +1,12 @@
-#include "tabular/DataColumn.h"
+#include "datacom/DataColumn.h"
 
 #include <memory>
 
-#include "tabular/DataStoreConstants.h"
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 DataColumn::DataColumn() : type(coltype::STR), access(colaccess::RO), defVal(0) {}
 
@@ -149,3 +151,5 @@ Fcodes parseColumns(const std::string& block, const char* what, const std::funct
     }
     return result;
 }
+
+}  // namespace datacom

@@ -1,10 +1,12 @@
-#include "tabular/DataItem.h"
+#include "datacom/DataItem.h"
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataStoreConstants.h"
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 namespace {
 
@@ -246,3 +248,5 @@ void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& co
         item.setColumn(&column);
     }
 }
+
+}  // namespace datacom

@@ -1,11 +1,13 @@
-#include "tabular/DataObject.h"
+#include "datacom/DataObject.h"
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataStoreConstants.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+namespace datacom {
 
 DataObject::DataObject() = default;
 
@@ -166,3 +168,5 @@ void DataObject::doDeleteAllInstances() {
     Guard guard(mutex);
     rows.clear();
 }
+
+}  // namespace datacom

@@ -1,12 +1,14 @@
 // The tag text of an object and its merge against a reference object.
 #include <sstream>
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataObject.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataStoreConstants.h"
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataObject.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 void DataObject::toString(std::string& out) {
     Guard guard(mutex);
@@ -82,3 +84,5 @@ Fcodes DataObject::update(DataObject& reference, bool keepOwnColumns, bool merge
     }
     return FC_OK;
 }
+
+}  // namespace datacom

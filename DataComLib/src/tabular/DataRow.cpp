@@ -1,14 +1,16 @@
-#include "tabular/DataRow.h"
+#include "datacom/DataRow.h"
 
 #include <algorithm>
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataObject.h"
-#include "tabular/DataStoreConstants.h"
-#include "tabular/DataTable.h"
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataObject.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DataTable.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 DataRow::DataRow() : state(datastate::NEW) {}
 
@@ -182,3 +184,5 @@ void DataRow::overwriteItems(const ColumnRefs& columns, const DataRow* source, c
         item->setValue(*from);
     }
 }
+
+}  // namespace datacom

@@ -1,13 +1,15 @@
-#include "tabular/DataSet.h"
+#include "datacom/DataSet.h"
 
 #include <algorithm>
 #include <sstream>
 
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataStoreConstants.h"
-#include "tabular/DataTable.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DataTable.h"
+#include "datacom/DbgPrintClient.h"
+
+namespace datacom {
 
 DataSet::DataSet() : state(datastate::UNCHANGED) {}
 
@@ -205,3 +207,5 @@ int32_t DataSet::getNextRowIndex(const std::string& tableName, int32_t rowId) {
     std::lock_guard<DataTable> guard(*table);
     return table->getNextRowIndex(rowId);
 }
+
+}  // namespace datacom

@@ -2,12 +2,14 @@
 #include <fstream>
 #include <sstream>
 
-#include "system/AtomicFile.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataTable.h"
-#include "system/DbgPrintClient.h"
-#include "system/SysmgtRoot.h"
-#include "records/TagText.h"
+#include "datacom/AtomicFile.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataTable.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 void DataSet::toString(std::string& out) {
     out = "<DataSet ID=\"" + id + "\" Version=\"" + version + "\">\n";
@@ -88,3 +90,5 @@ Fcodes DataSet::store(const std::string& file) {
     DBG(DBG_INFO) << "store: stored in file=" << file;
     return FC_OK;
 }
+
+}  // namespace datacom

@@ -1,13 +1,15 @@
-#include "tabular/DataTable.h"
+#include "datacom/DataTable.h"
 
 #include <cstdint>
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataStoreConstants.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DbgPrintClient.h"
+
+namespace datacom {
 
 DataTable::DataTable() = default;
 
@@ -147,3 +149,5 @@ int32_t DataTable::getLastRowIndex() {
             return at->first;
     return 0;
 }
+
+}  // namespace datacom

@@ -2,12 +2,14 @@
 // the rows adapt, and the merge against a reference table.
 #include <algorithm>
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataStoreConstants.h"
-#include "tabular/DataTable.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DataTable.h"
+#include "datacom/DbgPrintClient.h"
+
+namespace datacom {
 
 std::vector<std::string> DataTable::getColumnNames() const {
     std::vector<std::string> names;
@@ -131,3 +133,5 @@ Fcodes DataTable::update(DataTable& reference, bool keepOwnColumns, bool mergeCo
     }
     return FC_OK;
 }
+
+}  // namespace datacom

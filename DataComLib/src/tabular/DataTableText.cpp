@@ -1,9 +1,11 @@
 // The tag text of a table: written into dataset files and read back.
-#include "tabular/DataColumn.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataTable.h"
-#include "system/DbgPrintClient.h"
-#include "records/TagText.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataTable.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/TagText.h"
+
+namespace datacom {
 
 void DataTable::toString(std::string& out) {
     std::lock_guard<std::recursive_mutex> guard(mutex);
@@ -47,3 +49,5 @@ Fcodes DataTable::initFromString(const std::string& text) {
     }
     return result;
 }
+
+}  // namespace datacom

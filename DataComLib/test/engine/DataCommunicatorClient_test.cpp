@@ -4,6 +4,8 @@
 
 #include "engine/EngineTestSupport.h"
 
+using namespace datacom;
+
 namespace {
 
 constexpr const char* PEER = "/tmp/sockPeer";

@@ -4,6 +4,8 @@
 
 #include "engine/EngineTestSupport.h"
 
+using namespace datacom;
+
 namespace {
 
 // Two engines over a holder with a table "Chan" and a JSON data set "vsrc"

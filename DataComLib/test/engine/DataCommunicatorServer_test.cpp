@@ -2,9 +2,11 @@
 
 #include <thread>
 
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 #include "engine/EngineTestSupport.h"
-#include "records/WireConstants.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

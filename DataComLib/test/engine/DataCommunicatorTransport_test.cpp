@@ -7,8 +7,10 @@
 #include <thread>
 
 #include "engine/EngineTestSupport.h"
-#include "system/SysmgtRoot.h"
-#include "records/WireConstants.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
 
 namespace {
 

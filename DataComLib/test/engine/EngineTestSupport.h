@@ -18,10 +18,10 @@
 #include <string>
 #include <vector>
 
-#include "engine/DataCommunicator.h"
+#include "datacom/DataCommunicator.h"
 #include "engine/LocalAddress.h"
-#include "records/MessageHeader.h"
-#include "engine/NullDataHolder.h"
+#include "datacom/MessageHeader.h"
+#include "datacom/NullDataHolder.h"
 
 // A bare datagram socket bound at a logical path under the test root.
 class RawPeer {
@@ -34,7 +34,7 @@ public:
     }
     ~RawPeer() { close(fd); }
     bool sendTo(const std::string& logicalPath, const std::string& text) const {
-        LocalAddress to;
+        datacom::LocalAddress to;
         to.setLogicalPath(logicalPath);
         return sendto(fd, text.data(), text.size(), MSG_DONTWAIT, to.get(), to.length()) ==
                static_cast<ssize_t>(text.size());
@@ -55,12 +55,12 @@ public:
     bool bound = false;
 
 private:
-    LocalAddress address;
+    datacom::LocalAddress address;
 };
 
 // A header's wire text.
-inline std::string wireHeader(int id, const std::string& type, Fcodes fcode, int size) {
-    MessageHeader header;
+inline std::string wireHeader(int id, const std::string& type, datacom::Fcodes fcode, int size) {
+    datacom::MessageHeader header;
     header.ID = id;
     header.Type = type;
     header.Fcode = fcode;
@@ -72,7 +72,7 @@ inline std::string wireHeader(int id, const std::string& type, Fcodes fcode, int
 
 // The ID in a datagram's header.
 inline int wireId(const std::string& datagram) {
-    MessageHeader header;
+    datacom::MessageHeader header;
     header.initFromString(datagram);
     return header.ID;
 }
@@ -80,7 +80,7 @@ inline int wireId(const std::string& datagram) {
 // Runs `request` on another thread while `peer` receives its datagram (into
 // `received`) and answers it with `reply(id)` to `replyTo` (nothing when
 // empty). Returns the request's result.
-inline Fcodes exchange(RawPeer& peer, const std::string& replyTo, const std::function<Fcodes()>& request,
+inline datacom::Fcodes exchange(RawPeer& peer, const std::string& replyTo, const std::function<datacom::Fcodes()>& request,
                        std::string& received, const std::function<std::string(int)>& reply) {
     auto result = std::async(std::launch::async, request);
     received.clear();
@@ -97,7 +97,7 @@ inline Fcodes exchange(RawPeer& peer, const std::string& replyTo, const std::fun
 // boolean reads as "Wrong Type" through the text getters, as a strict store
 // does. Called on the server thread, set up and read by the test: everything
 // under one mutex.
-class FakeDataHolder : public NullDataHolder {
+class FakeDataHolder : public datacom::NullDataHolder {
 public:
     void addCell(const std::string& table, int row, const std::string& column, const std::string& value) {
         Guard guard(mutex);
@@ -111,7 +111,7 @@ public:
             bools.insert(jsonKey(dataSet, component, instance, property));
     }
     // What execute answers: its payload and code.
-    void setExecuteAnswer(const std::string& payload, Fcodes code) {
+    void setExecuteAnswer(const std::string& payload, datacom::Fcodes code) {
         Guard guard(mutex);
         executeReply = payload;
         executeCode = code;
@@ -121,11 +121,11 @@ public:
         return log;
     }
 
-    Fcodes handle(MessageEvent* event) override {
-        std::unique_ptr<MessageEvent> owned(event);
-        return record("handle " + event->id + " " + std::to_string(event->fcode)), FC_OK;
+    datacom::Fcodes handle(datacom::MessageEvent* event) override {
+        std::unique_ptr<datacom::MessageEvent> owned(event);
+        return record("handle " + event->id + " " + std::to_string(event->fcode)), datacom::FC_OK;
     }
-    Fcodes execute(const std::string& command, std::string& result) override {
+    datacom::Fcodes execute(const std::string& command, std::string& result) override {
         Guard guard(mutex);
         record("execute " + command);
         result = executeReply;
@@ -139,35 +139,35 @@ public:
     int getNextRowIndex(const std::string& table, int index) override {
         return record("getNextRowIndex " + table + " " + std::to_string(index)), 0;
     }
-    Fcodes rollbackChanges() override { return record("rollbackChanges"), FC_OK; }
-    Fcodes rollback() override { return record("rollback"), FC_OK; }
+    datacom::Fcodes rollbackChanges() override { return record("rollbackChanges"), datacom::FC_OK; }
+    datacom::Fcodes rollback() override { return record("rollback"), datacom::FC_OK; }
 
-    Fcodes getStringParam(const std::string& t, int r, const std::string& c, std::string& v) override {
+    datacom::Fcodes getStringParam(const std::string& t, int r, const std::string& c, std::string& v) override {
         return read(cellKey(t, r, c), false, v);
     }
-    Fcodes getNewStringParam(const std::string& t, int r, const std::string& c, std::string& v) override {
+    datacom::Fcodes getNewStringParam(const std::string& t, int r, const std::string& c, std::string& v) override {
         return read(cellKey(t, r, c), true, v);
     }
-    Fcodes setStringParam(const std::string& t, int r, const std::string& c, const std::string& v) override {
+    datacom::Fcodes setStringParam(const std::string& t, int r, const std::string& c, const std::string& v) override {
         return write(cellKey(t, r, c), v);
     }
 
-    Fcodes findDataSetWithComponent(std::string& dataSet, const std::string& component) override {
+    datacom::Fcodes findDataSetWithComponent(std::string& dataSet, const std::string& component) override {
         Guard guard(mutex);
         for (const auto& entry : values) {
             size_t first = entry.first.find('|'), second = entry.first.find('|', first + 1);
             if (entry.first.compare(first + 1, second - first - 1, component) == 0)
-                return dataSet = entry.first.substr(0, first), FC_OK;
+                return dataSet = entry.first.substr(0, first), datacom::FC_OK;
         }
-        return FC_NO_SUCH_NAME;
+        return datacom::FC_NO_SUCH_NAME;
     }
-    Fcodes getProperties(const std::string& d, const std::string& c, std::vector<std::string>& names) override {
+    datacom::Fcodes getProperties(const std::string& d, const std::string& c, std::vector<std::string>& names) override {
         Guard guard(mutex);
         const std::string prefix = d + "|" + c + "|";
         for (const auto& entry : values)
             if (entry.first.compare(0, prefix.size(), prefix) == 0)
                 names.push_back(entry.first.substr(entry.first.rfind('|') + 1));
-        return names.empty() ? FC_NO_SUCH_NAME : FC_OK;
+        return names.empty() ? datacom::FC_NO_SUCH_NAME : datacom::FC_OK;
     }
     bool hasInstance(const std::string& d, const std::string& c, int index) override {
         return hasInstance(d, c, "#" + std::to_string(index));
@@ -178,33 +178,33 @@ public:
         return next != values.end() &&
                next->first.compare(0, jsonKey(d, c, key, "").size(), jsonKey(d, c, key, "")) == 0;
     }
-    Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
+    datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                         int index) override {
         return read(jsonKey(d, c, "#" + std::to_string(index), p), false, v);
     }
-    Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
+    datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                         const std::string& key) override {
         return read(jsonKey(d, c, key, p), false, v);
     }
-    Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
+    datacom::Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                            int index) override {
         return read(jsonKey(d, c, "#" + std::to_string(index), p), true, v);
     }
-    Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
+    datacom::Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
                            const std::string& key) override {
         return read(jsonKey(d, c, key, p), true, v);
     }
-    Fcodes getBoolParam(const std::string& d, const std::string& c, const std::string& p, bool& v,
+    datacom::Fcodes getBoolParam(const std::string& d, const std::string& c, const std::string& p, bool& v,
                         const std::string& key) override {
         std::string text;
-        Fcodes code = read(jsonKey(d, c, key, p), false, text, true);
-        return isOk(code) ? (v = text == "true", code) : code;
+        datacom::Fcodes code = read(jsonKey(d, c, key, p), false, text, true);
+        return datacom::isOk(code) ? (v = text == "true", code) : code;
     }
-    Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
+    datacom::Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
                         int index) override {
         return write(jsonKey(d, c, "#" + std::to_string(index), p), v);
     }
-    Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
+    datacom::Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
                         const std::string& key) override {
         return write(jsonKey(d, c, key, p), v);
     }
@@ -222,30 +222,30 @@ private:
         Guard guard(mutex);
         log.push_back(call);
     }
-    Fcodes read(const std::string& key, bool pending, std::string& value, bool wantBool = false) {
+    datacom::Fcodes read(const std::string& key, bool pending, std::string& value, bool wantBool = false) {
         Guard guard(mutex);
         auto found = values.find(key);
         if (found == values.end())
-            return FC_NO_SUCH_NAME;
+            return datacom::FC_NO_SUCH_NAME;
         if (bools.count(key) != (wantBool ? 1u : 0u))
-            return FC_WRONG_TYPE;
+            return datacom::FC_WRONG_TYPE;
         value = pending ? found->second.second : found->second.first;
-        return FC_OK;
+        return datacom::FC_OK;
     }
-    Fcodes write(const std::string& key, const std::string& value) {
+    datacom::Fcodes write(const std::string& key, const std::string& value) {
         Guard guard(mutex);
         auto found = values.find(key);
         if (found == values.end())
-            return FC_NO_SUCH_NAME;
+            return datacom::FC_NO_SUCH_NAME;
         if (!value.empty() && value[0] == '!')
-            return FC_BAD_VALUE;
+            return datacom::FC_BAD_VALUE;
         found->second.second = value;
-        return FC_OK;
+        return datacom::FC_OK;
     }
 
     mutable std::recursive_mutex mutex;
     std::string executeReply;
-    Fcodes executeCode = FC_OK;
+    datacom::Fcodes executeCode = datacom::FC_OK;
     std::vector<std::string> log;
     std::map<std::string, std::pair<std::string, std::string>> values;  // committed, pending
     std::set<std::string> bools;
@@ -261,8 +261,8 @@ struct EnginePair {
         client.init(nullptr, CLIENT, "/tmp/sockCliSend", "tCli");
     }
     FakeDataHolder holder;
-    DataCommunicator server;
-    DataCommunicator client;
+    datacom::DataCommunicator server;
+    datacom::DataCommunicator client;
 };
 
 inline double secondsSince(std::chrono::steady_clock::time_point start) {

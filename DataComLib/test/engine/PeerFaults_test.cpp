@@ -15,6 +15,8 @@
 
 #include "engine/EngineTestSupport.h"
 
+using namespace datacom;
+
 namespace {
 
 constexpr const char* CLIENT_SEND = "/tmp/sockCliSend";

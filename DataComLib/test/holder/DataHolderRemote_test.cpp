@@ -6,7 +6,9 @@
 #include "holder/DataHolderTestSupport.h"
 #include "json/DataSetsTestSupport.h"
 #include "engine/EngineTestSupport.h"
-#include "records/MessageCommand.h"
+#include "datacom/MessageCommand.h"
+
+using namespace datacom;
 
 namespace {
 

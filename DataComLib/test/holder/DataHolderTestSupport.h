@@ -10,26 +10,26 @@
 #include <string>
 #include <vector>
 
-#include "tabular/DataColumn.h"
-#include "holder/DataHolder.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataStoreConstants.h"
-#include "tabular/DataTable.h"
-#include "records/MessageEvent.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DataTable.h"
+#include "datacom/MessageEvent.h"
 
-class RecordingHolder : public DataHolder {
+class RecordingHolder : public datacom::DataHolder {
 public:
     ~RecordingHolder() override { shutdown(); }
 
-    Fcodes doHandle(MessageEvent* event) override {
+    datacom::Fcodes doHandle(datacom::MessageEvent* event) override {
         record("event " + event->id);  // borrowed: the worker destroys it
-        return FC_OK;
+        return datacom::FC_OK;
     }
-    Fcodes doExecute(const std::string& command, std::string& result) override {
-        Fcodes code = DataHolder::doExecute(command, result);
-        record("command " + command + " " + fcodeText(code));
+    datacom::Fcodes doExecute(const std::string& command, std::string& result) override {
+        datacom::Fcodes code = datacom::DataHolder::doExecute(command, result);
+        record("command " + command + " " + datacom::fcodeText(code));
         return code;
     }
     // Waits (bounded) until `count` items have been dispatched; a copy of the record.
@@ -53,18 +53,18 @@ private:
 
 // A data set with one table `table` of an int column "Bitrate" and a string
 // column "Host" (default 7), and one row `rowId` holding the given values.
-inline DataSet* makeDataSet(const std::string& id, const std::string& table, int rowId, int bitrate,
+inline datacom::DataSet* makeDataSet(const std::string& id, const std::string& table, int rowId, int bitrate,
                             const std::string& host) {
-    auto* dataSet = new DataSet(id);
-    auto* made = new DataTable(table);
-    auto* bitrateColumn = new DataColumn();
-    bitrateColumn->init("Bitrate", colaccess::RW, coltype::INT);
-    auto* hostColumn = new DataColumn();
-    hostColumn->init("Host", colaccess::RW, coltype::STR);
+    auto* dataSet = new datacom::DataSet(id);
+    auto* made = new datacom::DataTable(table);
+    auto* bitrateColumn = new datacom::DataColumn();
+    bitrateColumn->init("Bitrate", datacom::colaccess::RW, datacom::coltype::INT);
+    auto* hostColumn = new datacom::DataColumn();
+    hostColumn->init("Host", datacom::colaccess::RW, datacom::coltype::STR);
     hostColumn->setDefVal(7);
     made->addColumns("Bitrate", bitrateColumn);
     made->addColumns("Host", hostColumn);
-    DataRow* row = made->newRow(rowId, nullptr, false);
+    datacom::DataRow* row = made->newRow(rowId, nullptr, false);
     row->getDataItem("Bitrate")->initValue(bitrate);
     row->getDataItem("Host")->initValue(host);
     dataSet->addTable(table, made);

@@ -8,6 +8,8 @@
 #include "json/DataSetsTestSupport.h"
 #include "LogCapture.h"
 
+using namespace datacom;
+
 namespace {
 
 // 200 of the items are events: the worker destroys each after doHandle, so a

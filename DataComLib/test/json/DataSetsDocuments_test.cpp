@@ -5,8 +5,10 @@
 #include <clocale>
 #include <locale>
 
-#include "system/AtomicFile.h"
+#include "datacom/AtomicFile.h"
 #include "json/DataSetsTestSupport.h"
+
+using namespace datacom;
 
 using dstest::readText;
 using dstest::writeText;

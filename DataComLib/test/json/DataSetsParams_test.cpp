@@ -4,6 +4,8 @@
 
 #include "json/DataSetsTestSupport.h"
 
+using namespace datacom;
+
 using dstest::LogCapture;
 using dstest::valueAt;
 

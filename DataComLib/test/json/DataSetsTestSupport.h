@@ -7,11 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "json/DataSets.h"
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 #include "LogCapture.h"
 #include "TestDocuments.h"
 #include "TestFiles.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
 
 // Shared by the JSON store tests: the channel document, file helpers and
 // the debug log capture.
@@ -22,25 +22,25 @@ using ::readText;
 using ::writeText;
 
 // Writes the channel document and loads it; true on "OK".
-inline bool loadChannelDoc(DataSets& store, const std::string& path = "/etc/sysmgt/channel_test.json") {
+inline bool loadChannelDoc(datacom::DataSets& store, const std::string& path = "/etc/sysmgt/channel_test.json") {
     writeText(path, kChannelDoc);
-    return store.loadDataSet(path) == FC_OK;
+    return store.loadDataSet(path) == datacom::FC_OK;
 }
 
 // The committed (or, with `pending`, the newest) value of a parameter of
 // "ChannelDataSet"; a failed read fails the test, naming the parameter.
 template <typename T, typename Selector>
-T valueAt(DataSets& s, const std::string& comp, const std::string& prop, Selector sel, bool pending = false) {
+T valueAt(datacom::DataSets& s, const std::string& comp, const std::string& prop, Selector sel, bool pending = false) {
     const std::string set = "ChannelDataSet";
     T value{};
-    Fcodes code;
+    datacom::Fcodes code;
     if constexpr (std::is_same_v<T, int>)
         code = pending ? s.getNewIntParam(set, comp, prop, value, sel) : s.getIntParam(set, comp, prop, value, sel);
     else if constexpr (std::is_same_v<T, bool>)
         code = pending ? s.getNewBoolParam(set, comp, prop, value, sel) : s.getBoolParam(set, comp, prop, value, sel);
     else
         code = pending ? s.getNewTextParam(set, comp, prop, value, sel) : s.getTextParam(set, comp, prop, value, sel);
-    EXPECT_EQ(code, FC_OK) << comp << "/" << prop << (pending ? " (pending)" : "");
+    EXPECT_EQ(code, datacom::FC_OK) << comp << "/" << prop << (pending ? " (pending)" : "");
     return value;
 }
 

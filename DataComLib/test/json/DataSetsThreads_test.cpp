@@ -3,8 +3,10 @@
 #include <atomic>
 #include <thread>
 
-#include "json/DataSetsFactory.h"
+#include "datacom/DataSetsFactory.h"
 #include "json/DataSetsTestSupport.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "json/DataSetsTestSupport.h"
 
+using namespace datacom;
+
 using dstest::LogCapture;
 using dstest::valueAt;
 using dstest::writeText;

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "records/MessageHeader.h"
+#include "datacom/MessageHeader.h"
+
+using namespace datacom;
 
 TEST(MessageHeader, ExactTextCarriesFcodeOnlyForRepliesAndEvents) {
     struct Row {

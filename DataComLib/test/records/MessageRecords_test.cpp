@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "records/MessageCommand.h"
-#include "records/MessageEvent.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
+
+using namespace datacom;
 
 TEST(MessageEvent, DefaultTextAndExactLayout) {
     MessageEvent fresh;

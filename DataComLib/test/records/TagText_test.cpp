@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "records/Fcodes.h"
-#include "records/TagText.h"
+#include "datacom/Fcodes.h"
+#include "datacom/TagText.h"
+
+using namespace datacom;
 
 TEST(Fcodes, TextsAndMerging) {
     // One bit's text stands for the table; a merged code names each of its bits.

@@ -6,9 +6,11 @@
 #include <fstream>
 #include <sstream>
 
-#include "system/AtomicFile.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/AtomicFile.h"
+#include "datacom/SysmgtRoot.h"
 #include "TestFiles.h"
+
+using namespace datacom;
 
 namespace {
 

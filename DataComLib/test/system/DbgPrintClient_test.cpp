@@ -6,9 +6,11 @@
 
 #include <thread>
 
-#include "system/DbgPrintClient.h"
+#include "datacom/DbgPrintClient.h"
 #include "LogCapture.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -18,11 +18,13 @@
 #include <sstream>
 #include <vector>
 
-#include "json/DataSetsFactory.h"
-#include "json/IDataSets.h"
-#include "system/SysmgtRoot.h"
-#include "tabular/DataSet.h"
+#include "datacom/DataSetsFactory.h"
+#include "datacom/IDataSets.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/DataSet.h"
 #include "TestFiles.h"
+
+using namespace datacom;
 
 namespace {
 

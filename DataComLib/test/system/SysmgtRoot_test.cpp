@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "system/SysmgtRoot.h"
+#include "datacom/SysmgtRoot.h"
+
+using namespace datacom;
 
 TEST(SysmgtRoot, MapsAbsolutePathsUnderTheRootOnlyWhenSet) {
     const char* saved = getenv("SYSMGT_ROOT");

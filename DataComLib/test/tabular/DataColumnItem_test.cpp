@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataStoreConstants.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
+
+using namespace datacom;
 
 namespace {
 

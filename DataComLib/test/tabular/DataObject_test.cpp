@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataObject.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataStoreConstants.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataObject.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataStoreConstants.h"
+
+using namespace datacom;
 
 namespace {
 

@@ -5,15 +5,17 @@
 #include <fstream>
 #include <sstream>
 
-#include "system/AtomicFile.h"
-#include "tabular/DataColumn.h"
-#include "tabular/DataItem.h"
-#include "tabular/DataRow.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataStoreConstants.h"
-#include "tabular/DataTable.h"
-#include "system/SysmgtRoot.h"
+#include "datacom/AtomicFile.h"
+#include "datacom/DataColumn.h"
+#include "datacom/DataItem.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/DataTable.h"
+#include "datacom/SysmgtRoot.h"
 #include "TestFiles.h"
+
+using namespace datacom;
 
 namespace {
 

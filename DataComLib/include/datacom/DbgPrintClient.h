@@ -9,6 +9,8 @@
 #include <sstream>
 #include <string>
 
+namespace datacom {
+
 // Verbosity threshold: a line of severity s is produced only when gDbgLevel <= s.
 // 0 (the default) logs everything, 5 silences the log. Set by -v and by the
 // "StartDbgPrint"/"StopDbgPrint" commands. Atomic: the messaging engine's
@@ -96,6 +98,8 @@ struct DbgVoidify {
 // DBG(DBG_ERROR) << "getIntParam: No such table=" << table;
 // Nothing is formatted, and no argument evaluated, when the level filters the line out.
 #define DBG(severity)                                                        \
-    (gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \
+    (::datacom::gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \
         ? (void)0                                                            \
-        : DbgVoidify() & DbgLine((severity), __FILE__, __LINE__).stream()
+        : ::datacom::DbgVoidify() & ::datacom::DbgLine((severity), __FILE__, __LINE__).stream()
+
+}  // namespace datacom

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace datacom {
+
 // Replaces a file so that a power cut at any moment leaves either the old
 // content or the new one, never a truncated file: the text goes to a temporary
 // file in the same directory, which is flushed, fsync'ed and renamed over the
@@ -16,3 +18,5 @@ int writeFileAtomically(const std::string& logicalPath, const std::string& conte
 // Test seam: when set, called after the temporary file is complete and
 // before the rename; a non-zero return is treated as that step's errno.
 extern int (*gAtomicFileBeforeRename)(const std::string& tempPath);
+
+}  // namespace datacom

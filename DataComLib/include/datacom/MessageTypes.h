@@ -1,5 +1,7 @@
 #pragma once
 
+namespace datacom {
+
 // Message types carried in the Type attribute of a message header.
 namespace msgtype {
 constexpr const char* COMMAND = "COMMAND";
@@ -11,3 +13,5 @@ constexpr const char* NACK = "NACK";
 constexpr const char* NO_REPLY = "NO_REPLY";
 constexpr const char* RESPONSE = "RESPONSE";
 }  // namespace msgtype
+
+}  // namespace datacom

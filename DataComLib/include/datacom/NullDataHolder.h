@@ -1,7 +1,9 @@
 #pragma once
 
-#include "engine/IDataHolder.h"
-#include "records/MessageEvent.h"
+#include "datacom/IDataHolder.h"
+#include "datacom/MessageEvent.h"
+
+namespace datacom {
 
 // A data holder without stores: every operation answers FC_UNSUPPORTED
 // (row operations 0, look-ups nothing) and events handed to it are dropped.
@@ -227,3 +229,5 @@ public:
         return FC_UNSUPPORTED;
     }
 };
+
+}  // namespace datacom

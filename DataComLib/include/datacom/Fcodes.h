@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+namespace datacom {
+
 // Result code of nearly every operation of the appliance's daemons, and the
 // Fcode that travels in a message header. Each failure kind is one bit above
 // OK, so results of several steps are merged with | and anything but FC_OK
@@ -37,3 +39,5 @@ inline bool isOk(Fcodes code) {
 // not in the table reads as the texts of its failure bits joined by ", ";
 // a value with no known bit reads as "Unknown Fcode 0x" and its hex digits.
 std::string fcodeText(Fcodes code);
+
+}  // namespace datacom

@@ -2,8 +2,10 @@
 
 #include <string>
 
-#include "records/Fcodes.h"
-#include "records/MessageParams.h"
+#include "datacom/Fcodes.h"
+#include "datacom/MessageParams.h"
+
+namespace datacom {
 
 // A one-way notification from a process to its subscribers. Passed by pointer;
 // whoever receives it last owns and deletes it.
@@ -25,3 +27,5 @@ public:
     // Kept for an event that never went through notify, which stamps the local time.
     std::string time = "2011-01-06  12:06:11";
 };
+
+}  // namespace datacom

@@ -11,9 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
-#include "records/MessageEvent.h"
-#include "records/MessageHeader.h"
+#include "datacom/Fcodes.h"
+#include "datacom/MessageEvent.h"
+#include "datacom/MessageHeader.h"
+
+namespace datacom {
 
 class IDataHolder;
 class LocalAddress;
@@ -180,3 +182,5 @@ private:
 
     static std::atomic<uint32_t> requestCounter;
 };
+
+}  // namespace datacom

@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "tabular/DataRow.h"
-#include "records/Fcodes.h"
-#include "tabular/Retired.h"
-#include "tabular/RowOwner.h"
+#include "datacom/DataRow.h"
+#include "datacom/Fcodes.h"
+#include "datacom/Retired.h"
+#include "datacom/RowOwner.h"
+
+namespace datacom {
 
 class DataColumn;
 class DataItem;
@@ -107,3 +109,5 @@ private:
     Retired<DataColumn> retiredColumns;
     Retired<DataItem> retiredItems;
 };
+
+}  // namespace datacom

@@ -3,6 +3,8 @@
 #include <map>
 #include <string>
 
+namespace datacom {
+
 // The named text parameters shared by events and commands: unique names,
 // kept and printed in name order.
 class MessageParams {
@@ -30,3 +32,5 @@ protected:
     // and skipped.
     void parseParams(const std::string& text, const char* where);
 };
+
+}  // namespace datacom

@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 // The JSON dataset store as the data holder and the channel logic see it:
 // named dataset documents of components, typed property definitions and the
@@ -167,3 +169,5 @@ public:
     virtual void lock() = 0;
     virtual void unlock() = 0;
 };
+
+}  // namespace datacom

@@ -6,10 +6,12 @@
 #include <memory>
 #include <mutex>
 
-#include "tabular/DataRow.h"
-#include "tabular/DataSet.h"
-#include "tabular/DataStoreConstants.h"
-#include "records/Fcodes.h"
+#include "datacom/DataRow.h"
+#include "datacom/DataSet.h"
+#include "datacom/DataStoreConstants.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 // What tables (rows by id) and objects (instances by name) share: the owned
 // rows, a recursive mutex, the change state that marks the dataset, and the
@@ -122,3 +124,5 @@ protected:
     Rows rows;
     DataSet* dataSet = nullptr;
 };
+
+}  // namespace datacom

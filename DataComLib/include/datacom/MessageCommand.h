@@ -2,8 +2,10 @@
 
 #include <string>
 
-#include "records/Fcodes.h"
-#include "records/MessageParams.h"
+#include "datacom/Fcodes.h"
+#include "datacom/MessageParams.h"
+
+namespace datacom {
 
 // A named request with named text parameters, carried in a "COMMAND" body.
 class MessageCommand : public MessageParams {
@@ -19,3 +21,5 @@ public:
 
     std::string id = "NULL";
 };
+
+}  // namespace datacom

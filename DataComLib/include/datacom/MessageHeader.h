@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 // The envelope of every datagram: message ID, type, result code and the size
 // of the body that follows the header in the same datagram. Replies and events
@@ -21,3 +23,5 @@ public:
     int32_t ID = 0;        // chosen by the requester, carried back by the reply
     std::string Type;      // one of the msgtype texts
 };
+
+}  // namespace datacom

@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 class DataColumn;
 class DataItem;
@@ -91,3 +93,5 @@ private:
     DataTable* table = nullptr;
     DataObject* object = nullptr;
 };
+
+}  // namespace datacom

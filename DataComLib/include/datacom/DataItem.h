@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 class DataColumn;
 class DataRow;
@@ -111,3 +113,5 @@ private:
 // by appending entries, so a stored index still names the same entry.
 // Logged as `caller`.
 void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& columnName, const char* caller);
+
+}  // namespace datacom

@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
-#include "tabular/Retired.h"
-#include "tabular/RowOwner.h"
+#include "datacom/Fcodes.h"
+#include "datacom/Retired.h"
+#include "datacom/RowOwner.h"
+
+namespace datacom {
 
 class DataColumn;
 class DataItem;
@@ -75,3 +77,5 @@ private:
     std::map<std::string, std::unique_ptr<DataColumn>> parameters;
     Retired<DataColumn> retiredParameters;
 };
+
+}  // namespace datacom

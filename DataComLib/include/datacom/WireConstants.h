@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace datacom {
+
 // The vocabulary of the appliance's datagram protocol that the messaging
 // engine speaks: socket paths, element and attribute names, the commands every
 // engine serves itself, and the limits of the transport. Message types are in
@@ -71,3 +73,5 @@ constexpr unsigned DEFAULT_RETRY_DELAY_SEC = 10;
 constexpr int PLACEHOLDER_REQUEST_ID = 100;
 
 }  // namespace wire
+
+}  // namespace datacom

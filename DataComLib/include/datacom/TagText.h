@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+namespace datacom {
+
 // Tag-text search helpers on which every message and record text is parsed.
 // They are plain substring searches, not an XML parser: no nesting count, no
 // escaping, first match wins. Positions are byte indices; -1 means not found.
@@ -39,3 +41,5 @@ void appendTagValue(std::string& out, const std::string& value);
 // result on 32-bit and 64-bit targets).
 int32_t tagToInt(const std::string& text);
 uint32_t tagToHex(const std::string& text);
+
+}  // namespace datacom

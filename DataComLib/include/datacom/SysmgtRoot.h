@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace datacom {
+
 // The one place that knows about SYSMGT_ROOT. The appliance's code speaks of
 // logical absolute paths ("/tmp/sockChan", "/etc/sysmgt/x.json"); at the system
 // call they are resolved under $SYSMGT_ROOT when it is set and non-empty, so
@@ -21,3 +23,5 @@ void unlockEnvironment();
 
 // Sets "TZ" (overwriting) and re-reads the time-zone rules, under the lock.
 void setTimeZone(const std::string& zone);
+
+}  // namespace datacom

@@ -5,7 +5,9 @@
 #include <map>
 #include <string>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 // The definition of one column of a table (or one parameter of an object):
 // name, value type, access right, default value and, for enumerations, the
@@ -61,3 +63,5 @@ private:
 // error in <what> fcode=" and freed, since nothing refers to it. Returns the
 // or of all column codes.
 Fcodes parseColumns(const std::string& block, const char* what, const std::function<void(DataColumn*)>& add);
+
+}  // namespace datacom

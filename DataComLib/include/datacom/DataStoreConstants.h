@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+namespace datacom {
+
 // Vocabulary of the tabular configuration store: change-state bits shared by
 // items, rows, tables, objects and datasets, and the column type and access
 // codes with the words that stand for them in the dataset files.
@@ -30,3 +32,5 @@ constexpr const char* RO_WORD = "RO";
 constexpr const char* RW_WORD = "RW";
 constexpr const char* WO_WORD = "WO";
 }  // namespace colaccess
+
+}  // namespace datacom

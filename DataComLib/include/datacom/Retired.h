@@ -4,6 +4,8 @@
 #include <memory>
 #include <vector>
 
+namespace datacom {
+
 // Parts of the store that were unregistered but are left alive, because a
 // caller may still hold a pointer to them (removed tables and columns,
 // replaced columns, items taken out with their column). The owner keeps them
@@ -33,3 +35,5 @@ public:
 private:
     std::vector<std::unique_ptr<T>> parts;
 };
+
+}  // namespace datacom

@@ -13,11 +13,13 @@
 #include <string>
 #include <vector>
 
-#include "engine/DataCommunicator.h"
-#include "tabular/DataSet.h"
-#include "engine/IDataHolder.h"
-#include "json/IDataSets.h"
-#include "records/MessageEvent.h"
+#include "datacom/DataCommunicator.h"
+#include "datacom/DataSet.h"
+#include "datacom/IDataHolder.h"
+#include "datacom/IDataSets.h"
+#include "datacom/MessageEvent.h"
+
+namespace datacom {
 
 class DataItem;
 class DataTable;
@@ -302,3 +304,5 @@ private:
     bool workerRunning = false;
     std::atomic<bool> stopping{false};
 };
+
+}  // namespace datacom

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
-#include "tabular/Retired.h"
+#include "datacom/Fcodes.h"
+#include "datacom/Retired.h"
+
+namespace datacom {
 
 class DataItem;
 class DataTable;
@@ -105,3 +107,5 @@ private:
     TableList tableOrder;
     Retired<DataTable> retiredTables;
 };
+
+}  // namespace datacom

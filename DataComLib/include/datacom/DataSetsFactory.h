@@ -1,6 +1,8 @@
 #pragma once
 
-#include "json/IDataSets.h"
+#include "datacom/IDataSets.h"
+
+namespace datacom {
 
 // Makes the JSON dataset store a data holder installs: a `DataSets`. A holder
 // that needs another store (a test's, say) overrides
@@ -10,3 +12,5 @@ public:
     // A new, empty store, owned by the caller.
     IDataSets* createDataSets();
 };
+
+}  // namespace datacom

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "records/Fcodes.h"
+#include "datacom/Fcodes.h"
+
+namespace datacom {
 
 class DataSet;
 class DataTable;
@@ -221,3 +223,5 @@ public:
     virtual Fcodes untouchProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, const std::string& key) = 0;
 };
+
+}  // namespace datacom
