@@ -9,13 +9,15 @@
 
 // Points the process-wide debug log at a pipe of the test while it lives, so
 // a test can check the lines an operation logs. Other threads may log
-// meanwhile (their lines are captured too); the pipe holds about 64 KiB,
-// beyond which lines are dropped.
+// meanwhile (their lines are captured too); the pipe holds up to 1 MiB (64
+// KiB where the system allows no more), beyond which lines are dropped.
 class LogCapture {
 public:
     LogCapture() {
         if (pipe2(ends, O_NONBLOCK) != 0)
             ends[0] = ends[1] = -1;
+        else
+            fcntl(ends[1], F_SETPIPE_SZ, 1 << 20);  // a whole reconfiguration's lines between two reads
         saved = datacom::DbgPrintClient::getInstance()->setSink(ends[1]);
     }
     ~LogCapture() {

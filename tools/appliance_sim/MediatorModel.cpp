@@ -38,6 +38,15 @@ std::string requiredParam(const MessageCommand& request, const char* name, bool&
 
 }  // namespace
 
+void MediatorModel::startAfresh() {
+    std::string text, error;
+    {
+        std::lock_guard<std::mutex> guard(mutex);
+        text = loadedText;
+    }
+    loadParams(text, error);
+}
+
 Fcodes MediatorModel::loadParams(const std::string& jsonText, std::string& error) {
     Json::CharReaderBuilder builder;
     std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
@@ -66,6 +75,7 @@ Fcodes MediatorModel::loadParams(const std::string& jsonText, std::string& error
     for (const auto& entry : loaded)
         names += entry.first + "\n";
     std::lock_guard<std::mutex> guard(mutex);
+    loadedText = jsonText;
     params.swap(loaded);
     assemblyText = names;
     branches.clear();

@@ -23,6 +23,9 @@ public:
     // as a mediator started afresh. FC_BAD_VALUE with `error` set when the
     // text is not such an object.
     datacom::Fcodes loadParams(const std::string& jsonText, std::string& error);
+    // As a mediator started afresh: the last loaded table again, every branch
+    // stopped, the records kept (they describe the whole session).
+    void startAfresh();
 
     // Serves one request. `answer` starts as a copy of the request and gets
     // the answer parameter of a read; `events` receives the events to send to
@@ -61,6 +64,7 @@ private:
     void advanceStats(const std::string& component);
 
     mutable std::mutex mutex;
+    std::string loadedText;  // the last table loaded, for startAfresh
     std::map<std::string, std::map<std::string, std::string>> params;
     std::map<std::string, std::string> branches;
     std::vector<std::string> recordedWrites;

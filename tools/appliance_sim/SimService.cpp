@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -83,12 +84,45 @@ bool SimService::start(const std::string& receivePath, const std::string& sendPa
     init("t" + shortName);
     getDataCommunicator()->init(this, receivePath, sendPath, "t" + shortName + "Com");
     bound = true;
+    return launch();
+}
+
+bool SimService::launch() {
     stopping = false;
     if (pthread_create(&thread, nullptr, &SimService::run, this) != 0)
         return false;
     running = true;
-    traffic.note(shortName + " serving " + receivePath);
+    traffic.note(shortName + " serving " + getDataCommunicator()->getSockName());
     return true;
+}
+
+bool SimService::restart() {
+    stop();
+    {
+        std::lock_guard<std::mutex> guard(pendingMutex);
+        subscribers.clear();
+        pendingEvents.clear();
+    }
+    afresh();
+    DataCommunicator& engine = *getDataCommunicator();
+    const std::string receivePath = engine.getSockName(), sendPath = engine.getSendSockName();
+    // Unlinked first: the new files are new inodes, as a new process's are.
+    unlink(sysmgtPath(receivePath).c_str());
+    unlink(sysmgtPath(sendPath).c_str());
+    engine.init(this, receivePath, sendPath, "t" + shortName + "Com");
+    traffic.note(shortName + " restarted");
+    return launch();
+}
+
+void SimService::noteSubscriber(const std::string& body) {
+    std::string command, parameter, name, value;
+    if (getSegment(body, 0, wire::TAG_COMMAND, command) < 0 || getSegment(command, 0, "Parameter", parameter) < 0 ||
+        getPropertyValue(parameter, 0, "Name", name) < 0 || getPropertyValue(parameter, 0, "Value", value) < 0 ||
+        name != wire::PARAM_SOCK_NAME)
+        return;
+    std::lock_guard<std::mutex> guard(pendingMutex);
+    subscribers.erase(std::remove(subscribers.begin(), subscribers.end(), value), subscribers.end());
+    subscribers.push_back(value);
 }
 
 void SimService::stop() {
@@ -147,6 +181,8 @@ void SimService::serveRequest(MessageHeader& header, const std::string& body, so
     // GET reads. (A refused SET the engine has already rolled back.)
     if (header.Type == msgtype::SET && isOk(code))
         afterSet();
+    if (isOk(code) && requestName(header, body) == wire::CMD_SUBSCRIBE)
+        noteSubscriber(body);
     // A refused command is answered with an ACK carrying the code, as the
     // mediator answers, so that the requester learns the code itself; a
     // refused GET or SET with a NACK, as the engine answers it.
@@ -188,12 +224,15 @@ void SimService::send(MessageHeader& reply, const std::string& body, sockaddr* f
 
 void SimService::emitPending() {
     std::vector<MessageEvent> events;
+    std::vector<std::string> to;
     {
         std::lock_guard<std::mutex> guard(pendingMutex);
         events.swap(pendingEvents);
+        to = subscribers;
     }
     for (MessageEvent& event : events) {
-        getDataCommunicator()->notify(event);
+        for (const std::string& subscriber : to)
+            getDataCommunicator()->requestEvent(subscriber, event, wire::NO_WAIT, 1);
         MessageHeader header;
         header.Type = msgtype::EVENT;
         header.Fcode = event.fcode;

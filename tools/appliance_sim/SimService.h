@@ -39,6 +39,10 @@ public:
     bool start(const std::string& receivePath, const std::string& sendPath);
     // Ends the serving loop and waits for it.
     void stop();
+    // Plays the service's process ending and another one starting behind the
+    // same socket: new socket files (a new identity), no subscriber, and what
+    // the service knew forgotten (afresh). False when serving could not start.
+    bool restart();
 
     // Serves a command synchronously: the control commands, then the
     // service's own. The events it raises are sent after the answer.
@@ -62,6 +66,8 @@ protected:
     virtual std::string report() const = 0;
     // Called after a "SET" succeeded.
     virtual void afterSet() {}
+    // What a restarted service forgets; called while it does not serve.
+    virtual void afresh() {}
 
 private:
     static void* run(void* self);
@@ -71,6 +77,9 @@ private:
     bool injectFailure(const datacom::MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
     void send(datacom::MessageHeader& reply, const std::string& body, sockaddr* from, socklen_t fromLength);
     void emitPending();
+    bool launch();
+    // Notes the subscriber of a SUBSCRIBE the engine accepted.
+    void noteSubscriber(const std::string& body);
 
     const std::string shortName;
     TrafficLog& traffic;
@@ -80,6 +89,9 @@ private:
     // serving thread sends.
     std::vector<datacom::MessageEvent> pendingEvents;
     std::mutex pendingMutex;
+    // The subscribers of this run of the service (the engine's own list
+    // would outlive a restart); guarded by pendingMutex.
+    std::vector<std::string> subscribers;
     pthread_t thread{};
     bool running = false;
     bool bound = false;  // the engine's sockets exist

@@ -25,6 +25,7 @@ protected:
                         std::vector<datacom::MessageEvent>& events) override;
     datacom::Fcodes serveControl(const datacom::MessageCommand& request, std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return mediator.report(); }
+    void afresh() override { mediator.startAfresh(); }
 
 private:
     MediatorModel mediator;

@@ -3,6 +3,7 @@
 
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
@@ -128,7 +129,12 @@ Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const Mes
         return FC_OK;
     DBG(DBG_INFO) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
            << " param=" << cmd::PARAM_MAX_BITRATE << " val=" << max;
-    return changeBitrateOnTheFly(rowId, total, max);
+    // The operator's change wins over a backup held for a Zixi request: what
+    // the operator set is the channel's bitrate from now on, so the next stop
+    // keeps it instead of restoring the values from before the Zixi request.
+    // (A Zixi request after this one saves these values as its backup.)
+    const Fcodes changed = changeBitrateOnTheFly(rowId, total, max);
+    return isOk(changed) ? changed | clearChannelParametersBackup(rowId) : changed;
 }
 
 Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageCommand&) {
@@ -160,6 +166,8 @@ Fcodes ConfigChannelTarnevel::srtStatistics(const std::string& targetRowId, cons
 
 Fcodes ConfigChannelTarnevel::forcedStop(const std::string& rowId) {
     std::lock_guard<DataHolder> guard(holder);
+    // The operator's stop: a valid input coming back no longer resumes it.
+    events.runBook().setStoppedByInput(rowId, false);
     DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
     Fcodes result = holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
     result |= stopChannel(rowId);

@@ -239,9 +239,12 @@ private:
     // target visited (reads and branch lookup).
     void startTargets(const std::string& rowId, const std::vector<std::string>& targets, datacom::Fcodes& result,
                       bool& failed);
-    // Stops the running branches of the enabled targets of one kind (Zixi or
-    // not); sets `stopFailed` when a stop was refused.
-    datacom::Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi, bool& stopFailed);
+    // Stops the running branches of one kind (Zixi or not) among `branches`;
+    // sets `stopFailed` when a stop was refused.
+    datacom::Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& branches, bool zixi, bool& stopFailed);
+    // The branches a stop of the channel stops: those it started, then those
+    // of its enabled targets now.
+    datacom::Fcodes branchesToStop(const std::string& rowId, std::vector<std::string>& branches);
 
     // ---- Read-back (channel/EncoderReadback.cpp) ----
 

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <chrono>
 #include <mutex>
 #include <thread>
 
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
+#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "tarnevel/ITarnevelClient.h"
@@ -20,6 +22,13 @@ using namespace vocab;
 // the start and stop of the mediator branches of the channel's enabled
 // targets. Play, stop and the branch-event check hold the holder's recursive
 // lock for their whole run; a stop may run inside a play or a forced stop.
+//
+// A play notes in the run book every branch it started or found running; a
+// stop stops those and the branches of the channel's current targets, so
+// that a profile or protocol accepted (or activated) while the channel
+// played cannot leave the branch it used before running. A branch leaves the
+// book once the mediator reports it stopped; one whose stop was refused stays,
+// and the next stop tries it again, also on a channel already stopped.
 
 namespace {
 
@@ -27,6 +36,7 @@ constexpr int START_TIMEOUT_SEC = 20;
 constexpr int STOP_TIMEOUT_SEC = 20;
 constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
 constexpr int POLL_MS = 5;
+const std::string ZIXI_PREFIX = "ZIXI ";  // the Zixi branches, "ZIXI CH0" ...
 
 }  // namespace
 
@@ -50,9 +60,13 @@ void ConfigChannelTarnevel::startTargets(const std::string& rowId, const std::ve
             continue;
         const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
         result |= stateRead;
+        if (isOk(stateRead) && branchState == state::BRANCH_RUN)
+            events.runBook().addBranch(rowId, branch);  // running for this channel: its stop stops it
         if (!isOk(stateRead) || branchState != state::BRANCH_STOP)
             continue;
         const Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, START_TIMEOUT_SEC);
+        if (isOk(started))
+            events.runBook().addBranch(rowId, branch);
         if (!isOk(started)) {
             DBG(DBG_ERROR) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(started) << std::dec << " rowId=" << rowId;
@@ -68,6 +82,8 @@ void ConfigChannelTarnevel::startTargets(const std::string& rowId, const std::ve
 
 Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
     std::lock_guard<DataHolder> guard(holder);
+    // Whoever plays the channel, it no longer stands stopped for its input.
+    events.runBook().setStoppedByInput(rowId, false);
     Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
 
     std::vector<std::string> targets;
@@ -106,36 +122,55 @@ Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::stopTargets(const std::string& rowId, const std::vector<std::string>& targets, bool zixi,
+Fcodes ConfigChannelTarnevel::stopTargets(const std::string& rowId, const std::vector<std::string>& branches, bool zixi,
                                           bool& stopFailed) {
     Fcodes result = FC_OK;
-    for (const std::string& target : targets) {
-        bool enabled = false;
-        std::string protocol;
-        result |= holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
-        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
-        if (!enabled || (protocol == value::ZIXI) != zixi)
+    for (const std::string& branch : branches) {
+        if ((branch.compare(0, ZIXI_PREFIX.size(), ZIXI_PREFIX) == 0) != zixi)
             continue;
-        std::string branch, branchState;
-        const Fcodes lookup = getBranch(rowId, protocol, branch);
-        result |= lookup;
-        if (!isOk(lookup))
-            continue;
+        std::string branchState;
         const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
         result |= stateRead;
         if (branchState != state::BRANCH_RUN) {
             DBG(DBG_INFO) << "stopChannel: branch=" << branch << " is not RUN fcode=0x" << std::hex
                           << static_cast<uint32_t>(stateRead) << std::dec << " rowId=" << rowId;
+            // Unread, it may still run: kept for the next stop.
+            if (isOk(stateRead))
+                events.runBook().removeBranch(rowId, branch);
             continue;
         }
         const Fcodes stopped = zixi ? ITarnevelClient::stopTarnevelBranch(&holder, branch, false, ZIXI_STOP_TIMEOUT_SEC)
                                     : ITarnevelClient::stopTarnevelBranch(&holder, branch, true, STOP_TIMEOUT_SEC);
         result |= stopped;
-        if (!isOk(stopped)) {
+        if (isOk(stopped)) {
+            events.runBook().removeBranch(rowId, branch);
+        } else {
             DBG(DBG_ERROR) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(stopped) << std::dec << " rowId=" << rowId;
             stopFailed = true;
         }
+    }
+    return result;
+}
+
+// What a stop stops: the branches the channel started, then those of its
+// enabled targets as its configuration names them now (a branch left
+// running by an earlier run of the daemon), each once.
+Fcodes ConfigChannelTarnevel::branchesToStop(const std::string& rowId, std::vector<std::string>& branches) {
+    branches = events.runBook().branches(rowId);
+    std::vector<std::string> targets;
+    Fcodes result = getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    for (const std::string& target : targets) {
+        bool enabled = false;
+        std::string protocol, branch;
+        result |= holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        if (!enabled)
+            continue;
+        const Fcodes lookup = getBranch(rowId, protocol, branch);
+        result |= lookup;
+        if (isOk(lookup) && std::find(branches.begin(), branches.end(), branch) == branches.end())
+            branches.push_back(branch);
     }
     return result;
 }
@@ -146,8 +181,19 @@ Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
     int fcode = 0;
     const Fcodes reads = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
                          holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
-    if (!isOk(reads) || chanState == state::STOPPING || chanState == state::STOPPED)
+    if (!isOk(reads))
         return reads;
+    if (chanState == state::STOPPING || chanState == state::STOPPED) {
+        // Stopped already; only a branch whose stop was refused is tried again.
+        const std::vector<std::string> left = events.runBook().branches(rowId);
+        bool stopFailed = false;
+        Fcodes retried = reads;
+        if (!left.empty()) {
+            retried |= stopTargets(rowId, left, true, stopFailed);
+            retried |= stopTargets(rowId, left, false, stopFailed);
+        }
+        return retried;
+    }
 
     DBG(DBG_INFO) << "stopChannel: setting chanState=Stopping";
     Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
@@ -156,11 +202,11 @@ Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
 
     // Zixi first and without waiting, so that the feeder is released before
     // the waited stops of the other branches.
-    std::vector<std::string> targets;
-    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    std::vector<std::string> branches;
+    result |= branchesToStop(rowId, branches);
     bool stopFailed = false;
-    result |= stopTargets(rowId, targets, true, stopFailed);
-    result |= stopTargets(rowId, targets, false, stopFailed);
+    result |= stopTargets(rowId, branches, true, stopFailed);
+    result |= stopTargets(rowId, branches, false, stopFailed);
 
     // A channel stopped by a data-stream condition or a format change stays
     // "Stopping" until it is played again.

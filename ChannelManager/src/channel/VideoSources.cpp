@@ -4,6 +4,7 @@
 
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
+#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "tarnevel/ITarnevelClient.h"
@@ -45,9 +46,16 @@ using namespace vocab;
 //   format that fails validateInputFormat stops the channel with 0x20010 (it
 //   stays "Stopping"), and a valid one becomes the running format;
 // - a channel stopped by the system for its format (0x20010, "Stopping")
-//   whose input is back with a valid format is played again, "Format
-//   Changed" false: the system resumes what the system stopped. A channel
-//   stopped by its user (0x20020) is never played by an input change.
+//   is noted in the run book as stopped by its input. Once its input is back
+//   with a valid format it is configured again (so that the mediator gets the
+//   channel's current parameters, the bitrates a stop restored included)
+//   and played again, "Format Changed" false: the system resumes what the
+//   system stopped. The note, not the "Fcode", decides: a data-stream "OFF"
+//   clears every condition bit but not that fact. A channel stopped by its
+//   user (0x20020) is never played by an input change: its stop clears the
+//   note. A lost input does not stop a channel (see above), so it sets no
+//   note; one that goes away while the channel stands stopped for its
+//   format changes nothing.
 
 namespace {
 
@@ -183,6 +191,7 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
         if (asDetected) {
             result |= setFcode(cond::FORMAT_CHANGED);
             result |= stopChannel(rowId);
+            events.runBook().setStoppedByInput(rowId, true);
             result |= reconfigChannelFormat(rowId);
             if (isOk(validateInputFormat(rowId)))
                 result |= playChannel(rowId);
@@ -195,15 +204,20 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
                    holder.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
         }
         result |= setFcode(cond::FORMAT_CHANGED);
-        return result | stopChannel(rowId);
+        result |= stopChannel(rowId);
+        events.runBook().setStoppedByInput(rowId, true);
+        return result;
     }
 
-    if (state == state::STOPPING && holds(fcode, cond::FORMAT_CHANGED) &&
-        !holds(fcode, cond::FORCED_STOP)) {
+    if ((state == state::STOPPING || state == state::STOPPED) && events.runBook().stoppedByInput(rowId)) {
+        // A format that follows the input is set before the validation;
+        // otherwise only a channel about to play is configured again.
         if (asDetected)
             result |= reconfigChannelFormat(rowId);
         if (!isOk(validateInputFormat(rowId)))
             return result;
+        if (!asDetected)
+            result |= reconfigChannelFormat(rowId);
         DBG(DBG_INFO) << "updateVideoSource: valid input back, replaying rowId=" << rowId << " format=" << detected;
         result |= setFormatChanged(false);
         result |= playChannel(rowId);

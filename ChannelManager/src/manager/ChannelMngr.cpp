@@ -61,7 +61,7 @@ void ChannelMngr::init() {
 
     DataCommunicator* engine = getDataCommunicator();
     engine->init(this, wire::SOCK_CHAN, wire::SOCK_SEND_CHAN, "tChCom");
-    engine->requestSubscribe(wire::SOCK_MEDIATOR);
+    const Fcodes mediatorSubscribed = engine->requestSubscribe(wire::SOCK_MEDIATOR);
     DBG(DBG_INFO) << "init: init Channels done.";
 
     initSources();
@@ -73,10 +73,13 @@ void ChannelMngr::init() {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
         setTimeZone(zone);
     }
-    engine->requestSubscribe(wire::SOCK_DEV);
+    const Fcodes deviceSubscribed = engine->requestSubscribe(wire::SOCK_DEV);
 
     engine->start();
     DBG(DBG_INFO) << "init: dataCommunicator started";
+    // A peer that did not answer, or that restarts later, is subscribed to
+    // again when it is there (manager/ChannelMngrPeers.cpp).
+    startPeerWatch(mediatorSubscribed, deviceSubscribed);
 }
 
 Fcodes ChannelMngr::initSources() {

@@ -6,9 +6,15 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <vector>
 
+#include "channel/ChannelRunBook.h"
 #include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 
@@ -81,6 +87,23 @@ public:
     // "Video Source Updated", source = input, status "OFF" when the source went away, else "ON".
     void sendSourceEvent(const std::string& input, bool off, const std::string& description) override;
     datacom::Fcodes sapStopAll() override;
+    ChannelRunBook& runBook() override;
+
+    // ---- Peers that come late or come back (manager/ChannelMngrPeers.cpp) ----
+
+    // Ends the peer watcher; idempotent. A derived manager calls it in its
+    // own destructor, as stopTimer.
+    void stopPeerWatch();
+    // How often the watcher looks at the peers' sockets (1 s unless changed).
+    void setPeerWatchPeriod(std::chrono::milliseconds period);
+    // What tells one process's socket from the next one's.
+    struct SocketIdentity {
+        uint64_t device = 0, inode = 0;
+        int64_t changedNs = 0;
+        bool operator==(const SocketIdentity& o) const {
+            return device == o.device && inode == o.inode && changedNs == o.changedNs;
+        }
+    };
 
     // ---- Periodic source refresh (manager/ChannelMngrTimer.cpp) ----
 
@@ -150,6 +173,23 @@ private:
     // "Ingest KLV" or "Ingest KLV2" is `transport`.
     datacom::Fcodes reconfigureKlvIngest(const std::string& transport);
 
+    // One peer the daemon needs the events of.
+    struct WatchedPeer {
+        const char* socket;
+        bool configures;  // the mediator: configured again when it comes back
+        SocketIdentity identity{};
+        bool subscribed = false;
+        bool configure = false;  // due once the subscription is acknowledged
+        int backoffSec = 0;
+        std::chrono::steady_clock::time_point nextTry{};
+    };
+    // Started by init with the results of its two subscriptions.
+    void startPeerWatch(datacom::Fcodes mediatorSubscribed, datacom::Fcodes deviceSubscribed);
+    void peerWatchLoop();
+    void watchPeer(WatchedPeer& peer);
+    datacom::Fcodes subscribeTo(const char* peer);
+    void configureMediatorAgain();
+
     static void* refreshWork(void* self);
     void refreshLoop();
     int armTimer();
@@ -161,4 +201,12 @@ private:
     pthread_t refreshThread{};
     bool refreshRunning = false;
     std::atomic<bool> refreshStopping{false};
+
+    ChannelRunBook book;
+    std::vector<WatchedPeer> peers;  // the watcher's alone once it runs
+    std::thread watchThread;
+    std::mutex watchMutex;
+    std::condition_variable watchWake;
+    bool watchStopping = false;                       // guarded by watchMutex
+    std::chrono::milliseconds peerWatchPeriod{1000};  // guarded by watchMutex
 };

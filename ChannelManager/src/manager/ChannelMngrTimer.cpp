@@ -20,6 +20,7 @@ using namespace datacom;
 using namespace vocab;
 
 ChannelMngr::~ChannelMngr() {
+    stopPeerWatch();
     stopTimer();
     shutdown();
 }

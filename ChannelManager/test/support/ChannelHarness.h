@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "manager/ChannelMngr.h"
@@ -107,6 +108,7 @@ public:
         add({"STOP ALL SAP", "", 0, "", "", ""});
         return datacom::FC_OK;
     }
+    ChannelRunBook& runBook() override { return book; }
     std::vector<RecordedEvent> events() const {
         std::lock_guard<std::mutex> guard(mutex);
         return recorded;
@@ -129,6 +131,7 @@ private:
     }
     mutable std::mutex mutex;
     std::vector<RecordedEvent> recorded;
+    ChannelRunBook book;
 };
 
 // The channel manager's holder in a test: the four factory datasets loaded
@@ -298,6 +301,7 @@ class TestChannelMngr : public ChannelMngr {
 public:
     TestChannelMngr() = default;
     ~TestChannelMngr() override {
+        stopPeerWatch();
         stopTimer();
         shutdown();
     }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+// What the channel logic must remember between its working objects, because
+// the channel rows cannot tell it: the mediator branches each channel
+// started (or found running and took over), under the profile and protocol
+// of that moment, and whether the system stopped the channel for its input.
+// A row's configuration may change while it plays; a stop then still stops
+// what the play started. Kept in memory only: a restarted daemon finds no
+// branch of its own, and a restarted mediator none at all (forgetBranches).
+// Owned by the channel manager (lent through IChannelEvents); thread-safe.
+class ChannelRunBook {
+public:
+    void addBranch(const std::string& rowId, const std::string& branch);
+    void removeBranch(const std::string& rowId, const std::string& branch);
+    // In the order they were started.
+    std::vector<std::string> branches(const std::string& rowId) const;
+    // Every channel's: the mediator that ran them is gone.
+    void forgetBranches();
+
+    // "Stopped by its input": set when the system stops a channel because its
+    // input cannot be encoded; cleared only when a valid input resumes the
+    // channel or its operator stops or plays it. The channel's "Fcode" is
+    // not where this lives: a data-stream "OFF" clears every bit of it.
+    void setStoppedByInput(const std::string& rowId, bool stopped);
+    bool stoppedByInput(const std::string& rowId) const;
+
+private:
+    mutable std::mutex mutex;
+    std::map<std::string, std::vector<std::string>> started;
+    std::map<std::string, bool> inputStopped;
+};

@@ -1,0 +1,162 @@
+// Peers that come late or come back. The daemon subscribes to the mediator
+// and the device manager at start-up; a peer that was not there then, or that
+// restarts later (a new process behind the same socket), would never send it
+// another event. A watcher thread, "tChPeers", looks at each peer's socket
+// file about once a second: the file's identity (device, inode, change time)
+// tells a peer that appeared or was replaced. Such a peer is subscribed to
+// again, retried with a back-off of 1, 2, 4, then 8 seconds at most until it
+// acknowledges. A mediator that appeared or restarted has no configuration:
+// once subscribed, every channel is configured again and the channels that
+// were playing play again, with one INFO line. Idle, the thread wakes once a
+// period and makes one stat() per peer.
+#include <sys/prctl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "channel/ChannelRunBook.h"
+#include "channel/ConfigChannelTarnevel.h"
+#include "manager/ChannelMngr.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
+
+using namespace datacom;
+
+using namespace vocab;
+
+namespace {
+
+constexpr int MAX_BACKOFF_SEC = 8;
+// One short try per attempt: the back-off does the retrying.
+constexpr unsigned SUBSCRIBE_TIMEOUT_SEC = 1;
+
+// What tells one process's socket from the next one's; 0 when there is none.
+ChannelMngr::SocketIdentity socketIdentity(const char* logicalPath) {
+    struct stat info {};
+    if (stat(sysmgtPath(logicalPath).c_str(), &info) != 0 || !S_ISSOCK(info.st_mode))
+        return {};
+    return {static_cast<uint64_t>(info.st_dev), static_cast<uint64_t>(info.st_ino),
+            static_cast<int64_t>(info.st_ctim.tv_sec) * 1000000000 + info.st_ctim.tv_nsec};
+}
+
+}  // namespace
+
+ChannelRunBook& ChannelMngr::runBook() {
+    return book;
+}
+
+void ChannelMngr::startPeerWatch(Fcodes mediatorSubscribed, Fcodes deviceSubscribed) {
+    peers = {{wire::SOCK_MEDIATOR, true}, {wire::SOCK_DEV, false}};
+    peers[0].subscribed = isOk(mediatorSubscribed);
+    peers[1].subscribed = isOk(deviceSubscribed);
+    for (WatchedPeer& peer : peers) {
+        peer.identity = socketIdentity(peer.socket);
+        peer.nextTry = std::chrono::steady_clock::now();
+    }
+    watchStopping = false;
+    watchThread = std::thread(&ChannelMngr::peerWatchLoop, this);
+}
+
+void ChannelMngr::stopPeerWatch() {
+    {
+        std::lock_guard<std::mutex> guard(watchMutex);
+        watchStopping = true;
+    }
+    watchWake.notify_all();
+    if (watchThread.joinable())
+        watchThread.join();
+}
+
+void ChannelMngr::setPeerWatchPeriod(std::chrono::milliseconds period) {
+    {
+        std::lock_guard<std::mutex> guard(watchMutex);
+        peerWatchPeriod = period;
+    }
+    watchWake.notify_all();
+}
+
+void ChannelMngr::peerWatchLoop() {
+    setTaskName(pthread_self(), "tChPeers");
+    std::unique_lock<std::mutex> lock(watchMutex);
+    while (!watchStopping) {
+        watchWake.wait_for(lock, peerWatchPeriod);
+        if (watchStopping)
+            break;
+        lock.unlock();
+        for (WatchedPeer& peer : peers)
+            watchPeer(peer);
+        lock.lock();
+    }
+}
+
+void ChannelMngr::watchPeer(WatchedPeer& peer) {
+    const SocketIdentity now = socketIdentity(peer.socket);
+    if (!(now == peer.identity)) {
+        if (now.inode != 0) {
+            DBG(DBG_INFO) << "peerWatch: peer=" << peer.socket << (peer.identity.inode != 0 ? " restarted" : " appeared");
+            // Whatever it was told before went with the process before it.
+            peer.subscribed = false;
+            peer.configure = peer.configures;
+            peer.backoffSec = 0;
+            peer.nextTry = std::chrono::steady_clock::now();
+        }
+        peer.identity = now;
+    }
+    if (peer.subscribed || now.inode == 0 || std::chrono::steady_clock::now() < peer.nextTry)
+        return;
+    if (!isOk(subscribeTo(peer.socket))) {
+        peer.backoffSec = std::min(MAX_BACKOFF_SEC, peer.backoffSec == 0 ? 1 : 2 * peer.backoffSec);
+        peer.nextTry = std::chrono::steady_clock::now() + std::chrono::seconds(peer.backoffSec);
+        DBG(DBG_WARN) << "peerWatch: no answer to SUBSCRIBE from peer=" << peer.socket << ", next try in "
+                      << peer.backoffSec << " s";
+        return;
+    }
+    peer.subscribed = true;
+    if (peer.configure) {
+        peer.configure = false;
+        configureMediatorAgain();
+    }
+}
+
+Fcodes ChannelMngr::subscribeTo(const char* peer) {
+    std::string command = "<Command ID=\"";
+    command += wire::CMD_SUBSCRIBE;
+    command += "\" >\n\t\t<Parameter Name=\"";
+    command += wire::PARAM_SOCK_NAME;
+    command += "\" Value=\"";
+    command += wire::SOCK_CHAN;
+    command += "\" />\n\t</Command>\n";
+    std::string reply;
+    return requestCommand(peer, command, reply, SUBSCRIBE_TIMEOUT_SEC, 1);
+}
+
+// The mediator knows nothing of the channels: every branch the run book
+// held went with the old process, every parameter must be sent again, and
+// the channels that were playing (or starting) are played again. A channel
+// stopped by its operator or its input stays as it stands.
+void ChannelMngr::configureMediatorAgain() {
+    book.forgetBranches();
+    std::vector<std::string> rows, replay;
+    getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
+    for (const std::string& rowId : rows) {
+        std::lock_guard<DataHolder> guard(*this);
+        std::string chanState;
+        getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+        ConfigChannelTarnevel channel(*this, *this);
+        channel.configChannel(rowId);
+        if (chanState == state::PLAYING || chanState == state::PLAYED)
+            replay.push_back(rowId);
+    }
+    std::string names;
+    for (const std::string& rowId : replay)
+        names += (names.empty() ? "" : ",") + rowId;
+    DBG(DBG_INFO) << "peerWatch: mediator restarted: " << rows.size() << " channels configured again, playing again: "
+                  << (names.empty() ? "none" : names);
+    for (const std::string& rowId : replay) {
+        ConfigChannelTarnevel channel(*this, *this);
+        channel.playChannel(rowId);
+    }
+}
