@@ -1,10 +1,13 @@
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/PeerNames.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
+using namespace tarnevel;
 
 using namespace vocab;
 
@@ -92,6 +95,11 @@ int ConfigChannelTarnevel::getNextChildRowId(const std::string& dataSet, const s
     return -1;
 }
 
+// Where the backup wins: at every stop, over the values a Zixi request set.
+// The encoder goes back with the channel: the restored video bitrate is sent
+// to it too, so that a later play (the operator's, which sends no
+// configuration) runs what the channel shows. Where the operator's on-the-fly
+// change wins: see changeOnTheFly, which drops the backup.
 Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE}) {
@@ -99,6 +107,9 @@ Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId)
         result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, saved, rowId);
         if (saved != 0)
             result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, property, saved, rowId);
+        const int channel = channelIndex(rowId);
+        if (saved != 0 && channel >= 0 && std::string(property) == prop::VIDEO_BITRATE)
+            result |= ITarnevelClient::setTarnevelIntParam(&holder, med::VIDEO_ENCODER[channel], med::PARAM_BITRATE, saved);
     }
     return result | clearChannelParametersBackup(rowId);
 }
