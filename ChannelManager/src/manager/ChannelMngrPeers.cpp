@@ -151,12 +151,12 @@ void ChannelMngr::configureMediatorAgain() {
             replay.push_back(rowId);
     }
     std::string names;
-    for (const std::string& rowId : replay)
-        names += (names.empty() ? "" : ",") + rowId;
-    DBG(DBG_INFO) << "peerWatch: mediator restarted: " << rows.size() << " channels configured again, playing again: "
-                  << (names.empty() ? "none" : names);
     for (const std::string& rowId : replay) {
         ConfigChannelTarnevel channel(*this, *this);
         channel.playChannel(rowId);
+        names += (names.empty() ? "" : ",") + rowId;
     }
+    // Once all is done: whoever reads it finds the channels as they stay.
+    DBG(DBG_INFO) << "peerWatch: mediator restarted: " << rows.size() << " channels configured again, playing again: "
+                  << (names.empty() ? "none" : names);
 }

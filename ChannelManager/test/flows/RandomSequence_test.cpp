@@ -41,9 +41,11 @@ const char* const ROWS[] = {row::H264, row::HEVC};
 const char* const SOURCES[] = {value::SRC_HD_SDI, value::SRC_HDMI};
 const char* const FEEDERS[] = {"Zixi Feeder CH0", "Zixi Feeder CH1"};
 const char* const TARGETS[] = {"H.264 Target1", "HEVC Target1"};
-// Inputs per channel: two its encoding format is made from, one it is not, none.
-const char* const INPUTS[2][4] = {{"1920x1080i @ 25", "1920x1080i @ 29.97", "2048x1080p @ 24", "None"},
-                                  {"1280x720p @ 50", "1280x720p @ 60", "2048x1080p @ 24", "None"}};
+// Inputs per channel: the one its encoding format is made from (another
+// frame rate could move its "Frame Sampling", and with it what is valid),
+// one it is not made from, none.
+const char* const INPUTS[2][3] = {{"1920x1080i @ 25", "2048x1080p @ 24", "None"},
+                                  {"1280x720p @ 50", "2048x1080p @ 24", "None"}};
 const char* const PROFILES[] = {"Broadcast - Broadband", value::PROFILE_ULL};
 const char* const PROTOCOLS[] = {value::UDP_TS, value::SRT, value::ZIXI, value::RTP_TS};
 const char* const REFUSED[] = {"Tarnevel Start Branch", "Tarnevel Stop Branch", "Tarnevel Get Branch State"};
@@ -115,7 +117,7 @@ private:
         h.manager.doHandle(&e);
     }
     void input(int c, int v) {
-        current[c] = v % 4;
+        current[c] = v % 3;
         event(ev::AUTO_DETECTION, SOURCES[c], "ON", "", {{"Input Detected", INPUTS[c][current[c]]}});
     }
     std::string edit(const char* component, const char* property, int c, const std::string& text, bool accept) {
@@ -179,15 +181,15 @@ private:
             case Kind::Restart: {
                 h.logLevel(DBG_INFO);
                 const bool restarted = h.mediator.restart();
-                const bool replayed = h.waitLog("peerWatch: mediator restarted:", 30);
+                const bool replayed = h.waitLog("peerWatch: mediator restarted:", 10);
                 h.logLevel(DBG_WARN);
                 if (!restarted || !replayed)
                     broken = "the restarted mediator was not configured again";
                 break;
             }
-            case Kind::Refuse:
-                armed = REFUSED[s.value % 3];
-                h.failNext(armed);
+            case Kind::Refuse:  // one refusal at a time
+                if (armed.empty() && isOk(h.failNext(REFUSED[s.value % 3])))
+                    armed = REFUSED[s.value % 3];
                 break;
             case Kind::Load:
                 inputStopped[0] = inputStopped[1] = false;
@@ -199,16 +201,19 @@ private:
         return broken;
     }
 
-    // The operator's answer to a refusal: a channel whose stop or resume the
-    // mediator refused is stopped again (and a refused resume ends the
-    // channel's stop for its input: it reported its play error).
+    // The operator's answer to a refusal ("Channel Stopped" or "Channel Play
+    // Error" with 0x10100): a stopped channel whose branch still runs is
+    // stopped again. A refused resume ends the channel's stop for its input:
+    // it reported its play error and waits for its operator.
     void refusalTaken() {
         for (int c = 0; c < 2; ++c) {
-            if (state(c) != state::STOPPED)
-                continue;
-            inputStopped[c] = false;
-            if (!running(c).empty())
+            const std::string now = state(c);
+            if (now != state::PLAYING)
+                inputStopped[c] = false;
+            if ((now == state::STOPPED || now == state::STOPPING) && !running(c).empty()) {
+                inputStopped[c] = false;
                 sendRow(cmd::STOP, c);
+            }
         }
     }
 
@@ -240,7 +245,7 @@ private:
                     return std::string(ROWS[c]) + " shows video bitrate " + std::to_string(shows) +
                            ", the encoder runs " + runs;
             }
-            if (inputStopped[c] && current[c] < 2 && now != state::PLAYING)
+            if (inputStopped[c] && current[c] == 0 && now != state::PLAYING)
                 return std::string(ROWS[c]) + " stopped for its input stays " + now + " with a valid input back";
         }
         return "";
