@@ -257,10 +257,13 @@ private:
     std::string armed;  // the request the mediator will refuse, until it did
 };
 
-// Drops chunks of steps while the run still fails, within `budget` runs.
+// Drops chunks of steps while the run still fails, within `budget` runs and
+// two minutes.
 std::vector<Step> shrink(std::vector<Step> steps, int budget) {
-    for (size_t chunk = steps.size() / 2; chunk >= 1 && budget > 0; chunk /= 2)
-        for (size_t at = 0; at + chunk <= steps.size() && budget > 0; --budget) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+    auto more = [&] { return budget > 0 && std::chrono::steady_clock::now() < end; };
+    for (size_t chunk = steps.size() / 2; chunk >= 1 && more(); chunk /= 2)
+        for (size_t at = 0; at + chunk <= steps.size() && more(); --budget) {
             std::vector<Step> shorter(steps);
             shorter.erase(shorter.begin() + static_cast<long>(at), shorter.begin() + static_cast<long>(at + chunk));
             if (!Day().run(shorter).empty())
