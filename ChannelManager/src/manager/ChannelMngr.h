@@ -177,7 +177,8 @@ private:
     struct WatchedPeer {
         const char* socket;
         bool configures;  // the mediator: configured again when it comes back
-        SocketIdentity identity{};
+        SocketIdentity identity{};  // the one acted on
+        SocketIdentity seen{};      // the last one seen
         bool subscribed = false;
         bool configure = false;  // due once the subscription is acknowledged
         int backoffSec = 0;

@@ -3,7 +3,7 @@
 // restarts later (a new process behind the same socket), would never send it
 // another event. A watcher thread, "tChPeers", looks at each peer's socket
 // file about once a second: the file's identity (device, inode, change time)
-// tells a peer that appeared or was replaced. Such a peer is subscribed to
+// tells a peer that appeared or was replaced, once it held for a period. Such a peer is subscribed to
 // again, retried with a back-off of 1, 2, 4, then 8 seconds at most until it
 // acknowledges. A mediator that appeared or restarted has no configuration:
 // once subscribed, every channel is configured again and the channels that
@@ -53,7 +53,7 @@ void ChannelMngr::startPeerWatch(Fcodes mediatorSubscribed, Fcodes deviceSubscri
     peers[0].subscribed = isOk(mediatorSubscribed);
     peers[1].subscribed = isOk(deviceSubscribed);
     for (WatchedPeer& peer : peers) {
-        peer.identity = socketIdentity(peer.socket);
+        peer.identity = peer.seen = socketIdentity(peer.socket);
         peer.nextTry = std::chrono::steady_clock::now();
     }
     watchStopping = false;
@@ -93,8 +93,13 @@ void ChannelMngr::peerWatchLoop() {
 }
 
 void ChannelMngr::watchPeer(WatchedPeer& peer) {
+    // Acted on once it held for a whole period: a new socket's change time
+    // moves again when its owner sets its mode just after binding it, and
+    // that must not count as a second restart.
     const SocketIdentity now = socketIdentity(peer.socket);
-    if (!(now == peer.identity)) {
+    const bool settled = now == peer.seen;
+    peer.seen = now;
+    if (settled && !(now == peer.identity)) {
         if (now.inode != 0) {
             DBG(DBG_INFO) << "peerWatch: peer=" << peer.socket << (peer.identity.inode != 0 ? " restarted" : " appeared");
             // Whatever it was told before went with the process before it.
