@@ -113,6 +113,13 @@ TEST(DaysOfUse, AResumedChannelRunsTheBitrateItShows) {
                         response);
     run(h, cmd::STOP, row::HEVC);
     EXPECT_EQ(3000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
+    // The operator's own play after a Zixi request and a stop: the encoder went back with the stop.
+    run(h, cmd::PLAY, row::HEVC);
+    dataStream(h, mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::HEVC, "ON", {{"Total Bitrate", "2000000"}}));
+    run(h, cmd::STOP, row::HEVC);
+    run(h, cmd::PLAY, row::HEVC);
+    EXPECT_EQ(std::to_string(h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC)),
+              lastWrite(h, "Video Encoder CH1/Bitrate="));
 }
 
 // The mediator restarts (a new process behind its socket, knowing nothing):
