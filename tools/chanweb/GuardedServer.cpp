@@ -2,11 +2,17 @@
 
 #include <poll.h>
 #include <signal.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstdint>
 
 #include <algorithm>
 
 // When the request the calling worker reads must be in (max(): no limit).
 thread_local std::chrono::steady_clock::time_point tDeadline = std::chrono::steady_clock::time_point::max();
+// The socket of the connection the calling worker serves (its last read).
+thread_local int tSocket = -1;
 
 namespace {
 
@@ -41,9 +47,9 @@ GuardedServer::GuardedServer(std::vector<std::string> allowed) : hosts(std::move
             res.set_content("{\"error\":\"unknown Host\"}\n", "application/json");
             return httplib::Server::HandlerResponse::Handled;
         }
+        // No body: the library would serve the ranges asked for out of it.
         if (req.get_header_value("Range").find(',') != std::string::npos) {
             res.status = 416;
-            res.set_content("{\"error\":\"one byte range at most\"}\n", "application/json");
             return httplib::Server::HandlerResponse::Handled;
         }
         return httplib::Server::HandlerResponse::Unhandled;
@@ -95,22 +101,65 @@ void GuardedServer::Workers::shutdown() {
     pool.shutdown();
 }
 
-// The HTTP library waits for every read and write of a connection with
-// poll(); on a worker this wait ends (as a time-out, which closes the
-// connection) when the worker's request deadline passes, however the client
-// trickles its bytes. Other threads wait as they asked.
-extern "C" int poll(pollfd* fds, nfds_t count, int timeoutMs) {
+namespace {
+
+const timespec kNoWait{0, 0};
+
+// Milliseconds the calling worker may still wait for its request; -1: no limit.
+int64_t msLeft() {
     const auto deadline = tDeadline;
-    if (deadline != std::chrono::steady_clock::time_point::max()) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline -
-                                                                                std::chrono::steady_clock::now());
-        if (left.count() <= 0)
-            return 0;
-        if (timeoutMs < 0 || left.count() < timeoutMs)
-            timeoutMs = static_cast<int>(left.count());
-    }
+    if (deadline == std::chrono::steady_clock::time_point::max())
+        return -1;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    return std::max<int64_t>(left.count(), 0);
+}
+
+int waitFor(pollfd* fds, nfds_t count, int timeoutMs) {
     if (timeoutMs < 0)
         return ppoll(fds, count, nullptr, nullptr);
     const timespec limit{timeoutMs / 1000, (timeoutMs % 1000) * 1000000L};
     return ppoll(fds, count, &limit, nullptr);
+}
+
+}  // namespace
+
+// The HTTP library waits for a connection's next request with poll() and
+// reads it with recv() on a socket with a per-read time-out. On a worker
+// whose request deadline is set, both waits end when it passes (poll as a
+// time-out, recv as a failed read), which closes the connection however
+// slowly the client trickles its bytes. Every other wait is as asked.
+// Once the deadline passed the connection is shut down: the library would
+// answer the torn request and wait for another on the same connection.
+extern "C" int poll(pollfd* fds, nfds_t count, int timeoutMs) {
+    const int64_t left = msLeft();
+    const bool clamped = left >= 0 && (timeoutMs < 0 || left < timeoutMs);
+    const int ready = waitFor(fds, count, clamped ? static_cast<int>(left) : timeoutMs);
+    if (ready == 0 && clamped)
+        for (nfds_t i = 0; i < count; ++i)
+            shutdown(fds[i].fd, SHUT_RDWR);
+    return ready;
+}
+
+extern "C" ssize_t recv(int fd, void* buffer, size_t size, int flags) {
+    const int64_t left = msLeft();
+    if (left >= 0) {
+        pollfd readable{fd, POLLIN, 0};
+        if (waitFor(&readable, 1, static_cast<int>(left)) <= 0) {
+            shutdown(fd, SHUT_RDWR);
+            errno = ETIMEDOUT;
+            return -1;
+        }
+    }
+    tSocket = fd;
+    return recvfrom(fd, buffer, size, flags, nullptr, nullptr);
+}
+
+int GuardedServer::currentSocket() {
+    return tSocket;
+}
+
+bool GuardedServer::peerGone(int fd) {
+    pollfd hangup{fd, POLLRDHUP, 0};
+    return fd >= 0 && ppoll(&hangup, 1, &kNoWait, nullptr) > 0 &&
+           (hangup.revents & (POLLRDHUP | POLLHUP | POLLERR)) != 0;
 }

@@ -23,7 +23,7 @@
 class GuardedServer : public httplib::Server {
 public:
     static constexpr int MAX_STREAMS = 16;
-    static constexpr int WORKERS = MAX_STREAMS + 8;
+    static constexpr int WORKERS = MAX_STREAMS + 24;
     static constexpr int REQUEST_SEC = 5;
     static constexpr size_t MAX_BODY = 64 * 1024;
 
@@ -33,6 +33,10 @@ public:
     // Takes one of the MAX_STREAMS stream places; false when all are taken.
     bool takeStream();
     void releaseStream();
+    // In a handler: the socket of the connection it answers. peerGone: true
+    // once that client closed its side (a stream then gives up its place).
+    static int currentSocket();
+    static bool peerGone(int socket);
 
 private:
     // The pool; each connection's request deadline rides on its worker.

@@ -31,7 +31,8 @@ using namespace datacom;
 
 namespace {
 
-constexpr auto KEEPALIVE = std::chrono::seconds(15);
+constexpr auto KEEPALIVE = std::chrono::milliseconds(15000);
+constexpr auto STREAM_SLICE = std::chrono::milliseconds(500);
 constexpr int RETRY_AFTER_SEC = 5;
 
 // chanweb's own sockets take the buttons' answers and the manager's events:
@@ -143,6 +144,7 @@ int main(int argc, char** argv) {
         if (!server.takeStream()) {
             res.status = 503;
             res.set_header("Retry-After", std::to_string(RETRY_AFTER_SEC));
+            res.set_header("Connection", "close");  // its worker is free at once
             res.set_content("{\"error\":\"too many event streams\"}\n", "application/json");
             return;
         }
@@ -151,18 +153,23 @@ int main(int argc, char** argv) {
         auto cursor = std::make_shared<uint64_t>(std::strtoull(req.get_header_value("Last-Event-ID").c_str(),
                                                                nullptr, 10));
         auto first = std::make_shared<bool>(true);
+        auto idle = std::make_shared<std::chrono::milliseconds>(0);
+        // Waits in short slices, so that a client that went away gives up its
+        // place within one, and writes a comment after KEEPALIVE of silence.
         res.set_chunked_content_provider(
             "text/event-stream",
-            [&feed, cursor, first](size_t, httplib::DataSink& sink) {
-                if (feed.closed())
+            [&feed, cursor, first, idle, socket = GuardedServer::currentSocket()](size_t, httplib::DataSink& sink) {
+                if (feed.closed() || GuardedServer::peerGone(socket))
                     return false;
-                std::string chunk = feed.next(*cursor, KEEPALIVE);
-                if (chunk.empty())
-                    chunk = ": keep-alive\n\n";
-                if (*first)
-                    chunk = "retry: 2000\n\n" + chunk;
+                std::string chunk = *first ? "retry: 2000\n\n" : "";
                 *first = false;
-                return !feed.closed() && sink.write(chunk.data(), chunk.size());
+                chunk += feed.next(*cursor, STREAM_SLICE);
+                *idle = chunk.empty() ? *idle + STREAM_SLICE : std::chrono::milliseconds(0);
+                if (*idle >= KEEPALIVE) {
+                    chunk = ": keep-alive\n\n";
+                    *idle = std::chrono::milliseconds(0);
+                }
+                return !feed.closed() && (chunk.empty() || sink.write(chunk.data(), chunk.size()));
             },
             [&server](bool) { server.releaseStream(); });
     });
