@@ -11,6 +11,9 @@
 # source tree.
 include(GNUInstallDirs)
 
+# Everything below without a component of its own goes to the daemon's package.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME daemon)
+
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set(SYSMGT_SYSCONFDIR /etc)
 else()
@@ -38,9 +41,13 @@ configure_file(${PROJECT_SOURCE_DIR}/etc/init.d/channel_manager.in
 install(FILES ${PROJECT_BINARY_DIR}/etc/channel_manager.service DESTINATION lib/systemd/system)
 install(PROGRAMS ${PROJECT_BINARY_DIR}/etc/init.d/channel_manager DESTINATION ${SYSMGT_SYSCONFDIR}/init.d)
 
-# ---- Debian package: one per architecture, named after it ----
+# ---- Debian packages, one per install component, each named after its architecture ----
+# Component "daemon" is the package channel-manager (the daemon and its tools).
 set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL daemon)
 set(CPACK_PACKAGE_NAME channel-manager)
+set(CPACK_DEBIAN_DAEMON_PACKAGE_NAME channel-manager)
 set(CPACK_PACKAGE_VERSION 1.0.0)
 set(CPACK_PACKAGE_CONTACT "Encoder appliance team <appliance@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Channel manager daemon of the encoder appliance, with chanctl and dbglog")
@@ -63,5 +70,5 @@ else()
   set(_initScript ${CMAKE_INSTALL_PREFIX}/${SYSMGT_SYSCONFDIR}/init.d/channel_manager)
 endif()
 file(WRITE ${PROJECT_BINARY_DIR}/etc/debian/conffiles "${_initScript}\n")
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/etc/debian/conffiles)
+set(CPACK_DEBIAN_DAEMON_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/etc/debian/conffiles)
 include(CPack)
