@@ -114,5 +114,12 @@ drips.forEach((d) => { clearInterval(d.timer); d.socket.destroy(); });
 streams.forEach((s) => s.destroy());
 await sleep(300);
 
+// The streams that went away gave their places back.
+let again = 0;
+for (let i = 0; i < 10 && again !== 200; ++i) {
+  again = statusOf(await raw(`GET /api/events HTTP/1.1\r\nHost: ${host}\r\nConnection: close\r\n\r\n`, 500));
+  if (again !== 200) await sleep(500);
+}
+check(again === 200, "closed streams give their places back within seconds", String(again));
 console.log(`# chanweb resident set now ${rssKiB()} KiB`);
 process.exit(failures ? 1 : 0);
