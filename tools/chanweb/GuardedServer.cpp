@@ -1,13 +1,11 @@
 #include "GuardedServer.h"
 
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
-
-#include <algorithm>
 
 // When the request the calling worker reads must be in (max(): no limit).
 thread_local std::chrono::steady_clock::time_point tDeadline = std::chrono::steady_clock::time_point::max();
@@ -19,8 +17,6 @@ namespace {
 constexpr int KEEPALIVE_REQUESTS = 20;
 constexpr int KEEPALIVE_IDLE_SEC = 3;
 constexpr int IO_TIMEOUT_SEC = 5;
-constexpr int RETRY_AFTER_SEC = 5;
-
 
 // "name", "name:port", "[v6]" or "[v6]:port" without the port and brackets.
 std::string hostName(const std::string& header) {

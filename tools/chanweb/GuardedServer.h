@@ -12,7 +12,9 @@
 // - a fixed pool of workers, of which event streams may take MAX_STREAMS
 //   (beyond it 503 with Retry-After), so status and buttons always find one;
 // - a connection must deliver each whole request within REQUEST_SEC (a slow
-//   sender is cut), then reads and writes have their own time-outs;
+//   sender is cut; the deadline rides on the library's own waits, see
+//   poll() and recv() in GuardedServer.cpp), then reads and writes have
+//   their own time-outs;
 //   keep-alive is bounded in requests and idle time;
 // - request bodies over MAX_BODY are refused (413) without being kept, and a
 //   request for several byte ranges is refused (416);
