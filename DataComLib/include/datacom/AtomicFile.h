@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <string>
 
 namespace datacom {
@@ -13,10 +15,10 @@ namespace datacom {
 // also removes the temporary files that earlier stores of the same file left
 // when the process died before their rename. Stores of one process are
 // serialised; a file is stored by one process only.
-int writeFileAtomically(const std::string& logicalPath, const std::string& content);
+DATACOM_API int writeFileAtomically(const std::string& logicalPath, const std::string& content);
 
 // Test seam: when set, called after the temporary file is complete and
 // before the rename; a non-zero return is treated as that step's errno.
-extern int (*gAtomicFileBeforeRename)(const std::string& tempPath);
+extern DATACOM_API int (*gAtomicFileBeforeRename)(const std::string& tempPath);
 
 }  // namespace datacom

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -13,7 +15,7 @@ namespace datacom {
 // name, value type, access right, default value and, for enumerations, the
 // allowed values. Owned by its table or object; items point at it. No lock:
 // callers hold the owner's lock when the column is shared.
-class DataColumn {
+class DATACOM_API DataColumn {
 public:
     // Empty name, string type, read-only, no values, default 0.
     DataColumn();
@@ -62,6 +64,6 @@ private:
 // which takes ownership. A column that fails is logged as "initFromString:
 // error in <what> fcode=" and freed, since nothing refers to it. Returns the
 // or of all column codes.
-Fcodes parseColumns(const std::string& block, const char* what, const std::function<void(DataColumn*)>& add);
+DATACOM_API Fcodes parseColumns(const std::string& block, const char* what, const std::function<void(DataColumn*)>& add);
 
 }  // namespace datacom

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <pthread.h>
 #include <sys/socket.h>
 
@@ -38,7 +40,7 @@ enum class ParamAccess { Read, Write };
 // alone reads the receive socket and calls the holder. Requests may be issued
 // from any thread at once. The response history and the subscriber list are
 // guarded by their own mutexes.
-class DataCommunicator {
+class DATACOM_API DataCommunicator {
 public:
     DataCommunicator();
     // Stops the server thread (see stop) and closes the sockets.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <pthread.h>
 #include <semaphore.h>
 
@@ -28,7 +30,7 @@ class DataTable;
 // an event (id 2, size of the event record). `data` owns the payload; its
 // deleter knows the kind, so whoever drops the item frees it: the worker, once
 // doExecute or doHandle has returned.
-struct event_type {
+struct DATACOM_API event_type {
     enum : int32_t { COMMAND = 1, EVENT = 2 };
     int32_t id;
     int32_t size;
@@ -54,7 +56,7 @@ struct event_type {
 // queued, then lets the worker finish what is queued, ends it and joins it.
 // A derived service whose hooks use its own members calls shutdown() in its
 // own destructor, before those members go.
-class DataHolder : public IDataHolder {
+class DATACOM_API DataHolder : public IDataHolder {
 public:
     DataHolder() = default;
     // Runs shutdown(); frees what is still queued, the data sets and the store.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <string>
 
@@ -14,7 +16,7 @@ class DataRow;
 // both an integer and a text form, with change bits (1 new, 4 changed).
 // Owned by its row while it is in one; points at its column (owned by the
 // table) and back at its row. No lock of its own: callers hold the table lock.
-class DataItem {
+class DATACOM_API DataItem {
 public:
     // No column, state new, values 0 and empty.
     DataItem();
@@ -112,6 +114,6 @@ private:
 // stay. An enumeration index is deliberately not re-mapped: enumerations grow
 // by appending entries, so a stored index still names the same entry.
 // Logged as `caller`.
-void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& columnName, const char* caller);
+DATACOM_API void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& columnName, const char* caller);
 
 }  // namespace datacom

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -23,7 +25,7 @@ class DataSet;
 // the object so that edits mark it changed. A recursive mutex guards
 // touch, untouch, toString, getInstances, getParameters, doDeleteAllInstances
 // and cleanUpRelations; callers bracket other multi-step work with lock()/unlock().
-class DataObject : public RowOwner<std::string> {
+class DATACOM_API DataObject : public RowOwner<std::string> {
 public:
     DataObject();
     explicit DataObject(const std::string& objectName);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -20,7 +22,7 @@ class DataTable;
 // change bits (1 new, 2 deleted, 4 changed). Owns its items. A non-zero state
 // marks the owning table or object changed. No lock of its own: callers hold
 // the table (or object) lock.
-class DataRow {
+class DATACOM_API DataRow {
 public:
     DataRow();
     explicit DataRow(int32_t rowId);

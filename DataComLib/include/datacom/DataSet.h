@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -20,7 +22,7 @@ class DataTable;
 // tables, kept as tag text in a file. Owns its tables. No lock of its own:
 // loading, storing, merging and accepting run on one thread (the data
 // holder's worker); parameter reads hold the table's lock.
-class DataSet {
+class DATACOM_API DataSet {
 public:
     using TableList = std::vector<DataTable*>;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include "datacom/IDataSets.h"
 
 namespace datacom {
@@ -7,7 +9,7 @@ namespace datacom {
 // Makes the JSON dataset store a data holder installs: a `DataSets`. A holder
 // that needs another store (a test's, say) overrides
 // DataHolder::createDataSets instead.
-class DataSetsFactory {
+class DATACOM_API DataSetsFactory {
 public:
     // A new, empty store, owned by the caller.
     IDataSets* createDataSets();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -23,7 +25,7 @@ class DataSet;
 // its dataset. Every operation that walks or changes the rows holds the
 // table's recursive mutex; column operations, accessors and isChanged do not,
 // so multi-step callers bracket their work with lock()/unlock().
-class DataTable : public RowOwner<int32_t> {
+class DATACOM_API DataTable : public RowOwner<int32_t> {
 public:
     using Columns = std::vector<std::unique_ptr<DataColumn>>;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <pthread.h>
 
 #include <atomic>
@@ -15,17 +17,17 @@ namespace datacom {
 // 0 (the default) logs everything, 5 silences the log. Set by -v and by the
 // "StartDbgPrint"/"StopDbgPrint" commands. Atomic: the messaging engine's
 // server thread changes it while every other thread reads it.
-extern std::atomic<int32_t> gDbgLevel;
+extern DATACOM_API std::atomic<int32_t> gDbgLevel;
 
 // Severity names, padded to five characters so that the prefixes line up.
-extern const char* const gSeverityString[5];
+extern DATACOM_API const char* const gSeverityString[5];
 
 enum DbgSeverity : int { DBG_INFO = 0, DBG_WARN = 1, DBG_ERROR = 2, DBG_FATAL = 3, DBG_SYS = 4 };
 
 // Process-wide writer of finished log lines into the debug pipe read by the
 // log collector (dbglog on a host). Lives for the whole process; any thread
 // may log. No failure of the log ever reaches a caller.
-class DbgPrintClient {
+class DATACOM_API DbgPrintClient {
 public:
     static DbgPrintClient* instance;
     // Creates the singleton on first use, opening "/tmp/sockDbg". The open
@@ -71,13 +73,13 @@ private:
 };
 
 // Free forms every module uses; each forwards to the singleton.
-void fillInOss(int severity, std::ostringstream* oss);
-void debugReport(std::ostringstream* oss);
-void setTaskName(unsigned long threadId, const std::string& name);
+DATACOM_API void fillInOss(int severity, std::ostringstream* oss);
+DATACOM_API void debugReport(std::ostringstream* oss);
+DATACOM_API void setTaskName(unsigned long threadId, const std::string& name);
 
 // One log line under construction: prefix and "file:line:" on creation,
 // end-of-line and the write on destruction. Use through DBG.
-class DbgLine {
+class DATACOM_API DbgLine {
 public:
     DbgLine(int severity, const char* file, int line);
     ~DbgLine();
@@ -91,7 +93,7 @@ private:
 
 // Turns the streamed line into a void expression, so DBG is one expression
 // that nests safely inside if/else.
-struct DbgVoidify {
+struct DATACOM_API DbgVoidify {
     void operator&(std::ostream&) {}
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <string>
 
@@ -38,6 +40,6 @@ inline bool isOk(Fcodes code) {
 // The fixed text of a code ("OK", "No Such Name", ...). A merged code that is
 // not in the table reads as the texts of its failure bits joined by ", ";
 // a value with no known bit reads as "Unknown Fcode 0x" and its hex digits.
-std::string fcodeText(Fcodes code);
+DATACOM_API std::string fcodeText(Fcodes code);
 
 }  // namespace datacom

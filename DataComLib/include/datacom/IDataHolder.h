@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <string>
 #include <vector>
 
@@ -34,7 +36,7 @@ class MessageEvent;
 // The engine calls handle, execute, the row operations and rollbackChanges on
 // its server thread, and the data operations of "GET"/"SET" there too; an
 // implementation must accept them there.
-class IDataHolder {
+class DATACOM_API IDataHolder {
 public:
     virtual ~IDataHolder() = default;
 

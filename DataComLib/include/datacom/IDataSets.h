@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <json/json.h>
 
 #include <cstdint>
@@ -20,7 +22,7 @@ namespace datacom {
 // "instances" object, the empty key the component's single "instance") or an
 // index (`int`: an element of an "instances" array; never the single instance).
 // Every operation is thread-safe and never throws; results are Fcodes.
-class IDataSets {
+class DATACOM_API IDataSets {
 public:
     virtual ~IDataSets() = default;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <string>
 
 #include "datacom/Fcodes.h"
@@ -8,7 +10,7 @@
 namespace datacom {
 
 // A named request with named text parameters, carried in a "COMMAND" body.
-class MessageCommand : public MessageParams {
+class DATACOM_API MessageCommand : public MessageParams {
 public:
     const std::string& getId() const { return id; }
     void setId(const std::string& newId) { id = newId; }

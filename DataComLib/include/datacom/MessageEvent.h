@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <string>
 
 #include "datacom/Fcodes.h"
@@ -9,7 +11,7 @@ namespace datacom {
 
 // A one-way notification from a process to its subscribers. Passed by pointer;
 // whoever receives it last owns and deletes it.
-class MessageEvent : public MessageParams {
+class DATACOM_API MessageEvent : public MessageParams {
 public:
     // Replaces `out` with the event's tag text (attributes first, then the
     // parameters in name order). Nothing is escaped.

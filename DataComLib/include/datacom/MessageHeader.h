@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <string>
 
@@ -10,7 +12,7 @@ namespace datacom {
 // The envelope of every datagram: message ID, type, result code and the size
 // of the body that follows the header in the same datagram. Replies and events
 // carry their Fcode on the wire; requests ("COMMAND", "GET", "SET") do not.
-class MessageHeader {
+class DATACOM_API MessageHeader {
 public:
     // Appends (does not replace) the header text to `out`.
     void toString(std::string& out) const;

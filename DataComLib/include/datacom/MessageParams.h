@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <map>
 #include <string>
 
@@ -7,7 +9,7 @@ namespace datacom {
 
 // The named text parameters shared by events and commands: unique names,
 // kept and printed in name order.
-class MessageParams {
+class DATACOM_API MessageParams {
 public:
     using ParamMap = std::map<std::string, std::string>;
 

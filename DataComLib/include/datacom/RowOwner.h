@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <atomic>
 #include <cstdint>
 #include <map>
@@ -18,7 +20,7 @@ namespace datacom {
 // change scans over the rows. The scans hold the mutex; isChanged and the
 // state accessors do not.
 template <typename Key>
-class RowOwner {
+class DATACOM_API RowOwner {
 public:
     using Rows = std::map<Key, std::unique_ptr<DataRow>>;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <string>
 
 namespace datacom {
@@ -10,7 +12,7 @@ namespace datacom {
 // that several appliances can run side by side on a host without root rights.
 // Relative paths, and every path on the device (no SYSMGT_ROOT), are unchanged.
 // Messages and datasets keep carrying the logical paths.
-std::string sysmgtPath(const std::string& logicalPath);
+DATACOM_API std::string sysmgtPath(const std::string& logicalPath);
 
 // The process environment is shared by every thread, and setenv may move the
 // variables while another thread reads them. Readers and writers of the
@@ -18,10 +20,10 @@ std::string sysmgtPath(const std::string& logicalPath);
 // SYSMGT_ROOT, the spawn of a shell line (which copies the environment) and
 // setTimeZone. The lock is taken for a copy or a write only, never across a
 // wait.
-void lockEnvironment();
-void unlockEnvironment();
+DATACOM_API void lockEnvironment();
+DATACOM_API void unlockEnvironment();
 
 // Sets "TZ" (overwriting) and re-reads the time-zone rules, under the lock.
-void setTimeZone(const std::string& zone);
+DATACOM_API void setTimeZone(const std::string& zone);
 
 }  // namespace datacom

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tarnevel/Export.h"
+
 #include <string>
 
 #include "datacom/Fcodes.h"
@@ -17,7 +19,7 @@ namespace tarnevel {
 // Results: the engine's code, the mediator's Fcode from its ACK, or "Message
 // Body Error" for an answer without the expected parameter. Out-values are
 // left untouched on every failure.
-class ITarnevelClient {
+class TARNEVEL_API ITarnevelClient {
 public:
     static datacom::Fcodes getTarnevelTextParam(datacom::IDataHolder* holder, const std::string& component, const std::string& parameter,
                                        std::string& value);
