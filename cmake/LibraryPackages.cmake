@@ -68,7 +68,8 @@ set(CPACK_DEBIAN_DATACOM_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 # libtarnevelclient1 needs libdatacom1 from this same build, which dpkg-shlibdeps
-# cannot look up in the system's package database: named here.
+# finds in the build tree but cannot look up in the package database: named here.
+list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_DEPENDS "libdatacom${SYSMGT_LIB_SOVERSION} (= ${_libVersion})")
 set(CPACK_DEBIAN_DATACOM_DEV_PACKAGE_DEPENDS "libdatacom${SYSMGT_LIB_SOVERSION} (= ${_libVersion}), libjsoncpp-dev")
 set(CPACK_DEBIAN_TARNEVELCLIENT_DEV_PACKAGE_DEPENDS
