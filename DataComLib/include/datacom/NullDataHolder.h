@@ -7,10 +7,10 @@
 
 namespace datacom {
 
-// A data holder without stores: every operation answers FC_UNSUPPORTED
-// (row operations 0, look-ups nothing) and events handed to it are dropped.
-// The base of processes and test peers that need the messaging engine but
-// only a few of the holder's operations: they override those.
+/// A data holder without stores: every operation answers FC_UNSUPPORTED
+/// (row operations 0, look-ups nothing) and events handed to it are dropped.
+/// The base of processes and test peers that need the messaging engine but
+/// only a few of the holder's operations: they override those.
 class DATACOM_API NullDataHolder : public IDataHolder {
 public:
     void init(const std::string&) override {}

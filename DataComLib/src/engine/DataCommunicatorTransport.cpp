@@ -67,7 +67,7 @@ Fcodes DataCommunicator::makeSocket(int& sock, const std::string& path, const ch
     return FC_OK;
 }
 
-void DataCommunicator::init(IDataHolder* holder, const std::string& receivePath, const std::string& sendPath,
+void DataCommunicator::init(IEngineHooks* holder, const std::string& receivePath, const std::string& sendPath,
                             const std::string& taskName) {
     name = taskName;
     dataHolder = holder;
