@@ -9,6 +9,15 @@ mkdir -p "$work"
 for component in datacom datacom_dev tarnevelclient tarnevelclient_dev; do
     cmake --install "$build" --prefix "$work/stage" --component "$component" >/dev/null
 done
+# A 32-bit consumer is given 64-bit file offsets and time_t by both files.
+if [ -n "$toolchain" ]; then
+    files=$(find "$work/stage" -name DataComLibTargets.cmake -o -name datacom.pc)
+    [ -n "$files" ] || { echo "run_example.sh: no CMake package or .pc file installed" >&2; exit 1; }
+    for file in $files; do
+        grep -q "_FILE_OFFSET_BITS=64" "$file" && grep -q "_TIME_BITS=64" "$file" ||
+            { echo "run_example.sh: $file lacks _FILE_OFFSET_BITS=64 or _TIME_BITS=64" >&2; exit 1; }
+    done
+fi
 # Only the staging prefix: nothing of the build tree is on the example's paths.
 set -- -DCMAKE_PREFIX_PATH="$work/stage" -DCMAKE_BUILD_TYPE=Release
 [ -n "$toolchain" ] && set -- "$@" -DCMAKE_TOOLCHAIN_FILE="$toolchain"
