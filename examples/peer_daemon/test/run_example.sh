@@ -1,9 +1,9 @@
 #!/bin/sh
 # Installs the libraries' components into a staging prefix, builds the LED
 # daemon against that prefix alone and runs it beside the channel manager.
-#   run_example.sh BUILD_DIR SOURCE_DIR WORK_DIR TOOLCHAIN_FILE LAUNCHER RUNNER
+#   run_example.sh BUILD_DIR SOURCE_DIR WORK_DIR TOOLCHAIN_FILE LAUNCHER RUNNER COMPILER SANITIZER_FLAGS
 set -eu
-build=$1 source=$2 work=$3 toolchain=$4 launch=$5 runner=$6
+build=$1 source=$2 work=$3 toolchain=$4 launch=$5 runner=$6 compiler=${7:-} sanitize=${8:-}
 rm -rf "$work"
 mkdir -p "$work"
 for component in datacom datacom_dev tarnevelclient tarnevelclient_dev; do
@@ -19,7 +19,9 @@ if [ -n "$toolchain" ]; then
     done
 fi
 # Only the staging prefix: nothing of the build tree is on the example's paths.
-set -- -DCMAKE_PREFIX_PATH="$work/stage" -DCMAKE_BUILD_TYPE=Release
+set -- -DCMAKE_PREFIX_PATH="$work/stage" -DCMAKE_BUILD_TYPE=Release \
+    -DCMAKE_CXX_FLAGS="$sanitize" -DCMAKE_EXE_LINKER_FLAGS="$sanitize"
+[ -n "$compiler" ] && set -- "$@" -DCMAKE_CXX_COMPILER="$compiler"
 [ -n "$toolchain" ] && set -- "$@" -DCMAKE_TOOLCHAIN_FILE="$toolchain"
 command -v ninja >/dev/null && set -- "$@" -G Ninja
 cmake -S "$source/examples/peer_daemon" -B "$work/build" "$@" >"$work/configure.log" 2>&1 ||
@@ -28,7 +30,7 @@ cmake --build "$work/build" >"$work/build.log" 2>&1 || { cat "$work/build.log"; 
 # The same daemon through pkg-config (host builds): the .pc files find their prefix themselves.
 if [ -z "$toolchain" ]; then
     export PKG_CONFIG_PATH="$work/stage/lib/pkgconfig:$(ls -d "$work"/stage/lib/*/pkgconfig 2>/dev/null | tr '\n' :)"
-    c++ -std=c++17 -o "$work/led_daemon_pc" "$source/examples/peer_daemon/led_daemon.cpp" \
+    "${compiler:-c++}" -std=c++17 $sanitize -o "$work/led_daemon_pc" "$source/examples/peer_daemon/led_daemon.cpp" \
         $(pkg-config --cflags --libs "datacom >= 1.0" tarnevelclient) -Wl,-rpath,"$work/stage/lib" ||
         { echo "run_example.sh: the pkg-config build failed" >&2; exit 1; }
 fi
