@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "datacom/DataCommunicator.h"
-#include "datacom/NullDataHolder.h"
+#include "datacom/IEngineHooks.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
 #include "datacom/SysmgtRoot.h"
@@ -230,7 +230,7 @@ private:
 // engine on sockets of its own that keeps every event it receives. Make it
 // inside the root of the processes it talks to. Events arrive on the engine's
 // server thread; the test reads them under the same mutex.
-class PeerClient : public datacom::NullDataHolder {
+class PeerClient : public datacom::IEngineHooks {
 public:
     explicit PeerClient(const std::string& socket = "/tmp/sockFrontEnd") : socket(socket) {
         engine.init(this, socket, socket + "Send", "tPeerClient");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <pthread.h>
 #include <semaphore.h>
 
@@ -24,72 +26,72 @@ namespace datacom {
 class DataItem;
 class DataTable;
 
-// One item of the holder's queue: a command text (id 1, size its length) or
-// an event (id 2, size of the event record). `data` owns the payload; its
-// deleter knows the kind, so whoever drops the item frees it: the worker, once
-// doExecute or doHandle has returned.
-struct event_type {
+/// One item of the holder's queue: a command text (id 1, size its length) or
+/// an event (id 2, size of the event record). `data` owns the payload; its
+/// deleter knows the kind, so whoever drops the item frees it: the worker, once
+/// doExecute or doHandle has returned.
+struct DATACOM_API event_type {
     enum : int32_t { COMMAND = 1, EVENT = 2 };
     int32_t id;
     int32_t size;
     std::unique_ptr<void, void (*)(void*)> data;
 };
 
-// The base of every management service of the configuration layer: the
-// embedded messaging engine, a worker thread that runs queued commands and
-// events one at a time in arrival order, the owned tabular data sets and JSON
-// store, and the parameter facade over them and over remote peers.
-//
-// A service derives from it, implements doHandle, calls init(name) once, then
-// sets up its engine through getDataCommunicator() (init with `this`, start).
-//
-// Threads: handle and execute are called by the engine's server thread and by
-// any other thread of the service; they only append to the queue (one mutex
-// around push and pop) and post the semaphore. The worker runs doExecute and
-// doHandle. Table operations hold the table's own lock; the holder's recursive
-// mutex (lock/unlock) is for derived services and never taken here.
-//
-// Shutdown: on the appliance the worker runs for ever. shutdown() (also run by
-// the destructor) stops the engine's server thread first, so nothing more is
-// queued, then lets the worker finish what is queued, ends it and joins it.
-// A derived service whose hooks use its own members calls shutdown() in its
-// own destructor, before those members go.
-class DataHolder : public IDataHolder {
+/// The base of every management service of the configuration layer: the
+/// embedded messaging engine, a worker thread that runs queued commands and
+/// events one at a time in arrival order, the owned tabular data sets and JSON
+/// store, and the parameter facade over them and over remote peers.
+///
+/// A service derives from it, implements doHandle, calls init(name) once, then
+/// sets up its engine through getDataCommunicator() (init with `this`, start).
+///
+/// Threads: handle and execute are called by the engine's server thread and by
+/// any other thread of the service; they only append to the queue (one mutex
+/// around push and pop) and post the semaphore. The worker runs doExecute and
+/// doHandle. Table operations hold the table's own lock; the holder's recursive
+/// mutex (lock/unlock) is for derived services and never taken here.
+///
+/// Shutdown: on the appliance the worker runs for ever. shutdown() (also run by
+/// the destructor) stops the engine's server thread first, so nothing more is
+/// queued, then lets the worker finish what is queued, ends it and joins it.
+/// A derived service whose hooks use its own members calls shutdown() in its
+/// own destructor, before those members go.
+class DATACOM_API DataHolder : public IDataHolder {
 public:
     DataHolder() = default;
-    // Runs shutdown(); frees what is still queued, the data sets and the store.
+    /// Runs shutdown(); frees what is still queued, the data sets and the store.
     ~DataHolder() override;
     DataHolder(const DataHolder&) = delete;
     DataHolder& operator=(const DataHolder&) = delete;
 
-    // --- Lifecycle, queue and worker (DataHolder.cpp) ---
+    /// --- Lifecycle, queue and worker (DataHolder.cpp) ---
 
-    // Stores the name, makes the JSON store, the semaphore and the worker
-    // thread (round-robin priority 30 asked, creator's policy inherited).
+    /// Stores the name, makes the JSON store, the semaphore and the worker
+    /// thread (round-robin priority 30 asked, creator's policy inherited).
     void init(const std::string& name) override;
-    // Stops the engine's server thread, then the worker (after it has run the
-    // queued items). Idempotent; never called from the worker.
+    /// Stops the engine's server thread, then the worker (after it has run the
+    /// queued items). Idempotent; never called from the worker.
     void shutdown();
-    // Queues the event (owned from now on); FC_OK at once.
+    /// Queues the event (owned from now on); FC_OK at once.
     Fcodes handle(MessageEvent* event) override;
-    // Queues a copy of the command; FC_OK at once, `result` untouched.
+    /// Queues a copy of the command; FC_OK at once, `result` untouched.
     Fcodes execute(const std::string& command, std::string& result) override;
-    // The worker's command hook: "Accept Changes" and "Rollback Changes" as
-    // whole texts, anything else FC_NO_SUCH_NAME.
+    /// The worker's command hook: "Accept Changes" and "Rollback Changes" as
+    /// whole texts, anything else FC_NO_SUCH_NAME.
     Fcodes doExecute(const std::string& command, std::string& result) override;
-    // The worker's event hook. The event is lent: the worker destroys it when
-    // doHandle returns, so a service keeps a copy of what it needs later.
+    /// The worker's event hook. The event is lent: the worker destroys it when
+    /// doHandle returns, so a service keeps a copy of what it needs later.
     Fcodes doHandle(MessageEvent* event) override = 0;
-    // Every tabular data set's changes accepted, in name order; the OR of their codes.
+    /// Every tabular data set's changes accepted, in name order; the OR of their codes.
     Fcodes acceptChanges() override;
-    // Every tabular data set rolled back, in name order; always FC_OK.
+    /// Every tabular data set rolled back, in name order; always FC_OK.
     Fcodes rollbackChanges() override;
     void lock() { mutex.lock(); }
     void unlock() { mutex.unlock(); }
     DataCommunicator* getDataCommunicator() { return &communicator; }
     const std::string& getName() const { return name; }
 
-    // --- Table family and table structure (DataHolderTables.cpp) ---
+    /// --- Table family and table structure (DataHolderTables.cpp) ---
 
     Fcodes deleteRow(const std::string& table, int rowId) override;
     Fcodes getIntParam(const std::string& table, int rowId, const std::string& column, int& value) override;
@@ -105,37 +107,37 @@ public:
                            const std::string& value) override;
     Fcodes getParamState(const std::string& table, int rowId, const std::string& column, unsigned& state) override;
     Fcodes getParamType(const std::string& table, const std::string& column, int& type) override;
-    // The column's default in its decimal text form.
+    /// The column's default in its decimal text form.
     Fcodes getDefValue(const std::string& table, const std::string& column, std::string& value) override;
     int getFirstRowIndex(const std::string& table) override;
     int getNextRowIndex(const std::string& table, int index) override;
-    // These two take no table lock, deliberately: the table's last-row query
-    // locks the table itself, and a row count is stale once returned anyway.
+    /// These two take no table lock, deliberately: the table's last-row query
+    /// locks the table itself, and a row count is stale once returned anyway.
     int getLastRowIndex(const std::string& table) override;
     int getRowsNum(const std::string& table) override;
-    // Row id 0: the table's next free row; otherwise a row of that id (the
-    // existing one when it is there). The row's id, 0 on failure.
+    /// Row id 0: the table's next free row; otherwise a row of that id (the
+    /// existing one when it is there). The row's id, 0 on failure.
     int newRow(const std::string& table, int rowId) override;
     int appendNewRow(const std::string& table) override;
-    // Does nothing and answers FC_OK, deliberately: a table's columns come from
-    // its dataset file, and services must not change a layout at run time.
+    /// Does nothing and answers FC_OK, deliberately: a table's columns come from
+    /// its dataset file, and services must not change a layout at run time.
     Fcodes addColumnToTable(const std::string& dataSet, const std::string& table, const std::string& column,
                             const std::string& type, const std::string& access) override;
-    // Takes ownership; a set already held under that name is destroyed and
-    // replaced. A null set is refused with FC_BAD_VALUE. Not thread-safe
-    // against table lookups: services add their sets at start-up.
+    /// Takes ownership; a set already held under that name is destroyed and
+    /// replaced. A null set is refused with FC_BAD_VALUE. Not thread-safe
+    /// against table lookups: services add their sets at start-up.
     Fcodes addDataSet(const std::string& name, DataSet* dataSet) override;
     DataSet* getDataSet(const std::string& name) override;
-    // The first set, in name order, that has the table; null when none has.
+    /// The first set, in name order, that has the table; null when none has.
     DataSet* findDataSetWithTable(const std::string& table) override;
     DataTable* findDataTable(const std::string& table) override;
     std::vector<std::string> getColumnNames(const std::string& table) override;
 
-    // --- JSON family, forwarded to the store (DataHolderJson.cpp) ---
-    // Without a store (its creation failed) every operation answers FC_UNAVAILABLE, false or nothing.
+    /// --- JSON family, forwarded to the store (DataHolderJson.cpp) ---
+    /// Without a store (its creation failed) every operation answers FC_UNAVAILABLE, false or nothing.
 
-    // The store init installs (a DataSets from DataSetsFactory); a derived
-    // holder overrides it to hand in a store of its own. Owned by the holder.
+    /// The store init installs (a DataSets from DataSetsFactory); a derived
+    /// holder overrides it to hand in a store of its own. Owned by the holder.
     IDataSets* createDataSets() override;
     IDataSets* getDataSets() { return dataSets_json.get(); }
     Fcodes findDataSetWithComponent(std::string& dataSetName, const std::string& component) override;
@@ -213,7 +215,7 @@ public:
                          bool value, int index) override;
     Fcodes initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                          bool value, const std::string& key) override;
-    // The store's 64-bit committed write (statistics counters).
+    /// The store's 64-bit committed write (statistics counters).
     Fcodes initInt64Param(const std::string& dataSet, const std::string& component, const std::string& property,
                           int64_t value, const std::string& key);
     Fcodes commit() override;
@@ -238,11 +240,11 @@ public:
     Fcodes untouchProperty(const std::string& dataSet, const std::string& component, const std::string& property,
                            const std::string& key) override;
 
-    // --- Remote family, forwarded to the engine (DataHolderRemote.cpp) ---
+    /// --- Remote family, forwarded to the engine (DataHolderRemote.cpp) ---
 
     Fcodes requestCommand(const std::string& socketPath, const std::string& command, std::string& result,
                           unsigned timeoutSec, unsigned tries) override;
-    // "Add Row" / "Get Next Row" with "Tables" and "Row"; the reply's "Row" into the out-value.
+    /// "Add Row" / "Get Next Row" with "Tables" and "Row"; the reply's "Row" into the out-value.
     Fcodes requestAddRow(const std::string& socketPath, const std::string& table, int rowId, int& newRowId,
                          unsigned timeoutSec, unsigned tries) override;
     Fcodes requestNextRowId(const std::string& socketPath, const std::string& table, int rowId, int& nextRowId,
@@ -252,7 +254,7 @@ public:
     Fcodes requestRemoteStringParam(const std::string& socketPath, const std::string& table, int rowId,
                                     const std::string& column, std::string& value, unsigned timeoutSec,
                                     unsigned tries) override;
-    // Always 10 s and 3 tries.
+    /// Always 10 s and 3 tries.
     Fcodes requestGetIntParam(const std::string& socketPath, const std::string& dataSet, const std::string& component,
                               const std::string& property, int& value, const std::string& row) override;
     Fcodes requestGetTextParam(const std::string& socketPath, const std::string& dataSet, const std::string& component,
@@ -265,28 +267,28 @@ public:
                                        const std::string& value, const std::string& row, unsigned timeoutSec,
                                        unsigned tries) override;
     Fcodes requestEvent(const std::string& socketPath, MessageEvent& event, unsigned delaySec, unsigned tries);
-    // Sends the event to every subscriber of the engine.
+    /// Sends the event to every subscriber of the engine.
     void notify(MessageEvent& event);
 
 protected:
-    // The worker thread's body: runs queued items until shutdown().
+    /// The worker thread's body: runs queued items until shutdown().
     void doWork();
 
 private:
     static void* work(void* self);
-    // Appends under the queue mutex and posts; `op` names the log line.
+    /// Appends under the queue mutex and posts; `op` names the log line.
     void enqueue(event_type item, const char* op);
-    // Runs one dequeued item and frees it.
+    /// Runs one dequeued item and frees it.
     void dispatch(event_type& item);
-    // Finds the table, row and item and runs `access` on the item under the
-    // table's lock. A missing one is logged ("No such table/rowId/item",
-    // prefixed with `op`) and answered FC_NO_SUCH_NAME.
+    /// Finds the table, row and item and runs `access` on the item under the
+    /// table's lock. A missing one is logged ("No such table/rowId/item",
+    /// prefixed with `op`) and answered FC_NO_SUCH_NAME.
     Fcodes withItem(const char* op, const std::string& table, int rowId, const std::string& column,
                     const std::function<Fcodes(DataItem&)>& access);
-    // Runs `access` on the table under its lock; `missing` when there is no table.
+    /// Runs `access` on the table under its lock; `missing` when there is no table.
     template <typename Result, typename Access>
     Result withTable(const std::string& table, Result missing, Access access);
-    // "Add Row" and "Get Next Row": the request and the reply's "Row".
+    /// "Add Row" and "Get Next Row": the request and the reply's "Row".
     Fcodes requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table, int rowId,
                              int& answerRow, unsigned timeoutSec, unsigned tries);
 

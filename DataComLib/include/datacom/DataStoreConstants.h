@@ -4,9 +4,9 @@
 
 namespace datacom {
 
-// Vocabulary of the tabular configuration store: change-state bits shared by
-// items, rows, tables, objects and datasets, and the column type and access
-// codes with the words that stand for them in the dataset files.
+/// Vocabulary of the tabular configuration store: change-state bits shared by
+/// items, rows, tables, objects and datasets, and the column type and access
+/// codes with the words that stand for them in the dataset files.
 
 namespace datastate {
 constexpr uint32_t UNCHANGED = 0;

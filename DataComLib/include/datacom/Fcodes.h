@@ -1,14 +1,16 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <cstdint>
 #include <string>
 
 namespace datacom {
 
-// Result code of nearly every operation of the appliance's daemons, and the
-// Fcode that travels in a message header. Each failure kind is one bit above
-// OK, so results of several steps are merged with | and anything but FC_OK
-// means failure; the set bits tell which kinds occurred.
+/// Result code of nearly every operation of the appliance's daemons, and the
+/// Fcode that travels in a message header. Each failure kind is one bit above
+/// OK, so results of several steps are merged with | and anything but FC_OK
+/// means failure; the set bits tell which kinds occurred.
 enum Fcodes : uint32_t {
     FC_OK = 0x10000,
     FC_HEADER_ERROR = 0x10001,
@@ -35,9 +37,9 @@ inline bool isOk(Fcodes code) {
     return code == FC_OK;
 }
 
-// The fixed text of a code ("OK", "No Such Name", ...). A merged code that is
-// not in the table reads as the texts of its failure bits joined by ", ";
-// a value with no known bit reads as "Unknown Fcode 0x" and its hex digits.
-std::string fcodeText(Fcodes code);
+/// The fixed text of a code ("OK", "No Such Name", ...). A merged code that is
+/// not in the table reads as the texts of its failure bits joined by ", ";
+/// a value with no known bit reads as "Unknown Fcode 0x" and its hex digits.
+DATACOM_API std::string fcodeText(Fcodes code);
 
 }  // namespace datacom

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <json/json.h>
 
 #include <cstdint>
@@ -10,21 +12,21 @@
 
 namespace datacom {
 
-// The JSON dataset store as the data holder and the channel logic see it:
-// named dataset documents of components, typed property definitions and the
-// property values of their instances, with a pending overlay of changed values
-// that is committed or rolled back as a whole.
-//
-// Addressing: a parameter is (dataset, component, property) plus the instance,
-// either a key (`const std::string&`: a non-empty key is a member of an
-// "instances" object, the empty key the component's single "instance") or an
-// index (`int`: an element of an "instances" array; never the single instance).
-// Every operation is thread-safe and never throws; results are Fcodes.
-class IDataSets {
+/// The JSON dataset store as the data holder and the channel logic see it:
+/// named dataset documents of components, typed property definitions and the
+/// property values of their instances, with a pending overlay of changed values
+/// that is committed or rolled back as a whole.
+///
+/// Addressing: a parameter is (dataset, component, property) plus the instance,
+/// either a key (`const std::string&`: a non-empty key is a member of an
+/// "instances" object, the empty key the component's single "instance") or an
+/// index (`int`: an element of an "instances" array; never the single instance).
+/// Every operation is thread-safe and never throws; results are Fcodes.
+class DATACOM_API IDataSets {
 public:
     virtual ~IDataSets() = default;
 
-    // Documents.
+    /// Documents.
     virtual Fcodes loadDataSet(const std::string& file) = 0;
     virtual Fcodes loadDataSet(const std::string& name, const std::string& file) = 0;
     virtual Fcodes storeDataSet(const std::string& name, const std::string& file) = 0;
@@ -34,7 +36,7 @@ public:
                                  bool addMissing, bool takeReferenceInstances) = 0;
     virtual Fcodes findDataSetWithComponent(std::string& dataSetName, const std::string& component) = 0;
 
-    // Components and instances.
+    /// Components and instances.
     virtual Fcodes addComponent(const std::string& dataSet, const std::string& component) = 0;
     virtual Fcodes deleteComponent(const std::string& dataSet, const std::string& component) = 0;
     virtual Fcodes loadComponent(const std::string& dataSet, const std::string& component, const std::string& text) = 0;
@@ -47,7 +49,7 @@ public:
     virtual bool hasInstance(const std::string& dataSet, const std::string& component, const std::string& key) = 0;
     virtual bool hasInstance(const std::string& dataSet, const std::string& component, int index) = 0;
 
-    // Queries over the committed documents.
+    /// Queries over the committed documents.
     virtual Fcodes getProperties(const std::string& dataSet, const std::string& component,
                                  std::vector<std::string>& names) = 0;
     virtual Fcodes getInstances(const std::string& dataSet, const std::string& component,
@@ -65,9 +67,9 @@ public:
     virtual Fcodes getComponentPropertyDefault(const std::string& dataSet, const std::string& component,
                                                const std::string& property, std::string& defaultValue) = 0;
 
-    // Typed parameters: get reads committed values, getNew the pending value
-    // or else the committed one, set writes pending values, init writes
-    // committed values and leaves the pending overlay alone.
+    /// Typed parameters: get reads committed values, getNew the pending value
+    /// or else the committed one, set writes pending values, init writes
+    /// committed values and leaves the pending overlay alone.
     virtual Fcodes getIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                int& value, int index) = 0;
     virtual Fcodes getIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
@@ -116,12 +118,12 @@ public:
                                  bool value, int index) = 0;
     virtual Fcodes initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                  bool value, const std::string& key) = 0;
-    // A committed integer beyond 32 bits (counters of long runs), by key; the
-    // checks of initIntParam. Read it back as text: the int reads refuse it.
+    /// A committed integer beyond 32 bits (counters of long runs), by key; the
+    /// checks of initIntParam. Read it back as text: the int reads refuse it.
     virtual Fcodes initInt64Param(const std::string& dataSet, const std::string& component,
                                   const std::string& property, int64_t value, const std::string& key) = 0;
 
-    // Change tracking of the pending overlay.
+    /// Change tracking of the pending overlay.
     virtual Fcodes touchDataSet(const std::string& dataSet) = 0;
     virtual Fcodes untouchDataSet(const std::string& dataSet) = 0;
     virtual Fcodes touchComponent(const std::string& dataSet, const std::string& component) = 0;
@@ -137,7 +139,7 @@ public:
     virtual bool isChangedProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, int index) = 0;
 
-    // JSON request interface (request value in, response value out).
+    /// JSON request interface (request value in, response value out).
     virtual Fcodes setParams(const Json::Value& request, Json::Value& response) = 0;
     virtual Fcodes getParams(const Json::Value& request, Json::Value& response) = 0;
     virtual Fcodes fetchPropertyNames(const Json::Value& request, Json::Value& response) = 0;
@@ -152,8 +154,8 @@ public:
     virtual Fcodes untouchProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, int index) = 0;
 
-    // Notification hooks for the request interface; a store that wants to
-    // refresh values before they are read overrides them.
+    /// Notification hooks for the request interface; a store that wants to
+    /// refresh values before they are read overrides them.
     virtual void onGetDataset(const std::string& dataSet) = 0;
     virtual void onGetComponent(const std::string& dataSet, const std::string& component) = 0;
     virtual void onGetComponentEntry(const std::string& dataSet, const std::string& component,
@@ -164,8 +166,8 @@ public:
     virtual void onGetComponentValue(const std::string& dataSet, const std::string& component,
                                      const std::string& property, int index) = 0;
 
-    // The store's recursive mutex, for callers that need several operations
-    // to see one consistent state.
+    /// The store's recursive mutex, for callers that need several operations
+    /// to see one consistent state.
     virtual void lock() = 0;
     virtual void unlock() = 0;
 };

@@ -2,7 +2,7 @@
 
 namespace datacom {
 
-// Message types carried in the Type attribute of a message header.
+/// Message types carried in the Type attribute of a message header.
 namespace msgtype {
 constexpr const char* COMMAND = "COMMAND";
 constexpr const char* GET = "GET";

@@ -1,15 +1,17 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include "datacom/IDataHolder.h"
 #include "datacom/MessageEvent.h"
 
 namespace datacom {
 
-// A data holder without stores: every operation answers FC_UNSUPPORTED
-// (row operations 0, look-ups nothing) and events handed to it are dropped.
-// The base of processes and test peers that need the messaging engine but
-// only a few of the holder's operations: they override those.
-class NullDataHolder : public IDataHolder {
+/// A data holder without stores: every operation answers FC_UNSUPPORTED
+/// (row operations 0, look-ups nothing) and events handed to it are dropped.
+/// The base of processes and test peers that need the messaging engine but
+/// only a few of the holder's operations: they override those.
+class DATACOM_API NullDataHolder : public IDataHolder {
 public:
     void init(const std::string&) override {}
     Fcodes acceptChanges() override { return FC_UNSUPPORTED; }

@@ -1,28 +1,30 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <algorithm>
 #include <memory>
 #include <vector>
 
 namespace datacom {
 
-// Parts of the store that were unregistered but are left alive, because a
-// caller may still hold a pointer to them (removed tables and columns,
-// replaced columns, items taken out with their column). The owner keeps them
-// here and frees them when it is cleaned up or destroyed. Not locked: the
-// owner's lock covers it.
+/// Parts of the store that were unregistered but are left alive, because a
+/// caller may still hold a pointer to them (removed tables and columns,
+/// replaced columns, items taken out with their column). The owner keeps them
+/// here and frees them when it is cleaned up or destroyed. Not locked: the
+/// owner's lock covers it.
 template <typename T>
-class Retired {
+class DATACOM_API Retired {
 public:
     void keep(std::unique_ptr<T> part) {
         if (part)
             parts.push_back(std::move(part));
     }
-    // A part registered again leaves the list; its new holder owns it.
+    /// A part registered again leaves the list; its new holder owns it.
     void reclaim(const T* part) {
         forget([part](const T& held) { return &held == part; });
     }
-    // Gives up, without freeing, every part that matches.
+    /// Gives up, without freeing, every part that matches.
     template <typename Predicate>
     void forget(Predicate matches) {
         for (auto& held : parts)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datacom/Export.h"
+
 #include <atomic>
 #include <cstdint>
 #include <map>
@@ -13,12 +15,12 @@
 
 namespace datacom {
 
-// What tables (rows by id) and objects (instances by name) share: the owned
-// rows, a recursive mutex, the change state that marks the dataset, and the
-// change scans over the rows. The scans hold the mutex; isChanged and the
-// state accessors do not.
+/// What tables (rows by id) and objects (instances by name) share: the owned
+/// rows, a recursive mutex, the change state that marks the dataset, and the
+/// change scans over the rows. The scans hold the mutex; isChanged and the
+/// state accessors do not.
 template <typename Key>
-class RowOwner {
+class DATACOM_API RowOwner {
 public:
     using Rows = std::map<Key, std::unique_ptr<DataRow>>;
 
@@ -27,7 +29,7 @@ public:
     RowOwner& operator=(const RowOwner&) = delete;
     virtual ~RowOwner() = default;
 
-    // Rows marked deleted are destroyed, new and changed ones commit their values; state 0.
+    /// Rows marked deleted are destroyed, new and changed ones commit their values; state 0.
     virtual Fcodes acceptChanges() {
         Guard guard(mutex);
         Fcodes result = FC_OK;
@@ -44,23 +46,23 @@ public:
         state = datastate::UNCHANGED;
         return result;
     }
-    // Every row touched; the owner and its dataset marked changed.
+    /// Every row touched; the owner and its dataset marked changed.
     virtual Fcodes touch() {
         Guard guard(mutex);
         const Fcodes result = forEachRow(&DataRow::touch);
         setState(datastate::CHANGED);
         return result;
     }
-    // Every row untouched; state 0.
+    /// Every row untouched; state 0.
     virtual Fcodes untouch() {
         Guard guard(mutex);
         const Fcodes result = forEachRow(&DataRow::untouch);
         state = datastate::UNCHANGED;
         return result;
     }
-    // Changed and deleted rows only lose their marks (pending values stay);
-    // rows that are merely new are destroyed, so a new row that was also
-    // edited is kept. State 0.
+    /// Changed and deleted rows only lose their marks (pending values stay);
+    /// rows that are merely new are destroyed, so a new row that was also
+    /// edited is kept. State 0.
     Fcodes rollbackChanges() {
         Guard guard(mutex);
         Fcodes result = FC_OK;
@@ -78,7 +80,7 @@ public:
         state = datastate::UNCHANGED;
         return result;
     }
-    // True when the owner or any row is marked; a marked row marks the owner.
+    /// True when the owner or any row is marked; a marked row marks the owner.
     bool isChanged() {
         if (state != datastate::UNCHANGED)
             return true;
@@ -92,7 +94,7 @@ public:
     }
 
     uint32_t getState() const { return state; }
-    // Both mark the dataset changed when the new state is non-zero.
+    /// Both mark the dataset changed when the new state is non-zero.
     void setState(uint32_t bits) {
         state = bits;
         markDataSet(bits);
@@ -101,7 +103,7 @@ public:
     DataSet* getDataSet() const { return dataSet; }
     void setDataSet(DataSet* owner) { dataSet = owner; }
 
-    // The recursive mutex, for callers bracketing multi-step work.
+    /// The recursive mutex, for callers bracketing multi-step work.
     void lock() { mutex.lock(); }
     void unlock() { mutex.unlock(); }
 

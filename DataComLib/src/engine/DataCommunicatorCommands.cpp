@@ -85,7 +85,8 @@ Fcodes DataCommunicator::treatCommandMsg(MessageHeader& header, const std::strin
         Fcodes parsed = parseRowRequest(commandText, request);
         if (!isOk(parsed))
             return refuse(parsed);
-        if (dataHolder == nullptr) {
+        IDataHolder* parameters = dataHolder != nullptr ? dataHolder->dataParameters() : nullptr;
+        if (parameters == nullptr) {
             DBG(DBG_ERROR) << "treatCommandMsg: No data holder for command=" << commandId;
             return refuse(FC_UNAVAILABLE);
         }
@@ -93,13 +94,13 @@ Fcodes DataCommunicator::treatCommandMsg(MessageHeader& header, const std::strin
         // every engine of the appliance answers these commands with the result
         // code alone, and requesters read the table itself for its rows.
         if (commandId == wire::CMD_ADD_ROW && request.hasRow)
-            dataHolder->newRow(request.table, request.row);
+            parameters->newRow(request.table, request.row);
         else if (commandId == wire::CMD_ADD_ROW)
-            dataHolder->appendNewRow(request.table);
+            parameters->appendNewRow(request.table);
         else if (request.hasRow)
-            dataHolder->getNextRowIndex(request.table, request.row);
+            parameters->getNextRowIndex(request.table, request.row);
         else
-            dataHolder->getFirstRowIndex(request.table);
+            parameters->getFirstRowIndex(request.table);
     } else if (commandId == wire::CMD_STOP_DBG_PRINT) {
         gDbgLevel = wire::DBG_LEVEL_SILENT;
     } else if (commandId == wire::CMD_START_DBG_PRINT) {

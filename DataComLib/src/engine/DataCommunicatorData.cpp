@@ -401,7 +401,8 @@ Fcodes DataCommunicator::treatDataMsg(MessageHeader& header, const std::string& 
         return code;
     };
 
-    if (dataHolder == nullptr) {
+    IDataHolder* parameters = dataHolder != nullptr ? dataHolder->dataParameters() : nullptr;
+    if (parameters == nullptr) {
         DBG(DBG_ERROR) << "treatDataMsg: No data holder for " << header.Type;
         return refuse(FC_UNAVAILABLE);
     }
@@ -411,7 +412,7 @@ Fcodes DataCommunicator::treatDataMsg(MessageHeader& header, const std::string& 
         return refuse(FC_BODY_ERROR);
     }
     const bool isSet = header.Type == msgtype::SET;
-    DataRequest request(*dataHolder, isSet, payload);
+    DataRequest request(*parameters, isSet, payload);
     Fcodes result;
     if (getSegment(bodySegment, 0, wire::TAG_DATASET, element) >= 0) {
         result = request.serveDataSet(element);

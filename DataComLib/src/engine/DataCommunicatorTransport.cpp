@@ -77,7 +77,7 @@ void DataCommunicator::setSocketAccess(mode_t mode, gid_t group) {
     socketGroup = group;
 }
 
-void DataCommunicator::init(IDataHolder* holder, const std::string& receivePath, const std::string& sendPath,
+void DataCommunicator::init(IEngineHooks* holder, const std::string& receivePath, const std::string& sendPath,
                             const std::string& taskName) {
     name = taskName;
     dataHolder = holder;

@@ -17,7 +17,7 @@ constexpr const char* kSaved = R"({"dataset": "ChannelDataSet", "components": {
   "Chan": {"properties": {"Name": {"type": "string", "default": ""}, "Legacy": {"type": "integer", "default": 0}},
            "instances": {"A": {"Name": "mine", "Legacy": 3, "Gain": 9}, "B": {"Name": "other", "Legacy": 4}}},
   "Targets": {"properties": {"Port": {"type": "integer", "default": 1}},
-              "instances": [{"Port": 10}, {"Port": 11}, {"Port": 12}]},
+              "instances": [{"Port": 10, "Ttl": 64}, {"Port": 11}, {"Port": 12}]},
   "Device": {"properties": {"Label": {"type": "string", "default": "x"}}, "instance": {"Label": "saved"}},
   "Empty": {"properties": {"P": {"type": "integer", "default": 1}}},
   "Old": {"properties": {}, "instance": {}}}})";
@@ -62,7 +62,7 @@ TEST_F(DataSetUpdate, AddsTypedDefaultsKeepsValuesAndRemovesExtras) {
     EXPECT_FALSE(store.hasInstance("ChannelDataSet", "Chan", ""));
 
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(valueAt<int>(store, "Targets", "Ttl", i), 16) << "index " << i;
+        EXPECT_EQ(valueAt<int>(store, "Targets", "Ttl", i), i == 0 ? 64 : 16) << "index " << i;
         EXPECT_EQ(valueAt<int>(store, "Targets", "Port", i), 10 + i) << "index " << i;
     }
     EXPECT_EQ(valueAt<std::string>(store, "Targets", "Proto", 2), "UDP");

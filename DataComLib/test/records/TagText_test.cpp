@@ -55,6 +55,9 @@ TEST(TagText, GetSegmentWalksSiblingsWithoutNesting) {
     // A bare opening tag is found when no "<tag " exists.
     EXPECT_EQ(getSegment("<BODY>abc</BODY>", 0, "BODY", segment), 16);
     EXPECT_EQ(segment, "<BODY>abc</BODY>");
+    // Of several bare opening tags, the first.
+    EXPECT_EQ(getSegment("<A>1</A><A>2</A>", 0, "A", segment), 8);
+    EXPECT_EQ(segment, "<A>1</A>");
     // The first closing tag ends the element, even one inside a value.
     const std::string body = "<BODY><Item Value=\"</BODY>\" /></BODY>";
     EXPECT_EQ(getSegment(body, 0, "BODY", segment), 26);

@@ -1,11 +1,11 @@
 #pragma once
 
-// The vocabulary of the media mediator's command protocol: command IDs,
-// parameter names and the fixed values the channel manager sends. Texts are
-// compared whole and case-sensitively by the mediator.
+/// The vocabulary of the media mediator's command protocol: command IDs,
+/// parameter names and the fixed values the channel manager sends. Texts are
+/// compared whole and case-sensitively by the mediator.
 namespace tarnevel {
 
-// Commands.
+/// Commands.
 constexpr const char* CMD_GET_PARAM = "Tarnevel Get Param";
 constexpr const char* CMD_PUT_PARAM = "Tarnevel Put Param";
 constexpr const char* CMD_GET_ASSEMBLY = "Tarnevel Get Assembly";
@@ -15,7 +15,7 @@ constexpr const char* CMD_STORE_STATE = "Tarnevel Store State";
 constexpr const char* CMD_START_BRANCH = "Tarnevel Start Branch";
 constexpr const char* CMD_STOP_BRANCH = "Tarnevel Stop Branch";
 
-// Parameters.
+/// Parameters.
 constexpr const char* PARAM_COMPONENT = "Component";
 constexpr const char* PARAM_PARAMETER = "Parameter";
 constexpr const char* PARAM_TEXT_VALUE = "TextValue";
@@ -27,13 +27,13 @@ constexpr const char* PARAM_SYNC = "Sync";
 constexpr const char* PARAM_TIMEOUT_SEC = "Timeout sec";
 constexpr const char* SYNC_TRUE = "true";
 
-// Branch states the mediator reports.
+/// Branch states the mediator reports.
 constexpr const char* BRANCH_RUN = "RUN";
 constexpr const char* BRANCH_STOP = "STOP";
 
-// Time-outs (seconds) and tries. A branch start always waits START_WAIT_SEC
-// for its reply, whatever time-out it hands to the mediator; a stop waits the
-// caller's. Loading an assembly may take the mediator minutes.
+/// Time-outs (seconds) and tries. A branch start always waits START_WAIT_SEC
+/// for its reply, whatever time-out it hands to the mediator; a stop waits the
+/// caller's. Loading an assembly may take the mediator minutes.
 constexpr unsigned TIMEOUT_SEC = 10;
 constexpr unsigned TRIES = 3;
 constexpr unsigned ASSEMBLY_PUT_TIMEOUT_SEC = 200;

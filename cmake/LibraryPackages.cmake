@@ -1,0 +1,79 @@
+# Installs DataComLib and the mediator client for other daemons to build on,
+# and makes their Debian packages (included from Install.cmake, before CPack):
+#   component datacom             -> libdatacom1             lib/<arch>/libdatacom.so.1*
+#   component datacom_dev         -> libdatacom-dev          headers, libdatacom.so, CMake and pkg-config files
+#   component tarnevelclient      -> libtarnevelclient1      lib/<arch>/libtarnevelclient.so.1*
+#   component tarnevelclient_dev  -> libtarnevelclient-dev   headers, libtarnevelclient.so, datacom's CMake package names it
+# The CMake package (find_package(DataComLib 1.0 CONFIG)) gives DataComLib::datacom
+# and DataComLib::tarnevelclient; every path in it and in the .pc files is
+# relative to where it lies, so the tree works from any prefix.
+include(CMakePackageConfigHelpers)
+
+set(_cmakeDir ${CMAKE_INSTALL_LIBDIR}/cmake/DataComLib)
+
+install(TARGETS DataComLib EXPORT DataComLibTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT datacom NAMELINK_COMPONENT datacom_dev)
+install(TARGETS TarnevelClientLib EXPORT TarnevelClientLibTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT tarnevelclient NAMELINK_COMPONENT tarnevelclient_dev)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/DataComLib/include/datacom
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT datacom_dev)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/TarnevelClientLib/include/tarnevel
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT tarnevelclient_dev)
+
+# Each -dev package holds its own targets file; the config loads the mediator
+# client's when its package is installed.
+install(EXPORT DataComLibTargets NAMESPACE DataComLib:: DESTINATION ${_cmakeDir} COMPONENT datacom_dev)
+install(EXPORT TarnevelClientLibTargets NAMESPACE DataComLib:: DESTINATION ${_cmakeDir}
+        COMPONENT tarnevelclient_dev)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/templates/DataComLibConfig.cmake.in
+                              ${PROJECT_BINARY_DIR}/lib-package/DataComLibConfig.cmake
+                              INSTALL_DESTINATION ${_cmakeDir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/lib-package/DataComLibConfigVersion.cmake
+                                 VERSION ${SYSMGT_LIB_VERSION} COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/lib-package/DataComLibConfig.cmake
+              ${PROJECT_BINARY_DIR}/lib-package/DataComLibConfigVersion.cmake
+        DESTINATION ${_cmakeDir} COMPONENT datacom_dev)
+
+# pkg-config: prefix found from the .pc file's own place (${pcfiledir}).
+file(RELATIVE_PATH _pcToPrefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" _pcToPrefix "${_pcToPrefix}")
+set(PC_PREFIX "\${pcfiledir}/${_pcToPrefix}")
+set(PC_CFLAGS "")
+foreach(_definition ${SYSMGT_CONSUMER_DEFINITIONS})
+  string(APPEND PC_CFLAGS " -D${_definition}")
+endforeach()
+foreach(_pc datacom tarnevelclient)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/templates/${_pc}.pc.in ${PROJECT_BINARY_DIR}/lib-package/${_pc}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/lib-package/${_pc}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+          COMPONENT ${_pc}_dev)
+endforeach()
+
+# ---- Debian packages (library policy: the SONAME in the runtime package's name) ----
+set(_libVersion ${SYSMGT_LIB_VERSION})
+list(APPEND CPACK_COMPONENTS_ALL datacom datacom_dev tarnevelclient tarnevelclient_dev)
+set(CPACK_DEBIAN_DATACOM_PACKAGE_NAME libdatacom${SYSMGT_LIB_SOVERSION})
+set(CPACK_DEBIAN_DATACOM_DEV_PACKAGE_NAME libdatacom-dev)
+set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_NAME libtarnevelclient${SYSMGT_LIB_SOVERSION})
+set(CPACK_DEBIAN_TARNEVELCLIENT_DEV_PACKAGE_NAME libtarnevelclient-dev)
+set(CPACK_DEBIAN_DATACOM_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_DATACOM_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_TARNEVELCLIENT_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_COMPONENT_DATACOM_DESCRIPTION "Messaging and data library of the encoder appliance's daemons")
+set(CPACK_COMPONENT_DATACOM_DEV_DESCRIPTION "DataComLib development files: headers, CMake package, pkg-config")
+set(CPACK_COMPONENT_TARNEVELCLIENT_DESCRIPTION "Client of the encoder appliance's media mediator")
+set(CPACK_COMPONENT_TARNEVELCLIENT_DEV_DESCRIPTION "Mediator client development files: headers, CMake targets, pkg-config")
+# The runtime packages' shlibs files, so that a daemon built against them depends on them.
+set(CPACK_DEBIAN_DATACOM_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+# libtarnevelclient1 needs libdatacom1 from this same build, which dpkg-shlibdeps
+# finds in the build tree but cannot look up in the package database: named here.
+list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_DEPENDS "libdatacom${SYSMGT_LIB_SOVERSION} (= ${_libVersion})")
+set(CPACK_DEBIAN_DATACOM_DEV_PACKAGE_DEPENDS "libdatacom${SYSMGT_LIB_SOVERSION} (= ${_libVersion}), libjsoncpp-dev")
+set(CPACK_DEBIAN_TARNEVELCLIENT_DEV_PACKAGE_DEPENDS
+    "libtarnevelclient${SYSMGT_LIB_SOVERSION} (= ${_libVersion}), libdatacom-dev (= ${_libVersion})")
+foreach(_component DATACOM_DEV TARNEVELCLIENT_DEV)
+  set(CPACK_DEBIAN_${_component}_PACKAGE_SHLIBDEPS OFF)
+endforeach()
