@@ -1,7 +1,8 @@
 # The daemon package's Debian files (component "daemon", package
 # channel-manager): copyright, changelog and manual pages under /usr/share,
 # the maintainer scripts (service user and group, registration with the init
-# system), the configuration files and lintian's overrides. Texts in etc/debian/.
+# system) and the configuration files. Texts in etc/debian/. lintian finds
+# nothing to override (the device leg runs it).
 set(_debian ${PROJECT_SOURCE_DIR}/etc/debian)
 set(_staged ${PROJECT_BINARY_DIR}/etc/debian)
 find_program(GZIP_PROGRAM gzip REQUIRED)
@@ -17,7 +18,6 @@ endfunction()
 configure_file(${_debian}/changelog.in ${_staged}/changelog @ONLY)
 _sysmgt_gzip(${_staged}/changelog ${_staged}/changelog.gz)
 install(FILES ${_staged}/changelog.gz ${_debian}/copyright DESTINATION share/doc/channel-manager)
-install(FILES ${_debian}/lintian-overrides DESTINATION share/lintian/overrides RENAME channel-manager)
 
 set(_pages channel_manager.8 chanctl.1 dbglog.1)
 if(TARGET chanweb)
@@ -47,15 +47,15 @@ set(CPACK_DEBIAN_DAEMON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Channel Manager Maintainers <channel-manager@sysmgt-appliance.de>")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_SECTION admin)
-set(CPACK_DEBIAN_DAEMON_DESCRIPTION "Channel manager daemon of the encoder appliance
- The channel manager owns the two encoding channels of the video encoder
- appliance: it loads their data, configures, plays and stops them through
- the mediator, probes their targets and reports their state as events.
- .
- The package holds the daemon with its init script and systemd unit (the
- daemon runs as the system user chanmgr in the group sysmgt), the factory
- datasets, and the tools chanctl (commands and events on the command line)
- and dbglog (the debug log reader).")
+# The synopsis is CPACK_PACKAGE_DESCRIPTION_SUMMARY; CPack indents these lines.
+set(CPACK_DEBIAN_DAEMON_DESCRIPTION "The channel manager owns the two encoding channels of the video encoder
+appliance: it loads their data, configures, plays and stops them through
+the mediator, probes their targets and reports their state as events.
+
+The package holds the daemon with its init script and systemd unit (the
+daemon runs as the system user chanmgr in the group sysmgt), the factory
+datasets, and the tools chanctl (commands and events on the command line)
+and dbglog (the debug log reader).")
 # The postinst makes the service user with adduser.
 if(CPACK_DEBIAN_DAEMON_PACKAGE_DEPENDS)
   string(APPEND CPACK_DEBIAN_DAEMON_PACKAGE_DEPENDS ", adduser")
