@@ -18,9 +18,14 @@ ScriptRun initScript(const std::string& action) {
     return {run.status, run.output};
 }
 
-// True when `pid` has ended by now (the test is the daemons' subreaper, so it reaps it here).
+// True when `pid` has ended by now: gone, or a zombie (its last threads may
+// still be on their way out). The test is the daemons' subreaper: it reaps it.
 bool ended(pid_t pid) {
-    return waitpid(pid, nullptr, WNOHANG) == pid;
+    std::string stat;
+    std::getline(std::ifstream("/proc/" + std::to_string(pid) + "/stat"), stat);
+    const bool gone = stat.size() < 3 || stat.rfind(") Z") == stat.rfind(')');
+    waitFor([pid] { return waitpid(pid, nullptr, WNOHANG) == pid; }, 5);
+    return gone;
 }
 
 }  // namespace
