@@ -116,6 +116,8 @@ Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE*
 Fcodes exchangeValue(DataCommunicator& engine, const std::string& socket, bool write, const std::string& dataSet,
                      const std::string& component, const std::string& property, const std::string& instance,
                      const std::string& setValue, std::string& value, unsigned timeoutSec) {
+    if (write && !fitsTagValue(setValue))
+        return FC_BAD_VALUE;  // no record can carry it
     std::string replyBody;
     Fcodes code = exchange(engine, socket, write ? msgtype::SET : msgtype::GET,
                            dataBody(dataSet, component, property, instance, write ? &setValue : nullptr), replyBody,

@@ -16,6 +16,7 @@
 #include "ChanctlArgs.h"
 #include "ChanctlCommands.h"
 #include "QuietDebugLog.h"
+#include "ToolSocket.h"
 #include "datacom/DataCommunicator.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
@@ -100,7 +101,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "chanctl: cannot make its sockets in %s: %s\n", tmp.c_str(), std::strerror(errno));
         return 1;
     }
-    const std::string receiveSocket = "/tmp/chanctl-" + std::to_string(getpid());
+    // A listener subscribes: its name stays the same over restarts, so the
+    // service keeps one entry for it however often it is started.
+    const std::string receiveSocket = options.action == ChanctlAction::Listen
+                                          ? stableSocketName("chanctl-listen", "")
+                                          : "/tmp/chanctl-" + std::to_string(getpid());
     const std::string sendSocket = receiveSocket + "-send";
     std::snprintf(gReceivePath, sizeof gReceivePath, "%s", sysmgtPath(receiveSocket).c_str());
     std::snprintf(gSendPath, sizeof gSendPath, "%s", sysmgtPath(sendSocket).c_str());

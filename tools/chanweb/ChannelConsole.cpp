@@ -17,9 +17,12 @@ using namespace datacom;
 
 namespace {
 
-constexpr unsigned READ_TIMEOUT_SEC = 3;
-constexpr unsigned COMMAND_TIMEOUT_SEC = 60;  // a play waits for its branches to start
-constexpr int SUBSCRIBE_EVERY_MS = 10000;      // a restarted manager forgets its subscribers
+// Short bounds: a console that waits a minute for a frozen manager is frozen
+// too. A play that takes longer than this still happens; its result then
+// shows in the status and the events rather than in the press's answer.
+constexpr unsigned READ_TIMEOUT_SEC = 2;
+constexpr unsigned COMMAND_TIMEOUT_SEC = 4;
+constexpr int SUBSCRIBE_EVERY_MS = 10000;  // a restarted manager forgets its subscribers
 
 std::string withoutNewline(std::string text) {
     while (!text.empty() && text.back() == '\n')
@@ -50,11 +53,12 @@ ChannelConsole::~ChannelConsole() {
     stop();
 }
 
-void ChannelConsole::start() {
-    const std::string receive = "/tmp/chanweb-" + std::to_string(getpid());
-    engine.init(this, receive, receive + "-send", "tChanweb");
+void ChannelConsole::start(const std::string& name) {
+    socketName = name;
+    engine.init(this, socketName, socketName + "-send", "tChanweb");
     engine.start();
     refresher = std::thread([this] { refreshLoop(); });
+    watcher = std::thread([this] { watchLoop(); });
 }
 
 void ChannelConsole::stop() {
@@ -65,6 +69,8 @@ void ChannelConsole::stop() {
     wake.notify_all();
     if (refresher.joinable())
         refresher.join();
+    if (watcher.joinable())
+        watcher.join();
     engine.stop();
 }
 
@@ -83,7 +89,38 @@ void ChannelConsole::poke() {
     wake.notify_all();
 }
 
-std::string ChannelConsole::press(const std::string& action, const std::string& row) {
+template <typename Request>
+auto ChannelConsole::timed(Request request) -> decltype(request()) {
+    std::lock_guard<std::mutex> guard(requests);
+    pendingSinceMs = nowMs();
+    auto result = request();
+    pendingSinceMs = 0;
+    return result;
+}
+
+bool ChannelConsole::answering() const {
+    const int64_t since = pendingSinceMs;
+    return !lastUnanswered && (since == 0 || nowMs() - since < STALL_MS);
+}
+
+// Publishes each change of answering() as a "daemon" message, within a
+// quarter of a second: the refresher itself may be the one waiting.
+void ChannelConsole::watchLoop() {
+    bool published = true;
+    std::unique_lock<std::mutex> lock(mutex);
+    while (!stopping) {
+        wake.wait_for(lock, std::chrono::milliseconds(250));
+        const bool now = answering();
+        if (now == published)
+            continue;
+        published = now;
+        lock.unlock();
+        feed.publish("daemon", now ? "{\"daemon\":\"answering\"}" : "{\"daemon\":\"not answering\"}");
+        lock.lock();
+    }
+}
+
+ChannelConsole::Press ChannelConsole::press(const std::string& action, const std::string& row, std::string& answer) {
     std::string id;
     std::vector<std::pair<std::string, std::string>> params;
     if ((action == "play" || action == "stop") && (row == "H.264" || row == "HEVC")) {
@@ -96,20 +133,24 @@ std::string ChannelConsole::press(const std::string& action, const std::string& 
         id = "STORE_CHANNELS";
         params = {{"File", STORE_FILE}};
     } else {
-        return "";
+        return Press::Unknown;
     }
+    if (pressing.exchange(true))
+        return Press::Busy;
     std::string replyBody;
-    Fcodes code;
-    {
-        std::lock_guard<std::mutex> guard(requests);
-        code = sendServiceCommand(engine, managerSocket, id, params, replyBody, COMMAND_TIMEOUT_SEC);
-    }
+    const Fcodes code = timed([&] {
+        const Fcodes sent = sendServiceCommand(engine, managerSocket, id, params, replyBody, COMMAND_TIMEOUT_SEC);
+        lastUnanswered = sent == FC_COMM_ERROR;
+        return sent;
+    });
+    pressing = false;
     {
         std::lock_guard<std::mutex> guard(mutex);
         loaded = loaded || action == "load";
     }
     poke();
-    return commandJson(id, code, replyBody);
+    answer = commandJson(id, code, replyBody);
+    return Press::Done;
 }
 
 void ChannelConsole::refreshLoop() {
@@ -124,8 +165,12 @@ void ChannelConsole::refreshLoop() {
             poked = false;
             lock.unlock();
             if (subscribeDue) {
-                std::lock_guard<std::mutex> guard(requests);
-                engine.requestSubscribe(managerSocket);
+                // The engine's own subscribe waits 10 s three times; this one is bounded like the rest.
+                std::string reply;
+                timed([&] {
+                    return sendServiceCommand(engine, managerSocket, "SUBSCRIBE", {{"SockName", socketName}}, reply,
+                                              READ_TIMEOUT_SEC);
+                });
                 lastSubscribe = now;
             }
             if (refreshDue) {
@@ -141,10 +186,8 @@ void ChannelConsole::refreshLoop() {
 
 void ChannelConsole::refresh() {
     StatusView view;
-    {
-        std::lock_guard<std::mutex> guard(requests);
-        view = readStatus(engine, managerSocket, READ_TIMEOUT_SEC);
-    }
+    view = timed([&] { return readStatus(engine, managerSocket, READ_TIMEOUT_SEC); });
+    lastUnanswered = (view.code & FC_COMM_ERROR) == FC_COMM_ERROR;
     Json::Value status = statusValue(view);
     status["socket"] = managerSocket;
     Json::Value chart(Json::objectValue);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -17,24 +18,35 @@
 // event and every few seconds while channel data is loaded, with the total
 // bitrate of each playing channel over the last minutes; and the console's
 // buttons as commands. Requests go out one at a time under one mutex: the
-// engine waits for each reply on its one send socket.
+// engine waits for each reply on its one send socket. Every request has a
+// bound of a few seconds, one button press is served at a time (another is
+// refused at once, not queued), and a manager that stops answering is
+// published as the "daemon" message instead of holding the console.
 class ChannelConsole : public datacom::NullDataHolder {
 public:
     static constexpr int REFRESH_MS = 2000;
     static constexpr int HISTORY_SEC = 300;
+    // A request unanswered this long (or one that went unanswered) makes the
+    // manager "not answering" until the next answer.
+    static constexpr int STALL_MS = 1500;
+
+    enum class Press { Done, Unknown, Busy };
 
     ChannelConsole(ConsoleFeed& feed, std::string managerSocket);
     ~ChannelConsole() override;  // stops the refresher, then the engine
 
-    // Binds the engine on /tmp/chanweb-<pid>[-send] and starts serving and refreshing.
-    void start();
+    // Binds the engine on `socketName`[-send] and starts serving and refreshing.
+    void start(const std::string& socketName);
     void stop();
     // Called on the engine's server thread for each event of the manager.
     datacom::Fcodes handle(datacom::MessageEvent* event) override;
     // One button: "play" or "stop" of the channel `row`, "load" (LOAD_CHANNELS
-    // "Default") or "store" (STORE_CHANNELS to STORE_FILE). The answer as a
-    // JSON line (chanctl --json's); "" when the action or the row is not one of them.
-    std::string press(const std::string& action, const std::string& row);
+    // "Default") or "store" (STORE_CHANNELS to STORE_FILE). `answer` gets the
+    // manager's answer as a JSON line (chanctl --json's). Unknown: the action
+    // or the row is not one of them; Busy: another press is still waiting.
+    Press press(const std::string& action, const std::string& row, std::string& answer);
+    // False while the manager does not answer (see STALL_MS).
+    bool answering() const;
 
     static constexpr const char* STORE_FILE = "/data/settings/channels.json";
 
@@ -42,11 +54,19 @@ private:
     void refreshLoop();
     void refresh();  // request mutex not held
     void poke();
+    void watchLoop();
+    // One request to the manager under the request mutex, timed for answering().
+    template <typename Request>
+    auto timed(Request request) -> decltype(request());
 
     ConsoleFeed& feed;
     const std::string managerSocket;
     datacom::DataCommunicator engine;
+    std::string socketName;
     std::mutex requests;  // one request at a time on the engine
+    std::atomic<bool> pressing{false};
+    std::atomic<int64_t> pendingSinceMs{0};  // 0: no request waiting for the manager
+    std::atomic<bool> lastUnanswered{false};
 
     std::mutex mutex;  // guards the fields below
     std::condition_variable wake;
@@ -59,4 +79,5 @@ private:
     };
     std::deque<Sample> history;
     std::thread refresher;
+    std::thread watcher;
 };

@@ -53,6 +53,8 @@ std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOption
             options.port = static_cast<int>(number);
         } else if (name == "--bind") {
             options.bind = value;
+        } else if (name == "--host") {
+            options.hosts.push_back(value);
         } else if (name == "--socket") {
             options.socket = value;
         } else if (name == "--www") {
@@ -72,7 +74,8 @@ std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOption
 }
 
 const char* chanwebUsage() {
-    return "Usage: chanweb [--port N] [--bind ADDR --allow-remote] [--socket PATH] [--www DIR] [--timeout S]\n"
+    return "Usage: chanweb [--port N] [--bind ADDR --allow-remote] [--host NAME]...\n"
+           "               [--socket PATH] [--www DIR] [--timeout S]\n"
            "A live console of the channel manager in the browser: both channels, their\n"
            "events as they arrive, a bitrate chart, and Play, Stop, LOAD_CHANNELS \"Default\"\n"
            "and STORE_CHANNELS buttons.\n"
@@ -80,6 +83,9 @@ const char* chanwebUsage() {
            "  --bind ADDR      address to listen on (default 127.0.0.1). chanweb has NO\n"
            "                   AUTHENTICATION: anyone who reaches the port can play, stop,\n"
            "                   load and store. Any address but loopback needs --allow-remote.\n"
+           "  --host NAME      a name the browser may use for chanweb besides the bind\n"
+           "                   address and localhost (repeatable); requests naming any\n"
+           "                   other host are refused (421), against DNS rebinding\n"
            "  --socket PATH    the channel manager's socket (default /tmp/sockChan)\n"
            "  --www DIR        the page's files (default: share/chanweb beside the program,\n"
            "                   else the source tree's tools/chanweb/www)\n"

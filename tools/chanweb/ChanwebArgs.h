@@ -7,6 +7,7 @@
 struct ChanwebOptions {
     bool help = false;
     std::string bind = "127.0.0.1";
+    std::vector<std::string> hosts;  // --host: names a request's Host may carry besides bind and localhost
     int port = 8080;            // 0: any free port (the one taken is printed)
     bool allowRemote = false;   // --allow-remote: a bind address other than loopback is accepted
     std::string socket = "/tmp/sockChan";  // the channel manager's

@@ -16,6 +16,7 @@ void ConsoleFeed::publish(const std::string& kind, const std::string& json) {
             logs += entry.kind != "status";
         for (auto it = entries.begin(); logs > LOG_LIMIT && it != entries.end();) {
             if (it->kind != "status") {
+                droppedSeq = it->seq;
                 it = entries.erase(it);
                 --logs;
             } else {
@@ -28,13 +29,18 @@ void ConsoleFeed::publish(const std::string& kind, const std::string& json) {
 
 std::string ConsoleFeed::next(uint64_t& cursor, std::chrono::milliseconds limit) {
     std::unique_lock<std::mutex> lock(mutex);
+    const bool restarted = cursor > lastSeq;  // an id of an earlier run of chanweb
+    if (restarted)
+        cursor = 0;
     changed.wait_for(lock, limit, [&] { return isClosed || lastSeq > cursor; });
     if (isClosed)
         return "";
     std::string out;
+    if (restarted || (cursor != 0 && cursor < droppedSeq))
+        out += std::string("event: gap\ndata: {\"reason\":\"") + (restarted ? "restarted" : "dropped") + "\"}\n\n";
     for (const Entry& entry : entries)
         if (entry.seq > cursor)
-            out += "event: " + entry.kind + "\ndata: " + entry.json + "\n\n";
+            out += "id: " + std::to_string(entry.seq) + "\nevent: " + entry.kind + "\ndata: " + entry.json + "\n\n";
     cursor = lastSeq;
     return out;
 }

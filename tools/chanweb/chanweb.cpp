@@ -4,28 +4,64 @@
 // buttons into the manager's commands.
 #include <limits.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include <httplib.h>
+#include <json/json.h>
 
 #include "ChannelConsole.h"
 #include "ChanwebArgs.h"
 #include "ConsoleFeed.h"
+#include "GuardedServer.h"
 #include "QuietDebugLog.h"
+#include "ToolSocket.h"
+#include "datacom/DataCommunicator.h"
 #include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 
 namespace {
 
-constexpr auto KEEPALIVE = std::chrono::seconds(15);
+constexpr auto KEEPALIVE = std::chrono::milliseconds(15000);
+constexpr auto STREAM_SLICE = std::chrono::milliseconds(500);
+constexpr int RETRY_AFTER_SEC = 5;
+
+// chanweb's own sockets take the buttons' answers and the manager's events:
+// never writable by other users. When the manager's socket is shared with a
+// group this user is in, chanweb's are shared with that group too (a manager
+// running as another user of the group can then answer); otherwise they are
+// this user's alone.
+bool sharedWithMyGroup(const std::string& managerSocket, gid_t& group) {
+    struct stat info {};
+    if (stat(sysmgtPath(managerSocket).c_str(), &info) != 0 || (info.st_mode & S_IWOTH) != 0 ||
+        (info.st_mode & S_IWGRP) == 0)
+        return false;
+    std::vector<gid_t> mine(static_cast<size_t>(std::max(getgroups(0, nullptr), 0)) + 1);
+    const int count = getgroups(static_cast<int>(mine.size()), mine.data());
+    mine.resize(static_cast<size_t>(std::max(count, 0)));
+    mine.push_back(getegid());
+    group = info.st_gid;
+    return std::find(mine.begin(), mine.end(), info.st_gid) != mine.end();
+}
+
+mode_t ownSocketMode(const std::string& managerSocket) {
+    gid_t group;
+    return sharedWithMyGroup(managerSocket, group) ? 0660 : 0600;
+}
+
+gid_t ownSocketGroup(const std::string& managerSocket) {
+    gid_t group;
+    return sharedWithMyGroup(managerSocket, group) ? group : static_cast<gid_t>(-1);
+}
 
 bool isFile(const std::string& path) {
     return access(path.c_str(), R_OK) == 0;
@@ -92,22 +128,50 @@ int main(int argc, char** argv) {
 
     ConsoleFeed feed;
     ChannelConsole console(feed, options.socket);
-    httplib::Server server;
+    std::vector<std::string> hosts = {options.bind, "localhost", options.bind == "localhost" ? "127.0.0.1" : ""};
+    hosts.insert(hosts.end(), options.hosts.begin(), options.hosts.end());
+    GuardedServer server(hosts);
     server.set_mount_point("/", www);
     server.Get("/api/status", [&](const httplib::Request&, httplib::Response& res) {
-        res.set_content(feed.status().empty() ? "{}" : feed.status(), "application/json");
+        Json::Value status;
+        Json::Reader().parse(feed.status().empty() ? "{}" : feed.status(), status);
+        status["daemon"] = console.answering() ? "answering" : "not answering";
+        Json::StreamWriterBuilder builder;
+        builder["indentation"] = "";
+        res.set_content(Json::writeString(builder, status) + "\n", "application/json");
     });
-    server.Get("/api/events", [&](const httplib::Request&, httplib::Response& res) {
+    server.Get("/api/events", [&](const httplib::Request& req, httplib::Response& res) {
+        if (!server.takeStream()) {
+            res.status = 503;
+            res.set_header("Retry-After", std::to_string(RETRY_AFTER_SEC));
+            res.set_header("Connection", "close");  // its worker is free at once
+            res.set_content("{\"error\":\"too many event streams\"}\n", "application/json");
+            return;
+        }
         res.set_header("Cache-Control", "no-cache");
-        auto cursor = std::make_shared<uint64_t>(0);
-        res.set_chunked_content_provider("text/event-stream", [&feed, cursor](size_t, httplib::DataSink& sink) {
-            if (feed.closed())
-                return false;
-            std::string chunk = feed.next(*cursor, KEEPALIVE);
-            if (chunk.empty())
-                chunk = ": keep-alive\n\n";
-            return !feed.closed() && sink.write(chunk.data(), chunk.size());
-        });
+        // A reconnecting page names the last message it saw and gets only the later ones.
+        auto cursor = std::make_shared<uint64_t>(std::strtoull(req.get_header_value("Last-Event-ID").c_str(),
+                                                               nullptr, 10));
+        auto first = std::make_shared<bool>(true);
+        auto idle = std::make_shared<std::chrono::milliseconds>(0);
+        // Waits in short slices, so that a client that went away gives up its
+        // place within one, and writes a comment after KEEPALIVE of silence.
+        res.set_chunked_content_provider(
+            "text/event-stream",
+            [&feed, cursor, first, idle, socket = GuardedServer::currentSocket()](size_t, httplib::DataSink& sink) {
+                if (feed.closed() || GuardedServer::peerGone(socket))
+                    return false;
+                std::string chunk = *first ? "retry: 2000\n\n" : "";
+                *first = false;
+                chunk += feed.next(*cursor, STREAM_SLICE);
+                *idle = chunk.empty() ? *idle + STREAM_SLICE : std::chrono::milliseconds(0);
+                if (*idle >= KEEPALIVE) {
+                    chunk = ": keep-alive\n\n";
+                    *idle = std::chrono::milliseconds(0);
+                }
+                return !feed.closed() && (chunk.empty() || sink.write(chunk.data(), chunk.size()));
+            },
+            [&server](bool) { server.releaseStream(); });
     });
     // A button. The header a page of another origin cannot send without asking
     // first (and chanweb answers no such question) keeps other sites' pages
@@ -118,13 +182,21 @@ int main(int argc, char** argv) {
             res.set_content("{\"error\":\"X-Chanweb header missing\"}\n", "application/json");
             return;
         }
-        const std::string answer = console.press(req.get_param_value("action"), req.get_param_value("row"));
-        if (answer.empty()) {
-            res.status = 400;
-            res.set_content("{\"error\":\"unknown action or row\"}\n", "application/json");
-            return;
+        std::string answer;
+        switch (console.press(req.get_param_value("action"), req.get_param_value("row"), answer)) {
+            case ChannelConsole::Press::Unknown:
+                res.status = 400;
+                res.set_content("{\"error\":\"unknown action or row\"}\n", "application/json");
+                return;
+            case ChannelConsole::Press::Busy:
+                res.status = 409;
+                res.set_content("{\"error\":\"another press is still waiting for the channel manager\"}\n",
+                                "application/json");
+                return;
+            case ChannelConsole::Press::Done:
+                res.set_content(answer, "application/json");
+                return;
         }
-        res.set_content(answer, "application/json");
     });
 
     const int port = options.port == 0 ? server.bind_to_any_port(options.bind)
@@ -133,7 +205,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "chanweb: cannot listen on %s port %d\n", options.bind.c_str(), options.port);
         return 1;
     }
-    console.start();
+    // One name per user and port: a restarted console takes back its
+    // subscription at the manager instead of leaving a dead one.
+    const std::string socketName = stableSocketName("chanweb", std::to_string(port));
+    DataCommunicator::setSocketAccess(ownSocketMode(options.socket), ownSocketGroup(options.socket));
+    console.start(socketName);
     std::thread serving([&] { server.listen_after_bind(); });
     // stop() ends only a server that runs: wait (bounded) until it does.
     for (int i = 0; i < 500 && !server.is_running(); ++i)
@@ -148,8 +224,7 @@ int main(int argc, char** argv) {
     server.stop();
     serving.join();
     console.stop();
-    const std::string receive = "/tmp/chanweb-" + std::to_string(getpid());
-    unlink(sysmgtPath(receive).c_str());
-    unlink(sysmgtPath(receive + "-send").c_str());
+    unlink(sysmgtPath(socketName).c_str());
+    unlink(sysmgtPath(socketName + "-send").c_str());
     return 0;
 }

@@ -1,3 +1,4 @@
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -152,6 +153,25 @@ int socketsOf(const std::string& path) {
     return (access(sysmgtPath(path).c_str(), F_OK) == 0) + (access(sysmgtPath(path + "-send").c_str(), F_OK) == 0);
 }
 
+// The pid of the running "chanctl ... listen" of this test (its name no longer
+// carries one), or -1.
+pid_t listenerPid() {
+    DIR* proc = opendir("/proc");
+    pid_t found = -1;
+    for (dirent* entry; proc != nullptr && found < 0 && (entry = readdir(proc)) != nullptr;) {
+        std::ifstream file(std::string("/proc/") + entry->d_name + "/cmdline");
+        std::string words((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        std::ifstream environ(std::string("/proc/") + entry->d_name + "/environ");
+        std::string variables((std::istreambuf_iterator<char>(environ)), std::istreambuf_iterator<char>());
+        if (words.find("chanctl") != std::string::npos && words.find(std::string("listen\0", 7)) != std::string::npos &&
+            variables.find("SYSMGT_ROOT=" + std::string(std::getenv("SYSMGT_ROOT")) + '\0') != std::string::npos)
+            found = static_cast<pid_t>(std::atoi(entry->d_name));
+    }
+    if (proc != nullptr)
+        closedir(proc);
+    return found;
+}
+
 // Waits (bounded) until a chanctl subscribed to the service after `known`
 // others; its receive socket path, or "".
 std::string awaitSubscriber(const Service& service, size_t known = 0) {
@@ -222,7 +242,7 @@ TEST(Chanctl, ListenPrintsEventsEventSendsOneAndAnInterruptedListenCleansUp) {
     FILE* listener = startChanctl("--timeout 10 --count 1 listen");
     ASSERT_NE(listener, nullptr);
     const std::string first = awaitSubscriber(service);
-    ASSERT_EQ(first.rfind("/tmp/chanctl-", 0), 0u) << first;
+    ASSERT_EQ(first.rfind("/tmp/chanctl-listen-", 0), 0u) << first;
     EXPECT_EQ(socketsOf(first), 2);
     MessageEvent event;
     event.id = "Channel Played";
@@ -242,16 +262,27 @@ TEST(Chanctl, ListenPrintsEventsEventSendsOneAndAnInterruptedListenCleansUp) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(calls, std::vector<std::string>{"handle Data Stream " + std::to_string(0x20008)});
 
-    // A listen without end, terminated: its sockets go with it.
+    // A listen without end, terminated: its sockets go with it. Started again,
+    // a listener takes back the same name: the service keeps one entry.
     listener = startChanctl("--timeout 20 listen");
     ASSERT_NE(listener, nullptr);
-    const std::string subscriber = awaitSubscriber(service, 1);
-    ASSERT_EQ(subscriber.rfind("/tmp/chanctl-", 0), 0u) << subscriber;
-    ASSERT_EQ(socketsOf(subscriber), 2);
-    ASSERT_EQ(kill(static_cast<pid_t>(std::stol(subscriber.substr(13))), SIGTERM), 0);
+    for (int i = 0; i < 500 && socketsOf(first) < 2; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    ASSERT_EQ(socketsOf(first), 2);
+    const pid_t pid = listenerPid();
+    auto subscribed = [] {
+        std::ifstream file(sysmgtPath("/tmp/chanctl.err"));
+        return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>())
+                   .find("listening to") != std::string::npos;
+    };
+    for (int i = 0; i < 500 && !subscribed(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(service.engine.getObservers(), std::vector<std::string>{first});
+    ASSERT_GT(pid, 0);
+    ASSERT_EQ(kill(pid, SIGTERM), 0);
     const int status = pclose(listener);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 128 + SIGTERM) << status;
-    EXPECT_EQ(socketsOf(subscriber), 0);
+    EXPECT_EQ(socketsOf(first), 0);
 }
 
 }  // namespace

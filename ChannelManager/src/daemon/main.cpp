@@ -2,6 +2,7 @@
 // channels. Reads its options, optionally detaches, writes its pid file,
 // starts the channel manager, tells its supervisor that start-up is complete
 // and sleeps while the manager's threads serve.
+#include <grp.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,6 +13,7 @@
 
 #include "manager/ChannelMngr.h"
 #include "daemon/DaemonFiles.h"
+#include "datacom/DataCommunicator.h"
 #include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
@@ -25,7 +27,7 @@ int main(int argc, char** argv) {
     std::string pidFile, startFile;
     opterr = 0;  // the usage line alone tells what went wrong
     int option;
-    while ((option = getopt(argc, argv, "v:dp:s:")) != -1) {
+    while ((option = getopt(argc, argv, "v:dp:s:g:")) != -1) {
         switch (option) {
             case 'v':
                 gDbgLevel = std::atoi(optarg);
@@ -39,8 +41,20 @@ int main(int argc, char** argv) {
             case 's':
                 startFile = optarg;
                 break;
+            case 'g': {
+                // Sockets for the daemon's user and one group only (0660)
+                // instead of every local user: who can command the daemon.
+                const group* found = getgrnam(optarg);
+                if (found == nullptr) {
+                    std::fprintf(stderr, "%s: no group %s\n", argv[0], optarg);
+                    return 1;
+                }
+                DataCommunicator::setSocketAccess(0660, found->gr_gid);
+                break;
+            }
             default:
-                std::fprintf(stderr, "Usage: %s [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n", argv[0]);
+                std::fprintf(stderr, "Usage: %s [-v verboseLevel] [-d] [-p pidfile] [-s startfile] [-g socketgroup]\n",
+                             argv[0]);
                 return 1;
         }
     }

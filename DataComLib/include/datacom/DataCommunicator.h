@@ -2,12 +2,14 @@
 
 #include <pthread.h>
 #include <sys/socket.h>
+#include <sys/types.h>
 
 #include <atomic>
 #include <cstdint>
 #include <deque>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -48,11 +50,18 @@ public:
 
     // --- Transport (DataCommunicatorTransport.cpp) ---
 
-    // Makes and binds both sockets (stale socket files removed first, mode
-    // 0777, 1-second send and receive time-outs). A process cannot run without
-    // its sockets: a failure ends it, with exit status 0.
+    // Makes and binds both sockets (stale socket files removed first, the mode
+    // of setSocketAccess, 0777 by default; 1-second send and receive
+    // time-outs). A process cannot run without its sockets: a failure ends
+    // it, with exit status 0.
     void init(IDataHolder* holder, const std::string& sockName, const std::string& sendSockName,
               const std::string& name);
+    // Who may write to the sockets that init makes from now on, for the whole
+    // process: by default anyone (mode 0777). A daemon started with a group
+    // passes 0660 and that group, so that only its user and the group's
+    // members can send it commands; a tool passes 0600 or 0660 (group -1
+    // keeps the process's own). Set before init, from one thread.
+    static void setSocketAccess(mode_t mode, gid_t group);
     // Waits for and reads one message. `body` receives the whole BODY element,
     // only when the header's Size is at least 1. `spare` is not used.
     Fcodes readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
@@ -92,8 +101,9 @@ public:
     // one try each and no reply awaited. A subscriber whose queue is full holds
     // the send up to the send socket's 1-second time-out, so one a little
     // behind loses nothing; one that never reads costs at most that second per
-    // event, one whose socket is gone nothing. Either loses the event (logged)
-    // and stays subscribed.
+    // event, one whose socket is gone nothing. Either loses the event and stays
+    // subscribed; one WARN names it at its first loss, none after until an
+    // event reaches it again.
     void notify(MessageEvent& event);
     // A copy of the subscribers, in order.
     std::vector<std::string> getObservers() const;
@@ -172,6 +182,7 @@ private:
     // guarded by a mutex of its own (notify sends from a copy, outside it).
     mutable std::mutex observersMutex;
     std::vector<std::string> observers;
+    std::set<std::string> failingObservers;  // their last event was lost (warned once)
 
     // Both sockets have their 1-second receive time-out (set by init).
     bool receivesBounded = false;
@@ -181,6 +192,8 @@ private:
     std::atomic<bool> stopping{false};
 
     static std::atomic<uint32_t> requestCounter;
+    static mode_t socketMode;
+    static gid_t socketGroup;
 };
 
 }  // namespace datacom

@@ -36,6 +36,13 @@ int getToken(const std::string& text, int from, const std::string& start, const 
 // repeating source cannot flood the log. Every record text is built through it.
 void appendTagValue(std::string& out, const std::string& value);
 
+// True when `value` can stand between the quotes of an attribute as it is:
+// it holds none of '"', '<', '>'. The writers of data items (the "GET"/"SET"
+// requests and their replies, the data set files) refuse any other value with
+// FC_BAD_VALUE instead of replacing characters: a value read back must be the
+// value stored.
+bool fitsTagValue(const std::string& value);
+
 // Leading-number conversions used for attribute values: junk after the digits
 // is ignored, a non-number gives 0, out-of-range values saturate (the same
 // result on 32-bit and 64-bit targets).

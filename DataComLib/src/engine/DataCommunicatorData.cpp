@@ -48,7 +48,7 @@
 // Refusals (the reply becomes a NACK with the code and Size 0): an unknown data
 // set, component, instance, table, row or item gives FC_NO_SUCH_NAME; a missing
 // Name, ID or SET Value, or a body with neither element, FC_BODY_ERROR;
-// a value holding a double quote, which the wire cannot carry, FC_BAD_VALUE; a
+// a value holding '"', '<' or '>', which the wire cannot carry, FC_BAD_VALUE; a
 // failed write the holder's code. Every refusal logs a line beginning
 // "treatDataMsg: ". All Items are tried and the codes merged. After a failed SET
 // the holder's rollbackChanges() runs (treatMsg), and for a DataSet body the
@@ -380,8 +380,8 @@ bool DataRequest::itemAttributes(const std::string& element, std::string& name, 
 }
 
 Fcodes DataRequest::appendItem(const std::string& name, const std::string& value) {
-    if (value.find('"') != std::string::npos) {
-        DBG(DBG_ERROR) << "treatDataMsg: value of item=" << name << " holds a double quote: " << value;
+    if (!fitsTagValue(value)) {
+        DBG(DBG_ERROR) << "treatDataMsg: value of item=" << name << " holds a '\"', '<' or '>': " << value;
         return FC_BAD_VALUE;
     }
     out += "\t\t<Item Name=\"" + name + "\" Value=\"" + value + "\" />\n";

@@ -117,6 +117,10 @@ Fcodes DataCommunicator::requestDataItem(const std::string& peer, const std::str
 Fcodes DataCommunicator::requestSetDataItem(const std::string& peer, const std::string& table, int row,
                                             const std::string& item, const std::string& value, unsigned timeoutSec,
                                             unsigned tries) {
+    if (!fitsTagValue(value)) {
+        DBG(DBG_ERROR) << "requestSetDataItem: value of item=" << item << " holds a '\"', '<' or '>': " << value;
+        return FC_BAD_VALUE;
+    }
     std::string echoed;  // read to check the reply, not returned
     return exchangeItem("requestSetDataItem", peer, msgtype::SET, tableBody(table, row, item, &value), item, echoed,
                         timeoutSec, tries);
@@ -129,6 +133,10 @@ Fcodes DataCommunicator::requestGetParam(const std::string& peer, const std::str
     // Both forms report as "requestDataItem", deliberately: one reader of the
     // log sees every data read under one name.
     const bool write = access == ParamAccess::Write;
+    if (write && !fitsTagValue(value)) {
+        DBG(DBG_ERROR) << "requestDataItem: value of item=" << item << " holds a '\"', '<' or '>': " << value;
+        return FC_BAD_VALUE;
+    }
     return exchangeItem("requestDataItem", peer, write ? msgtype::SET : msgtype::GET,
                         dataSetBody(dataSet, component, item, write ? &value : nullptr, row), item, value, timeoutSec,
                         tries);

@@ -188,12 +188,32 @@ std::vector<std::string> DataCommunicator::getObservers() const {
     return observers;
 }
 
+// A subscriber that stops receiving (its socket gone, its queue full) stays
+// subscribed: subscriptions last as long as this process, and a tool that
+// comes back under the same socket name gets events again without asking.
+// What changes is the noise: the first lost event of a subscriber logs one
+// WARN naming it; later losses are not warned again until an event reaches it,
+// which logs that it receives again. Tools subscribe under stable names, so a
+// restarted tool takes its old entry back instead of adding one.
 void DataCommunicator::notify(MessageEvent& event) {
     event.time = eventTimeText(wallClockNow().tv_sec);
     for (const std::string& observer : getObservers()) {
         DBG(DBG_INFO) << "notify: event=" << event.id << " to observer=" << observer;
-        if (!isOk(requestEvent(observer, event, wire::NO_WAIT, 1)))
-            DBG(DBG_WARN) << "notify: event=" << event.id << " lost for observer=" << observer;
+        const bool delivered = isOk(requestEvent(observer, event, wire::NO_WAIT, 1));
+        std::unique_lock<std::mutex> guard(observersMutex);
+        const bool wasFailing = failingObservers.count(observer) != 0;
+        if (delivered == !wasFailing)
+            continue;
+        if (delivered)
+            failingObservers.erase(observer);
+        else
+            failingObservers.insert(observer);
+        guard.unlock();
+        if (delivered)
+            DBG(DBG_INFO) << "notify: observer=" << observer << " receives events again";
+        else
+            DBG(DBG_WARN) << "notify: event=" << event.id << " lost for observer=" << observer
+                          << "; it stays subscribed, its further losses are not warned";
     }
 }
 

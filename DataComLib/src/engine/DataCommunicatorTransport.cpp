@@ -63,8 +63,18 @@ Fcodes DataCommunicator::makeSocket(int& sock, const std::string& path, const ch
         DBG(DBG_FATAL) << "init: Socket bind failed to " << path << " errno=" << errno;
         return FC_COMM_ERROR;
     }
-    chmod(hostPath.c_str(), 0777);
+    chmod(hostPath.c_str(), socketMode);
+    if (socketGroup != static_cast<gid_t>(-1) && chown(hostPath.c_str(), static_cast<uid_t>(-1), socketGroup) != 0)
+        DBG(DBG_ERROR) << "init: cannot give socket " << path << " to group " << socketGroup << " errno=" << errno;
     return FC_OK;
+}
+
+mode_t DataCommunicator::socketMode = 0777;
+gid_t DataCommunicator::socketGroup = static_cast<gid_t>(-1);
+
+void DataCommunicator::setSocketAccess(mode_t mode, gid_t group) {
+    socketMode = mode;
+    socketGroup = group;
 }
 
 void DataCommunicator::init(IDataHolder* holder, const std::string& receivePath, const std::string& sendPath,

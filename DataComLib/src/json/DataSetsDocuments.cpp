@@ -11,6 +11,7 @@
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
 #include "datacom/SysmgtRoot.h"
+#include "datacom/TagText.h"
 
 namespace datacom {
 
@@ -74,6 +75,32 @@ Fcodes readDatasetFile(const std::string& file, std::string& text) {
     return result;
 }
 
+// Every name and text of a document ends up between the quotes of a data
+// reply: the first one that cannot (see fitsTagValue), with its path.
+bool unfitText(const Json::Value& value, const std::string& path, std::string& where, std::string& text) {
+    if (value.isString() && !fitsTagValue(value.asString())) {
+        where = path;
+        text = value.asString();
+        return true;
+    }
+    if (value.isObject()) {
+        for (const std::string& key : value.getMemberNames()) {
+            if (!fitsTagValue(key)) {
+                where = path + "/";
+                text = key;
+                return true;
+            }
+            if (unfitText(value[key], path + "/" + key, where, text))
+                return true;
+        }
+    } else if (value.isArray()) {
+        for (Json::ArrayIndex i = 0; i < value.size(); ++i)
+            if (unfitText(value[i], path + "/" + std::to_string(i), where, text))
+                return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 DataSets::DataSets() = default;
@@ -134,6 +161,12 @@ Fcodes DataSets::loadDocument(const std::string* name, const std::string& file) 
         if (!root.isObject() || (components && !components->isObject())) {
             DBG(DBG_ERROR) << "loadDataSet: Not a dataset document in file=" << file;
             return FC_BODY_ERROR;
+        }
+        std::string where, refused;
+        if (unfitText(root, "", where, refused)) {
+            DBG(DBG_ERROR) << "loadDataSet: refused value at " << where << " (holds '\"', '<' or '>'): " << refused
+                           << " in file=" << file;
+            return FC_BAD_VALUE;
         }
         const std::string key = name ? *name : declared->asString();
         Guard guard(*this);

@@ -9,6 +9,10 @@
 
 namespace datacom {
 
+bool fitsTagValue(const std::string& value) {
+    return value.find_first_of("\"<>") == std::string::npos;
+}
+
 void appendTagValue(std::string& out, const std::string& value) {
     const std::string::size_type first = value.find_first_of("\"<>");
     if (first == std::string::npos) {

@@ -138,12 +138,21 @@ TEST(DataCommunicatorData, RepliesRepeatTheRequestByteForByte) {
                           "<BODY><Table Name=\"Chan\" ><Row ID=\"1\" ><Item Name=\"Name\" /></Row></Table>"
                           "</BODY>"),
               nack(FC_BODY_ERROR));
-    engines.holder.setJson("vsrc", "Video", "", "Format", "say \"hi\"");
-    EXPECT_EQ(engines.ask("GET",
-                          "<BODY><DataSet ID=\"vsrc\" ><Component Name=\"Video\" ><Item Name=\"Format\" />"
-                          "</Component></DataSet></BODY>"),
-              nack(FC_BAD_VALUE))
-        << "a value the wire cannot carry";
+    // A stored value the wire cannot carry is refused, whichever delimiter it holds, and
+    // no request carries one out.
+    for (const char* stored : {"say \"hi\"", "a<b", "1080p>"}) {
+        engines.holder.setJson("vsrc", "Video", "", "Format", stored);
+        EXPECT_EQ(engines.ask("GET",
+                              "<BODY><DataSet ID=\"vsrc\" ><Component Name=\"Video\" ><Item Name=\"Format\" />"
+                              "</Component></DataSet></BODY>"),
+                  nack(FC_BAD_VALUE))
+            << stored;
+        std::string value = stored;
+        EXPECT_EQ(engines.client.requestSetDataItem(EnginePair::SERVER, "Chan", 1, "Name", stored, 2, 1), FC_BAD_VALUE);
+        EXPECT_EQ(engines.client.requestGetParam(EnginePair::SERVER, "vsrc", "Video", "Format", value,
+                                                 ParamAccess::Write, "", 2, 1),
+                  FC_BAD_VALUE);
+    }
 }
 
 }  // namespace

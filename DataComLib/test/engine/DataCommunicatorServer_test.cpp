@@ -4,6 +4,7 @@
 
 #include "datacom/DbgPrintClient.h"
 #include "FixedClock.h"
+#include "LogCapture.h"
 #include "engine/EngineTestSupport.h"
 #include "datacom/WireConstants.h"
 
@@ -161,6 +162,35 @@ TEST(DataCommunicatorServer, SubscriptionsAndNotifyUnderBursts) {
     EXPECT_NE(body.find("Time=\"29-Feb-40  12:34:56\""), std::string::npos) << body;
 
     EXPECT_EQ(engines.server.getObservers().size(), 3u) << "failed subscribers stay";
+
+    // A vanished subscriber is warned about once, not once per event; back
+    // under its name it receives again, and a second loss is warned again.
+    auto warningsFor = [](const std::string& log, const std::string& path) {
+        size_t count = 0;
+        for (size_t at = log.find("lost for observer=" + path); at != std::string::npos;
+             at = log.find("lost for observer=" + path, at + 1))
+            ++count;
+        return count;
+    };
+    {
+        LogCapture log;
+        for (int i = 0; i < 3; ++i)
+            engines.server.notify(event);
+        std::string lines = log.take();
+        EXPECT_EQ(warningsFor(lines, "/tmp/sockGone"), 0u) << "already warned at the first event:\n" << lines;
+        {
+            RawPeer back("/tmp/sockGone");
+            engines.server.notify(event);
+            std::string datagram;
+            EXPECT_TRUE(back.receive(datagram, 2000));
+        }
+        engines.server.notify(event);
+        engines.server.notify(event);
+        lines = log.take();
+        EXPECT_NE(lines.find("observer=/tmp/sockGone receives events again"), std::string::npos) << lines;
+        EXPECT_EQ(warningsFor(lines, "/tmp/sockGone"), 1u) << lines;
+        EXPECT_EQ(warningsFor(lines, EnginePair::CLIENT), 0u) << lines;
+    }
 
     // A burst of 200 to a subscriber that reads slowly (behind a vanished
     // one): all arrive, in order.

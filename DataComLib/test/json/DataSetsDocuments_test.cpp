@@ -77,6 +77,8 @@ TEST(DataSetsDocuments, MalformedAndWronglyShapedFilesAreRefused) {
         {"components not an object", "{\"dataset\": \"ChannelDataSet\", \"components\": [1]}"},
         {"deeply nested", deep},
         {"empty file", ""},
+        {"a value that would break a record", "{\"dataset\": \"D\", \"components\": {\"C\": {\"p\": \"a>b\"}}}"},
+        {"a name that would break a record", "{\"dataset\": \"D\", \"components\": {\"C<\": {}}}"},
     };
     DataSets store;
     ASSERT_TRUE(dstest::loadChannelDoc(store));

@@ -120,6 +120,10 @@ async function press(action, row) {
   try {
     const answer = await fetch("/api/press?" + query, { method: "POST", headers: { "X-Chanweb": "1" } });
     const reply = await answer.json();
+    if (answer.status === 409) {
+      appendEvent({ id: action + " refused: another press is still waiting", source: row || "", fcode: 0 });
+      return;
+    }
     if (reply.result && reply.result !== "OK") {
       appendEvent({ id: reply.command + " refused: " + reply.result, source: row || "", fcode: reply.fcode });
     }
@@ -133,13 +137,32 @@ document.addEventListener("click", (event) => {
   if (button) press(button.dataset.action, button.dataset.row);
 });
 
-function connect() {
+let daemonAnswering = true;
+let streamOpen = false;
+function showLink() {
   const link = document.getElementById("link");
+  if (!streamOpen) { link.textContent = "reconnecting…"; link.className = "link down"; }
+  else if (!daemonAnswering) { link.textContent = "daemon not answering"; link.className = "link down"; }
+  else { link.textContent = "live"; link.className = "link up"; }
+}
+
+// The browser reconnects by itself and names the last message it saw, so
+// chanweb sends only what came after; a "gap" says some of it was lost.
+function connect() {
   const source = new EventSource("/api/events");
-  source.onopen = () => { link.textContent = "live"; link.className = "link up"; };
-  source.onerror = () => { link.textContent = "reconnecting…"; link.className = "link down"; };
+  source.onopen = () => { streamOpen = true; showLink(); };
+  source.onerror = () => { streamOpen = false; showLink(); };
   source.addEventListener("status", (message) => renderStatus(JSON.parse(message.data)));
   source.addEventListener("log", (message) => appendEvent(JSON.parse(message.data)));
+  source.addEventListener("daemon", (message) => {
+    daemonAnswering = JSON.parse(message.data).daemon === "answering";
+    showLink();
+  });
+  source.addEventListener("gap", (message) => {
+    const reason = JSON.parse(message.data).reason;
+    appendEvent({ id: reason === "restarted" ? "chanweb restarted: earlier events are not shown"
+                                             : "some events were missed while disconnected", source: "", fcode: 0 });
+  });
 }
 
 for (const card of document.querySelectorAll(".channel")) renderChannel(card, null);
