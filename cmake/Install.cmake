@@ -62,14 +62,13 @@ if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
   # dpkg-shlibdeps reads the armhf libraries of Debian's multiarch tree.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS /usr/lib/arm-linux-gnueabihf)
 endif()
-# The init script is the admin's to edit (its level); the factory datasets
-# are the release's and are replaced on upgrade.
+# The init script is the admin's to edit (its level); the daemon package's
+# Debian files (conffiles among them) are in DaemonPackage.cmake.
 if(IS_ABSOLUTE "${SYSMGT_SYSCONFDIR}")
   set(_initScript ${SYSMGT_SYSCONFDIR}/init.d/channel_manager)
 else()
   set(_initScript ${CMAKE_INSTALL_PREFIX}/${SYSMGT_SYSCONFDIR}/init.d/channel_manager)
 endif()
-file(WRITE ${PROJECT_BINARY_DIR}/etc/debian/conffiles "${_initScript}\n")
-set(CPACK_DEBIAN_DAEMON_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/etc/debian/conffiles)
+include(${CMAKE_CURRENT_LIST_DIR}/DaemonPackage.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/LibraryPackages.cmake)
 include(CPack)

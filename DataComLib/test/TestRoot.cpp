@@ -26,7 +26,7 @@ TestRoot::TestRoot() {
     if (mkdtemp(pattern) == nullptr)
         throw std::runtime_error("TestRoot: mkdtemp failed");
     root = pattern;
-    for (const char* dir : {"/tmp", "/run", "/etc", "/etc/sysmgt", "/data", "/data/settings"})
+    for (const char* dir : {"/tmp", "/run", "/run/channel_manager", "/etc", "/etc/sysmgt", "/data", "/data/settings"})
         mkdir((root + dir).c_str(), 0777);
     setenv("SYSMGT_ROOT", root.c_str(), 1);
 }

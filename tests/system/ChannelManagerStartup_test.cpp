@@ -129,7 +129,7 @@ TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
     while (std::getline(unit, line))
         if (line.rfind("ExecStart=", 0) == 0 && line.find("/channel_manager ") != std::string::npos)
             options = line.substr(line.find("/channel_manager ") + 17);
-    ASSERT_NE(std::string::npos, options.find("-s /run/channel_manager.start")) << options;
+    ASSERT_NE(std::string::npos, options.find("-s /run/channel_manager/channel_manager.start")) << options;
     EXPECT_EQ(std::string::npos, options.find("-d")) << "a notify service stays in the foreground";
 
     const std::string name = "@channel-manager-ready-" + std::to_string(getpid());
@@ -145,11 +145,11 @@ TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
     std::thread manager([&] {
         char buffer[64];
         const ssize_t got = recv(sock, buffer, sizeof buffer, 0);
-        startFileAtReady = readText("/run/channel_manager.start");
+        startFileAtReady = readText("/run/channel_manager/channel_manager.start");
         ready.assign(buffer, got > 0 ? static_cast<size_t>(got) : 0);
     });
     setenv("NOTIFY_SOCKET", name.c_str(), 1);
-    DaemonSession session(options, 120, "/run/channel_manager.start");
+    DaemonSession session(options, 120, "/run/channel_manager/channel_manager.start");
     unsetenv("NOTIFY_SOCKET");
     manager.join();
     close(sock);
@@ -157,5 +157,5 @@ TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
     const std::string pid = std::to_string(session.daemon.id());
     EXPECT_EQ("READY=1", ready);
     EXPECT_EQ("0:" + pid + ":0\n", startFileAtReady);
-    EXPECT_EQ(pid + "\n", readText("/run/channel_manager.pid"));
+    EXPECT_EQ(pid + "\n", readText("/run/channel_manager/channel_manager.pid"));
 }

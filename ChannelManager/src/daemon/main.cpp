@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include "manager/ChannelMngr.h"
@@ -16,6 +17,10 @@
 #include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
+
+// The daemon's own times (timers, probe time-outs, the start file's moment)
+// outlive January 2038 only with a 64-bit time_t.
+static_assert(sizeof(time_t) == 8, "channel_manager needs a 64-bit time_t: build with _TIME_BITS=64");
 
 int main(int argc, char** argv) {
     bool detach = false;

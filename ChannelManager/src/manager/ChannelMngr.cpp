@@ -45,7 +45,7 @@ ChannelMngr* ChannelMngr::getInstance() {
 void ChannelMngr::init() {
     timespec resolution{};
     const int clockResult = clock_getres(CLOCK_REALTIME, &resolution);
-    std::printf("Clock ret=%d res=%ldsec:%ldnsec\n", clockResult, static_cast<long>(resolution.tv_sec),
+    std::printf("Clock ret=%d res=%lldsec:%ldnsec\n", clockResult, static_cast<long long>(resolution.tv_sec),
                 static_cast<long>(resolution.tv_nsec));
     std::fflush(stdout);
 

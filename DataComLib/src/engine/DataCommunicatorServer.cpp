@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <ctime>
 
 #include "datacom/DataCommunicator.h"
 #include "engine/DataCommunicatorInternal.h"
@@ -16,20 +15,12 @@
 #include "engine/LocalAddress.h"
 #include "datacom/MessageTypes.h"
 #include "datacom/TagText.h"
+#include "datacom/WallClock.h"
 #include "datacom/WireConstants.h"
 
 namespace datacom {
 
 namespace {
-
-// Local time as events carry it, e.g. "22-Nov-26  02:26:06".
-std::string timeToString(time_t when) {
-    struct tm local {};
-    localtime_r(&when, &local);
-    char text[32];
-    size_t length = strftime(text, sizeof text, "%d-%b-%y  %T", &local);
-    return std::string(text, length);
-}
 
 bool isReplyType(const std::string& type) {
     return type == msgtype::ACK || type == msgtype::NACK || type == msgtype::RESPONSE || type == msgtype::NO_REPLY;
@@ -205,7 +196,7 @@ std::vector<std::string> DataCommunicator::getObservers() const {
 // which logs that it receives again. Tools subscribe under stable names, so a
 // restarted tool takes its old entry back instead of adding one.
 void DataCommunicator::notify(MessageEvent& event) {
-    event.time = timeToString(time(nullptr));
+    event.time = eventTimeText(wallClockNow().tv_sec);
     for (const std::string& observer : getObservers()) {
         DBG(DBG_INFO) << "notify: event=" << event.id << " to observer=" << observer;
         const bool delivered = isOk(requestEvent(observer, event, wire::NO_WAIT, 1));

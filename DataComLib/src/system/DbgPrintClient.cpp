@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +9,7 @@
 #include <iostream>
 
 #include "datacom/SysmgtRoot.h"
+#include "datacom/WallClock.h"
 
 namespace datacom {
 
@@ -67,15 +67,13 @@ void DbgPrintClient::fillInOss(int severity, std::ostringstream* oss) {
 
     // Seconds and milliseconds come from two clock readings; at a second
     // boundary they may disagree by one second.
-    time_t now = time(nullptr);
+    const time_t now = wallClockNow().tv_sec;
     struct tm local {};
     localtime_r(&now, &local);
     char date[32];
     size_t dateLength = strftime(date, sizeof date, "%d/%m/%y %H:%M:%S.", &local);
 
-    struct timeval precise {};
-    gettimeofday(&precise, nullptr);
-    const int ms = static_cast<int>(precise.tv_usec / 1000) % 1000;
+    const int ms = static_cast<int>(wallClockNow().tv_nsec / 1000000) % 1000;
     const char millis[4] = {static_cast<char>('0' + ms / 100), static_cast<char>('0' + ms / 10 % 10),
                             static_cast<char>('0' + ms % 10), '\0'};
 

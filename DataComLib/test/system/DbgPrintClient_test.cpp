@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "datacom/DbgPrintClient.h"
+#include "FixedClock.h"
 #include "LogCapture.h"
 #include "datacom/SysmgtRoot.h"
 
@@ -100,6 +101,12 @@ TEST(DbgPrintClient, PrefixLayoutTaskNamesAndFifoWrite) {
         client.fillInOss(severity.first, &oss);
         EXPECT_TRUE(isPrefix(oss.str(), severity.second, "tChMngr")) << oss.str();
     }
+
+    // The stamp of a moment past 2038 (a 32-bit time_t has wrapped by then).
+    FixedClock clock;
+    std::ostringstream late;
+    client.fillInOss(DBG_WARN, &late);
+    EXPECT_EQ(late.str(), "WARN 29/02/40 12:34:56.789 tChMngr(" + std::to_string(getpid()) + ")");
 }
 
 TEST(DbgPrintClient, FullPipeDropsLinesAndAVanishedReaderIsHarmless) {
