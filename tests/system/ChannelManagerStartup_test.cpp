@@ -130,6 +130,9 @@ TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
         if (line.rfind("ExecStart=", 0) == 0 && line.find("/channel_manager ") != std::string::npos)
             options = line.substr(line.find("/channel_manager ") + 17);
     ASSERT_NE(std::string::npos, options.find("-s /run/channel_manager/channel_manager.start")) << options;
+    const size_t group = options.find("-g sysmgt ");
+    ASSERT_NE(std::string::npos, group) << "the sockets 0660 in the daemon group: " << options;
+    options.replace(group, 10, "-g " + ownGroupName() + " ");
     EXPECT_EQ(std::string::npos, options.find("-d")) << "a notify service stays in the foreground";
 
     const std::string name = "@channel-manager-ready-" + std::to_string(getpid());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <grp.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -40,6 +41,12 @@ bool waitFor(Condition ready, double limitSec) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return true;
+}
+
+// The test user's own group: what the service's "-g sysmgt" becomes on a machine without that group.
+inline std::string ownGroupName() {
+    const group* own = getgrgid(getegid());
+    return own ? own->gr_name : std::to_string(getegid());
 }
 
 inline bool fileExists(const std::string& logicalPath) {

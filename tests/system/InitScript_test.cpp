@@ -44,7 +44,8 @@ TEST(InitScript, TwentyStartsAndStopsTellTheTruthAndAFailedStartSaysWhy) {
     writeText("/etc/channel_manager", "#!/bin/sh\nexec " + toolCommand("channel_manager") + " \"$@\"\n");
     chmod(datacom::sysmgtPath("/etc/channel_manager").c_str(), 0755);
     writeText("/etc/default/channel_manager", "DAEMON=" + datacom::sysmgtPath("/etc/channel_manager") +
-                                                  "\nDAEMON_USER=\nSTART_LIMIT=60\n");
+                                                  "\nDAEMON_USER=\nDAEMON_OPTS=\"-g " + ownGroupName() +
+                                                  "\"\nSTART_LIMIT=60\n");
 
     for (int round = 1; round <= 20; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
