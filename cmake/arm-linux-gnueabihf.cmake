@@ -16,3 +16,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 # qemu-arm needs no -L prefix; the cross toolchain's own libc under
 # /usr/arm-linux-gnueabihf may be of another release and must not be mixed in.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm)
+
+# Libraries install to Debian's multiarch directory, as armhf packages must
+# (GNUInstallDirs picks it only for a native /usr build).
+set(CMAKE_INSTALL_LIBDIR lib/arm-linux-gnueabihf)
