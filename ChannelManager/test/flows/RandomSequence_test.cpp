@@ -7,10 +7,10 @@
 // stopped it; every command is answered.
 //
 // Seeded and bounded: SYSMGT_SEQUENCE_SEED (default 1, 2, 3), each
-// SYSMGT_SEQUENCE_STEPS steps long (default 40), or, with
-// SYSMGT_SEQUENCE_MINUTES, seeds one after the other from the seed on for
-// that long (the fuzz leg's long run). A failure prints the seed and the
-// shortest failing sequence found by dropping steps.
+// SYSMGT_SEQUENCE_STEPS steps long (default 40). SYSMGT_SEQUENCE_MINUTES runs
+// consecutive seeds for that many minutes (the fuzz leg's long run). On a
+// broken invariant the report names its seed and a reduced list of steps that
+// still breaks it (steps dropped one by one while the fault stays).
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -289,9 +289,9 @@ TEST(RandomSequence, InvariantsHoldThroughRandomDays) {
         const std::string broken = Day().run(steps);
         totalSteps += stepCount;
         if (!broken.empty()) {
-            std::ostringstream shortest;
-            for (const Step& s : shrink(steps, 60)) shortest << " " << describe(s);
-            FAIL() << "seed " << seeds[i] << ": " << broken << "\nshortest failing sequence:" << shortest.str();
+            std::ostringstream reduced;
+            for (const Step& s : shrink(steps, 60)) reduced << " " << describe(s);
+            FAIL() << "seed " << seeds[i] << ": " << broken << "\nreduced steps:" << reduced.str();
         }
         if (minutes > 0 && i + 1 == seeds.size() && std::chrono::steady_clock::now() < end)
             seeds.push_back(seeds.back() + 1);
