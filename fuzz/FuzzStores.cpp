@@ -6,8 +6,8 @@
 
 #include "FuzzSupport.h"
 #include "TestDocuments.h"
-#include "datacom/SysmgtRoot.h"
 #include "datacom/DataSet.h"
+#include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 

@@ -6,7 +6,6 @@
 
 #include "TestRoot.h"
 
-
 namespace fuzz {
 
 void usePrivateRoot() {

@@ -15,7 +15,6 @@
 
 #include "FuzzSupport.h"
 
-
 namespace {
 
 std::vector<std::string> inputsUnder(const std::string& path) {

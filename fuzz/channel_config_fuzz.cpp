@@ -23,8 +23,8 @@
 #include <memory>
 
 #include "FuzzSupport.h"
-#include "support/ChannelHarness.h"
 #include "datacom/DbgPrintClient.h"
+#include "support/ChannelHarness.h"
 
 using namespace datacom;
 
@@ -96,8 +96,8 @@ void runChannel(ConfigChannelTarnevel& channel, const std::string& row, const st
     checked(channel.updateChannel(row), "updateChannel");
     checked(channel.playChannel(row), "playChannel");
     checked(channel.execute(commandText(cmd::CHANGE_ON_THE_FLY, {{cmd::PARAM_ROW_ID, row},
-                                                                {cmd::PARAM_TOTAL_BITRATE, total},
-                                                                {cmd::PARAM_MAX_BITRATE, max}}),
+                                                                 {cmd::PARAM_TOTAL_BITRATE, total},
+                                                                 {cmd::PARAM_MAX_BITRATE, max}}),
                             response),
             "Change on-the-fly");
     std::vector<std::string> targets;

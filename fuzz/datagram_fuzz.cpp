@@ -14,11 +14,11 @@
 #include "FuzzStores.h"
 #include "FuzzSupport.h"
 #include "datacom/DataCommunicator.h"
-#include "engine/LocalAddress.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/MessageTypes.h"
 #include "datacom/TagText.h"
 #include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
+#include "engine/LocalAddress.h"
 
 using namespace datacom;
 

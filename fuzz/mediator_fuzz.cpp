@@ -3,8 +3,8 @@
 // the first byte), and must either deliver a value or fail without touching
 // its output. The writing operations ignore the body but pass the verdict on.
 #include "FuzzSupport.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "datacom/NullDataHolder.h"
+#include "tarnevel/ITarnevelClient.h"
 
 using namespace datacom;
 using namespace tarnevel;

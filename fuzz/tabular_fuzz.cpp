@@ -7,10 +7,10 @@
 
 #include "FuzzStores.h"
 #include "FuzzSupport.h"
-#include "datacom/SysmgtRoot.h"
 #include "datacom/DataObject.h"
 #include "datacom/DataSet.h"
 #include "datacom/DataTable.h"
+#include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 

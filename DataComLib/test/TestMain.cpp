@@ -4,7 +4,6 @@
 
 #include "TestRoot.h"
 
-
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     TestRoot root;

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <stdexcept>
 
-
 namespace {
 
 int removeEntry(const char* path, const struct stat*, int, struct FTW*) {

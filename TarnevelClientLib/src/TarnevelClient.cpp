@@ -2,11 +2,11 @@
 
 #include "datacom/DbgPrintClient.h"
 #include "datacom/IDataHolder.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/TagText.h"
-#include "tarnevel/TarnevelWire.h"
 #include "datacom/WireConstants.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "tarnevel/TarnevelWire.h"
 
 using namespace datacom;
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <functional>
 
-#include "engine/EngineTestSupport.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "LogCapture.h"
 #include "datacom/WireConstants.h"
+#include "engine/EngineTestSupport.h"
+#include "tarnevel/ITarnevelClient.h"
 
 using namespace datacom;
 using namespace tarnevel;

@@ -18,9 +18,9 @@
 #include <map>
 #include <vector>
 
+#include "datacom/DbgPrintClient.h"
 #include "support/ChannelHarness.h"
 #include "tarnevel/ITarnevelClient.h"
-#include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
 using namespace tarnevel;

@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
+#include "datacom/DbgPrintClient.h"
 #include "support/ChannelHarness.h"
 #include "support/MediatorTranscript.h"
-#include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
 

@@ -15,9 +15,9 @@
 #include <sstream>
 #include <thread>
 
+#include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageTypes.h"
-#include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
 

@@ -27,8 +27,8 @@
 
 #include "BenchAppliance.h"
 #include "datacom/DataCommunicator.h"
-#include "engine/LocalAddress.h"
 #include "datacom/MessageTypes.h"
+#include "engine/LocalAddress.h"
 
 using namespace datacom;
 

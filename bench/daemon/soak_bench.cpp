@@ -159,7 +159,8 @@ int main(int argc, char** argv) {
         else if (option == "--rate")
             rate = std::max(1.0, std::atof(argv[i + 1]));
         else
-            fail("unknown option " + option + " (usage: soak_bench [--bin DIR] [--launch PREFIX] [--count N] [--rate R])");
+            fail("unknown option " + option +
+                 " (usage: soak_bench [--bin DIR] [--launch PREFIX] [--count N] [--rate R])");
     }
     if (bin.empty()) {
         std::string self = argv[0];
@@ -214,8 +215,8 @@ int main(int argc, char** argv) {
     };
     waitUntil([&] { return missing() == 0; }, 10);
 
-    std::printf("\n%ld requests and %ld mediator events (through the simulator) in %.1f s, %ld cycles\n",
-                soak.sent, soak.mediatorEvents, seconds, cycles);
+    std::printf("\n%ld requests and %ld mediator events (through the simulator) in %.1f s, %ld cycles\n", soak.sent,
+                soak.mediatorEvents, seconds, cycles);
     std::printf("unanswered %ld, refused %ld\n", soak.unanswered, soak.refused);
     for (const auto& [request, times] : soak.refusals)
         std::printf("  %s: %ld\n", request.c_str(), times);

@@ -10,8 +10,8 @@
 #include <ftw.h>
 #include <poll.h>
 #include <sched.h>
-#include <sys/prctl.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -27,10 +27,10 @@
 
 #include "datacom/DataCommunicator.h"
 #include "datacom/DbgPrintClient.h"
-#include "engine/LocalAddress.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageTypes.h"
 #include "datacom/NullDataHolder.h"
+#include "engine/LocalAddress.h"
 
 using namespace datacom;
 

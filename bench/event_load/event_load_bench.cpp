@@ -133,11 +133,14 @@ int main(int argc, char** argv) {
             switch (n % 4) {
                 case 0:
                 case 2:  // the input each channel already runs: a refresh, no format change
-                    text = commandText("Sim Emit Event", {{"Event", "Auto Detection Event"}, {"Source", sources[n % 4 / 2]},
-                                                          {"Status", "ON"}, {"Input Detected", formats[n % 4 / 2]}});
+                    text = commandText("Sim Emit Event", {{"Event", "Auto Detection Event"},
+                                                          {"Source", sources[n % 4 / 2]},
+                                                          {"Status", "ON"},
+                                                          {"Input Detected", formats[n % 4 / 2]}});
                     break;
                 case 1:
-                    text = commandText("Sim Emit Event", {{"Event", "Data Stream"}, {"Status", n % 8 == 1 ? "ON" : "OFF"},
+                    text = commandText("Sim Emit Event", {{"Event", "Data Stream"},
+                                                          {"Status", n % 8 == 1 ? "ON" : "OFF"},
                                                           {"Description", "Zixi Feeder CH1"}});
                     break;
                 default:
@@ -163,20 +166,22 @@ int main(int argc, char** argv) {
     const double cpu = cpuSeconds(daemon) - cpuBefore;
     auto received = [&] {
         long sum = 0;
-        for (const auto& front : fronts) sum += front->updates;
+        for (const auto& front : fronts)
+            sum += front->updates;
         return sum;
     };
     // The idle phase's refreshes are none; the load's are owed to every front end.
     const long owed = detections * FRONT_ENDS;
     waitUntil([&] { return received() >= owed; }, 10);
-    for (auto& engine : engines) engine->stop();
+    for (auto& engine : engines)
+        engine->stop();
 
     std::printf("idle: %zu commands, p50 %.3f ms, p99 %.3f ms\n", idle.size(), median(idle), percentile(idle, 99));
-    std::printf("load: %zu commands, p50 %.3f ms, p99 %.3f ms (p99 / idle p50 = %.2f)\n", loaded.size(),
-                median(loaded), percentile(loaded, 99), percentile(loaded, 99) / median(idle));
+    std::printf("load: %zu commands, p50 %.3f ms, p99 %.3f ms (p99 / idle p50 = %.2f)\n", loaded.size(), median(loaded),
+                percentile(loaded, 99), percentile(loaded, 99) / median(idle));
     std::printf("mediator events sent %ld in %.1f s (%.0f/s): %ld input detections, %ld others, %ld refused\n",
-                detections + others, loadSeconds, (detections + others) / loadSeconds, detections.load(),
-                others.load(), refusedEvents.load());
+                detections + others, loadSeconds, (detections + others) / loadSeconds, detections.load(), others.load(),
+                refusedEvents.load());
     std::printf("front-end events owed %ld, received %ld (%d front ends)\n", owed, received(), FRONT_ENDS);
     std::printf("daemon CPU %.2f s in %.1f s (%.0f %% of one core); failed commands %ld\n", cpu, loadSeconds,
                 100 * cpu / loadSeconds, failed);

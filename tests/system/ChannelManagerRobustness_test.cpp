@@ -81,8 +81,7 @@ TEST(ChannelManagerRobustness, TenThousandMalformedDatagramsLeaveItAnswering) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(240);
     for (int n = 0; n < 10000 && std::chrono::steady_clock::now() < deadline; ++n) {
         const std::string datagram = malformed(n, random);
-        if (sendto(sock, datagram.data(), datagram.size(), 0, reinterpret_cast<sockaddr*>(&target), sizeof target) >=
-            0)
+        if (sendto(sock, datagram.data(), datagram.size(), 0, reinterpret_cast<sockaddr*>(&target), sizeof target) >= 0)
             ++sent;
     }
     close(sock);
@@ -120,8 +119,10 @@ TEST(ChannelManagerRobustness, OneBadCommandLeavesItAnswering) {
         {"command LOAD_CHANNELS File=/tmp/dir.json", 1, "Bad Value", "loadDataSet: Not a regular file=/tmp/dir.json"},
         {"command LOAD_CHANNELS File=/tmp/huge.json", 1, "Bad Value", "loadDataSet: File too large=/tmp/huge.json"},
         {"--timeout 60 command LOAD_CHANNELS File=Default", 0, "", ""},
-        {"command STORE_CHANNELS File=/tmp/pipe.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/pipe.json"},
-        {"command STORE_CHANNELS File=/tmp/zero.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/zero.json"},
+        {"command STORE_CHANNELS File=/tmp/pipe.json", 1, "Bad Value",
+         "storeDataSet: Not a regular file=/tmp/pipe.json"},
+        {"command STORE_CHANNELS File=/tmp/zero.json", 1, "Bad Value",
+         "storeDataSet: Not a regular file=/tmp/zero.json"},
         {"command STORE_CHANNELS File=/tmp/dir.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/dir.json"},
         // The archive's first step cannot write its file: the store is made, the archive is not.
         {"command STORE_CHANNELS File=/data/settings/channels.json", 1, "Unavailable",

@@ -82,9 +82,8 @@ TEST(ChannelManagerStartup, DetachedDaemonWritesPidThenStartFileThenServes) {
 
     // Its first requests, in order: the mediator's events, the time zone, the device manager's events.
     EXPECT_EQ("", missingInOrder(session.simulator.traffic(),
-                                 {"IN  mediator COMMAND", "\"SUBSCRIBE\" SockName=\"/tmp/sockChan\"",
-                                  "IN  device GET", "DateTimeTable", "IN  device COMMAND",
-                                  "\"SUBSCRIBE\" SockName=\"/tmp/sockChan\""}))
+                                 {"IN  mediator COMMAND", "\"SUBSCRIBE\" SockName=\"/tmp/sockChan\"", "IN  device GET",
+                                  "DateTimeTable", "IN  device COMMAND", "\"SUBSCRIBE\" SockName=\"/tmp/sockChan\""}))
         << session.simulator.traffic();
     // At level 3 only FATAL and SYS lines are written.
     ASSERT_TRUE(session.waitLog("init: setenv TZ=UTC")) << session.everything();

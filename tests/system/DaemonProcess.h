@@ -19,14 +19,14 @@
 #include <thread>
 #include <vector>
 
+#include "TestFiles.h"
+#include "TestRoot.h"
+#include "ToolCommand.h"
 #include "datacom/DataCommunicator.h"
 #include "datacom/IEngineHooks.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
 #include "datacom/SysmgtRoot.h"
-#include "TestFiles.h"
-#include "TestRoot.h"
-#include "ToolCommand.h"
 
 // The processes of the system tests and the test's own peer: every wait is
 // bounded, every process ends by its pid.
@@ -159,8 +159,8 @@ inline ToolRun chanctl(const std::string& args, int timeoutSec = 20) {
 // Copies the factory datasets of etc/sysmgt into the root's /etc/sysmgt.
 inline bool installFactoryData() {
     bool copied = true;
-    for (const char* file : {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json",
-                             "srtstat_data_set.json"}) {
+    for (const char* file :
+         {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json", "srtstat_data_set.json"}) {
         std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/" + file, std::ios::binary);
         std::ofstream out(datacom::sysmgtPath(std::string("/etc/sysmgt/") + file), std::ios::binary);
         out << in.rdbuf();
@@ -209,7 +209,9 @@ public:
             kill(daemon.id(), SIGKILL);
         daemon.wait(10);
     }
-    bool ready() const { return factoryInstalled && loggerReady && simulatorReady && (daemonReady || startFile.empty()); }
+    bool ready() const {
+        return factoryInstalled && loggerReady && simulatorReady && (daemonReady || startFile.empty());
+    }
 
     std::string log() const { return readText("/tmp/dbg.log"); }
     std::string daemonOutput() const { return readText("/tmp/daemon.out"); }
@@ -261,8 +263,8 @@ public:
     // Sends a command (one try) and returns the peer's verdict: the Fcode of its
     // ACK or of its NACK, the type of which is kept in `lastReplyType` (the
     // engine's own requestCommand would turn a NACK into "Message Header Error").
-    datacom::Fcodes command(const std::string& peer, const std::string& id, const datacom::MessageParams::ParamMap& params = {},
-                   unsigned timeoutSec = 30) {
+    datacom::Fcodes command(const std::string& peer, const std::string& id,
+                            const datacom::MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
         datacom::MessageCommand request;
         request.setId(id);
         request.params = params;
@@ -281,12 +283,14 @@ public:
         return reply.Type == "ACK" || reply.Type == "NACK" ? reply.Fcode : datacom::FC_HEADER_ERROR;
     }
     // The same to the channel manager.
-    datacom::Fcodes command(const std::string& id, const datacom::MessageParams::ParamMap& params = {}, unsigned timeoutSec = 30) {
+    datacom::Fcodes command(const std::string& id, const datacom::MessageParams::ParamMap& params = {},
+                            unsigned timeoutSec = 30) {
         return command("/tmp/sockChan", id, params, timeoutSec);
     }
 
     // Waits a bounded time for an event that `match` accepts; true with it in `found`.
-    bool waitEvent(const std::function<bool(const datacom::MessageEvent&)>& match, datacom::MessageEvent& found, int limitSec = 30) {
+    bool waitEvent(const std::function<bool(const datacom::MessageEvent&)>& match, datacom::MessageEvent& found,
+                   int limitSec = 30) {
         std::unique_lock<std::mutex> lock(mutex);
         return arrived.wait_for(lock, std::chrono::seconds(limitSec), [&] {
             for (const datacom::MessageEvent& event : events)
@@ -301,7 +305,8 @@ public:
         return waitEvent([&](const datacom::MessageEvent& event) { return event.id == id; }, found, limitSec);
     }
     // A configuration event ("Channels Loaded", "Channels Stored") naming `file`.
-    bool waitFileEvent(const std::string& id, const std::string& file, datacom::MessageEvent& found, int limitSec = 30) {
+    bool waitFileEvent(const std::string& id, const std::string& file, datacom::MessageEvent& found,
+                       int limitSec = 30) {
         return waitEvent(
             [&](const datacom::MessageEvent& event) {
                 std::string named;

@@ -72,8 +72,8 @@ TEST(InitScript, TwentyStartsAndStopsTellTheTruthAndAFailedStartSaysWhy) {
     EXPECT_EQ("channel_manager is not running\n", idle.output);
 
     // A daemon that ends at once (a wrong option): non-zero with the reason.
-    writeText("/etc/default/channel_manager", "DAEMON=" + datacom::sysmgtPath("/etc/channel_manager") +
-                                                  "\nDAEMON_USER=\nDAEMON_OPTS=-x\n");
+    writeText("/etc/default/channel_manager",
+              "DAEMON=" + datacom::sysmgtPath("/etc/channel_manager") + "\nDAEMON_USER=\nDAEMON_OPTS=-x\n");
     const ScriptRun failed = initScript("start");
     EXPECT_EQ(1, failed.status);
     EXPECT_EQ("channel_manager ended during start-up (exit status 1)\n", failed.output);

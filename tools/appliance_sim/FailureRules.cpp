@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "datacom/MessageCommand.h"
 #include "SimVocabulary.h"
+#include "datacom/MessageCommand.h"
 
 using namespace datacom;
 

@@ -7,7 +7,9 @@
 
 #include "datacom/Fcodes.h"
 
-namespace datacom { class MessageCommand; }
+namespace datacom {
+class MessageCommand;
+}
 
 // Injected failures of one simulated service: the next requests of a command
 // ID are answered with a failure instead of being served. Rules for the same

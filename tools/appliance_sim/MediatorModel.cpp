@@ -264,9 +264,8 @@ void MediatorModel::advanceStats(const std::string& component) {
         table["Network Stats"] = std::to_string(1000 * tick) + " packets, 1000 packet_rate, " +
                                  std::to_string(10 * tick) + " dropped, 5000000 bitrate, 20000000 available, " +
                                  std::to_string(20 + tick % 5) + " rtt, 2 jitter, 500 latency";
-        table["Error Correction Stats"] =
-            std::to_string(3 * tick) + " arq_recovered, " + std::to_string(2 * tick) + " fec_recovered, " + n +
-            " not_recovered";
+        table["Error Correction Stats"] = std::to_string(3 * tick) + " arq_recovered, " + std::to_string(2 * tick) +
+                                          " fec_recovered, " + n + " not_recovered";
         table["Connection Stats"] = std::to_string(tick / 10) + " reconnections";
     } else if (startsWith(component, "Srt Sender")) {
         table["Stat: Bitrate (mbps)"] = std::to_string(4 + tick % 4) + ".5";

@@ -32,7 +32,8 @@ public:
     // the subscribers. FC_BODY_ERROR for missing parameters, FC_NO_SUCH_NAME
     // for an unknown command or component, and for reading an unknown
     // parameter.
-    datacom::Fcodes serve(const datacom::MessageCommand& request, datacom::MessageCommand& answer, std::vector<datacom::MessageEvent>& events);
+    datacom::Fcodes serve(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
+                          std::vector<datacom::MessageEvent>& events);
 
     // The statistics of `component` as after `ticks` refreshes: a link that
     // has run for a long time (the next refresh counts on from there).
@@ -43,7 +44,8 @@ public:
     // Format" changes and an "Auto Detection Event" (Source = the row,
     // parameter "Input Detected" = format) goes into `events`. "No Such Name"
     // for a row without a receiver.
-    datacom::Fcodes setInput(const std::string& source, const std::string& format, std::vector<datacom::MessageEvent>& events);
+    datacom::Fcodes setInput(const std::string& source, const std::string& format,
+                             std::vector<datacom::MessageEvent>& events);
     // "RUN" or "STOP"; a branch never started is "STOP".
     std::string branchState(const std::string& branch) const;
     // The writes received, in order, as `Component/Parameter=value`.
@@ -59,7 +61,8 @@ public:
 private:
     datacom::Fcodes getParam(const datacom::MessageCommand& request, datacom::MessageCommand& answer) const;
     datacom::Fcodes putParam(const datacom::MessageCommand& request);
-    datacom::Fcodes changeBranch(const datacom::MessageCommand& request, bool start, std::vector<datacom::MessageEvent>& events);
+    datacom::Fcodes changeBranch(const datacom::MessageCommand& request, bool start,
+                                 std::vector<datacom::MessageEvent>& events);
     // One refresh of a Zixi feeder's or SRT sender's statistics texts.
     void advanceStats(const std::string& component);
 

@@ -8,13 +8,13 @@
 #include <cstdlib>
 #include <utility>
 
+#include "SimVocabulary.h"
+#include "TrafficLog.h"
 #include "datacom/DataCommunicator.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageTypes.h"
-#include "SimVocabulary.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/TagText.h"
-#include "TrafficLog.h"
 #include "datacom/WireConstants.h"
 
 using namespace datacom;

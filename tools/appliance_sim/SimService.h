@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "datacom/DataHolder.h"
 #include "FailureRules.h"
+#include "datacom/DataHolder.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
 
@@ -58,10 +58,11 @@ protected:
     // the request and is sent back when it gained parameters; raised events
     // go into `events`.
     virtual datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
-                                std::vector<datacom::MessageEvent>& events) = 0;
+                                         std::vector<datacom::MessageEvent>& events) = 0;
     // A further control command of this service; FC_NO_SUCH_NAME when unknown.
     // Raised events go into `events`, sent after the answer.
-    virtual datacom::Fcodes serveControl(const datacom::MessageCommand& request, std::vector<datacom::MessageEvent>& events);
+    virtual datacom::Fcodes serveControl(const datacom::MessageCommand& request,
+                                         std::vector<datacom::MessageEvent>& events);
     // What the service recorded, one entry a line.
     virtual std::string report() const = 0;
     // Called after a "SET" succeeded.
@@ -74,7 +75,8 @@ private:
     void serveLoop();
     void serveRequest(datacom::MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
     // Answers with an injected failure; false when no rule covers the request.
-    bool injectFailure(const datacom::MessageHeader& header, const std::string& body, sockaddr* from, socklen_t fromLength);
+    bool injectFailure(const datacom::MessageHeader& header, const std::string& body, sockaddr* from,
+                       socklen_t fromLength);
     void send(datacom::MessageHeader& reply, const std::string& body, sockaddr* from, socklen_t fromLength);
     void emitPending();
     bool launch();

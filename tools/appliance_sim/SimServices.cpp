@@ -3,8 +3,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "datacom/AtomicFile.h"
 #include "SimVocabulary.h"
+#include "datacom/AtomicFile.h"
 #include "tarnevel/TarnevelWire.h"
 
 using namespace datacom;

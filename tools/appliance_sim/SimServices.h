@@ -22,8 +22,9 @@ public:
 
 protected:
     datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
-                        std::vector<datacom::MessageEvent>& events) override;
-    datacom::Fcodes serveControl(const datacom::MessageCommand& request, std::vector<datacom::MessageEvent>& events) override;
+                                 std::vector<datacom::MessageEvent>& events) override;
+    datacom::Fcodes serveControl(const datacom::MessageCommand& request,
+                                 std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return mediator.report(); }
     void afresh() override { mediator.startAfresh(); }
 
@@ -49,7 +50,7 @@ public:
 
 protected:
     datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
-                        std::vector<datacom::MessageEvent>& events) override;
+                                 std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return commands.report(); }
     void afterSet() override { commit(); }
 
@@ -71,7 +72,7 @@ public:
 
 protected:
     datacom::Fcodes serveCommand(const datacom::MessageCommand& request, datacom::MessageCommand& answer,
-                        std::vector<datacom::MessageEvent>& events) override;
+                                 std::vector<datacom::MessageEvent>& events) override;
     std::string report() const override { return sap.report(); }
 
 private:

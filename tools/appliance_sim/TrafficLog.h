@@ -31,8 +31,8 @@ public:
     //   OUT mediator EVENT #0 "Tarnevel Branch Started" Source="UDP CH0" Status="None" Fcode=0x10000 (OK)
     //   IN  device GET #9 <DataSet ID="DeviceDataSet" ><Component Name="DateTimeTable" >...
     // Replies and events end with their Fcode and its meaning; requests carry none.
-    static std::string formatLine(const char* direction, const std::string& service, const datacom::MessageHeader& header,
-                                  const std::string& body);
+    static std::string formatLine(const char* direction, const std::string& service,
+                                  const datacom::MessageHeader& header, const std::string& body);
 
 private:
     void write(const std::string& line);

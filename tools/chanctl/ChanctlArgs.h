@@ -15,7 +15,7 @@ struct ChanctlOptions {
     std::string socket = "/tmp/sockChan";
     unsigned timeoutSec = 10;
     bool timeoutGiven = false;
-    long count = -1;  // listen: stop after this many events; -1 = no limit
+    long count = -1;    // listen: stop after this many events; -1 = no limit
     bool json = false;  // command, get, set, status, listen: JSON objects instead of text
     // The words after the action that are not NAME=VALUE parameters: the
     // command or event ID; DATASET COMPONENT PROPERTY [VALUE] [INSTANCE].

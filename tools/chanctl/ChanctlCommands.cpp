@@ -91,8 +91,8 @@ Fcodes exchange(DataCommunicator& engine, const std::string& socket, const char*
     return !command && reply.Type == msgtype::RESPONSE ? FC_OK : FC_HEADER_ERROR;
 }
 
-Fcodes sendCommand(DataCommunicator& engine, const std::string& socket, const std::string& text,
-                   std::string& replyBody, unsigned timeoutSec) {
+Fcodes sendCommand(DataCommunicator& engine, const std::string& socket, const std::string& text, std::string& replyBody,
+                   unsigned timeoutSec) {
     return exchange(engine, socket, msgtype::COMMAND, "<BODY>\n\t" + text + "\n</BODY>\n", replyBody, timeoutSec);
 }
 
@@ -106,8 +106,8 @@ Fcodes sendServiceCommand(DataCommunicator& engine, const std::string& socket, c
 
 Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {
     std::string replyBody;
-    Fcodes code = sendServiceCommand(engine, options.socket, options.words[0], options.params, replyBody,
-                                     options.timeoutSec);
+    Fcodes code =
+        sendServiceCommand(engine, options.socket, options.words[0], options.params, replyBody, options.timeoutSec);
     std::fputs(options.json ? commandJson(options.words[0], code, replyBody).c_str() : replyText(replyBody).c_str(),
                out);
     return code;
@@ -119,9 +119,9 @@ Fcodes exchangeValue(DataCommunicator& engine, const std::string& socket, bool w
     if (write && !fitsTagValue(setValue))
         return FC_BAD_VALUE;  // no record can carry it
     std::string replyBody;
-    Fcodes code = exchange(engine, socket, write ? msgtype::SET : msgtype::GET,
-                           dataBody(dataSet, component, property, instance, write ? &setValue : nullptr), replyBody,
-                           timeoutSec);
+    Fcodes code =
+        exchange(engine, socket, write ? msgtype::SET : msgtype::GET,
+                 dataBody(dataSet, component, property, instance, write ? &setValue : nullptr), replyBody, timeoutSec);
     if (!isOk(code))
         return code;
     std::string item, answer;

@@ -10,7 +10,9 @@
 #include "datacom/Fcodes.h"
 #include "datacom/NullDataHolder.h"
 
-namespace datacom { class DataCommunicator; }
+namespace datacom {
+class DataCommunicator;
+}
 
 // The actions of chanctl over a messaging engine that the caller made and
 // initialised (and, for listen, started with a ListenHolder). Each prints its
@@ -33,16 +35,17 @@ StatusView readStatus(datacom::DataCommunicator& engine, const std::string& sock
 // One command with its parameters to the service at `socket`, one try; its
 // verdict as runCommand gives it, the answer's body in `replyBody`.
 datacom::Fcodes sendServiceCommand(datacom::DataCommunicator& engine, const std::string& socket, const std::string& id,
-                          const std::vector<std::pair<std::string, std::string>>& params, std::string& replyBody,
-                          unsigned timeoutSec);
+                                   const std::vector<std::pair<std::string, std::string>>& params,
+                                   std::string& replyBody, unsigned timeoutSec);
 
 // One value of a JSON data set of the service at `socket`, read ("GET", empty
 // `setValue` ignored) or written ("SET", `write` true; `value` then receives
 // the value now pending). A refusal gives the service's own Fcode from its
 // NACK, as for every request of chanctl. `value` is untouched on failure.
-datacom::Fcodes exchangeValue(datacom::DataCommunicator& engine, const std::string& socket, bool write, const std::string& dataSet,
-                     const std::string& component, const std::string& property, const std::string& instance,
-                     const std::string& setValue, std::string& value, unsigned timeoutSec);
+datacom::Fcodes exchangeValue(datacom::DataCommunicator& engine, const std::string& socket, bool write,
+                              const std::string& dataSet, const std::string& component, const std::string& property,
+                              const std::string& instance, const std::string& setValue, std::string& value,
+                              unsigned timeoutSec);
 
 // The holder of a listening engine: prints every event it is handed as one
 // line on `out` and counts them. Called on the engine's server thread; read by
@@ -68,4 +71,5 @@ private:
 // them until options.count events came or options.timeout passed (no limit
 // without --timeout: until the process is interrupted). A count not reached
 // in time is FC_UNAVAILABLE.
-datacom::Fcodes runListen(datacom::DataCommunicator& engine, ListenHolder& holder, const ChanctlOptions& options, FILE* err);
+datacom::Fcodes runListen(datacom::DataCommunicator& engine, ListenHolder& holder, const ChanctlOptions& options,
+                          FILE* err);

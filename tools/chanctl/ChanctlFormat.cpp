@@ -137,6 +137,7 @@ std::string statusTable(const StatusView& view) {
     };
     std::string table = line("", [](const ChannelSummary& c) { return c.title; });
     for (size_t r = 0; r < labels.size(); ++r)
-        table += line(labels[r], [r](const ChannelSummary& c) { return r < c.cells.size() ? c.cells[r] : std::string(); });
+        table +=
+            line(labels[r], [r](const ChannelSummary& c) { return r < c.cells.size() ? c.cells[r] : std::string(); });
     return table;
 }

@@ -6,7 +6,9 @@
 
 #include "datacom/Fcodes.h"
 
-namespace datacom { class MessageEvent; }
+namespace datacom {
+class MessageEvent;
+}
 
 // How chanctl prints what it receives. Pure functions over texts.
 

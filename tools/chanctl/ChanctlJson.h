@@ -8,7 +8,9 @@
 #include "ChanctlFormat.h"
 #include "datacom/Fcodes.h"
 
-namespace datacom { class MessageEvent; }
+namespace datacom {
+class MessageEvent;
+}
 
 // chanctl's --json output: one compact JSON object per answer, and per event
 // when listening, each on one line, for scripts and front-end developers.

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdlib>
 
-
 namespace {
 
 bool parseNumber(const std::string& text, long min, long max, long& value) {
@@ -69,7 +68,8 @@ std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOption
     }
     if (!isLoopback(options.bind) && !options.allowRemote && !options.help)
         return "refusing to listen on " + options.bind +
-               ": chanweb has no authentication; add --allow-remote if every host that can reach it may drive the channels";
+               ": chanweb has no authentication; add --allow-remote if every host that can reach it may drive the "
+               "channels";
     return "";
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-
 void ConsoleFeed::publish(const std::string& kind, const std::string& json) {
     {
         std::lock_guard<std::mutex> guard(mutex);

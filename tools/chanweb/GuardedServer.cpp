@@ -106,7 +106,8 @@ int64_t msLeft() {
     const auto deadline = tDeadline;
     if (deadline == std::chrono::steady_clock::time_point::max())
         return -1;
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
     return std::max<int64_t>(left.count(), 0);
 }
 

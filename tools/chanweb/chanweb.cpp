@@ -123,7 +123,7 @@ int main(int argc, char** argv) {
     for (int signo : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&signals, signo);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);  // before any thread starts
-    signal(SIGPIPE, SIG_IGN);                        // a browser that went away
+    signal(SIGPIPE, SIG_IGN);                       // a browser that went away
     openDebugLogQuietly();
 
     ConsoleFeed feed;
@@ -150,8 +150,8 @@ int main(int argc, char** argv) {
         }
         res.set_header("Cache-Control", "no-cache");
         // A reconnecting page names the last message it saw and gets only the later ones.
-        auto cursor = std::make_shared<uint64_t>(std::strtoull(req.get_header_value("Last-Event-ID").c_str(),
-                                                               nullptr, 10));
+        auto cursor =
+            std::make_shared<uint64_t>(std::strtoull(req.get_header_value("Last-Event-ID").c_str(), nullptr, 10));
         auto first = std::make_shared<bool>(true);
         auto idle = std::make_shared<std::chrono::milliseconds>(0);
         // Waits in short slices, so that a client that went away gives up its

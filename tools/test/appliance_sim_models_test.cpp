@@ -6,8 +6,8 @@
 #include "MediatorModel.h"
 #include "PeerModels.h"
 #include "SimVocabulary.h"
-#include "tarnevel/TarnevelWire.h"
 #include "TrafficLog.h"
+#include "tarnevel/TarnevelWire.h"
 
 using namespace datacom;
 
@@ -73,10 +73,10 @@ TEST(MediatorModel, ParametersAreReadAsTextOrIntegerAndWritesAreRecorded) {
     EXPECT_EQ(FC_BODY_ERROR,
               model.serve(makeCommand(tarnevel::CMD_PUT_PARAM, {{"Component", "Device"}, {"Parameter", "Error LED"}}),
                           answer, events));
-    EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand(tarnevel::CMD_PUT_PARAM, {{"Component", "Devise"},
-                                                                                 {"Parameter", "Error LED"},
-                                                                                 {"IntValue", "1"}}),
-                                           answer, events))
+    EXPECT_EQ(FC_NO_SUCH_NAME,
+              model.serve(makeCommand(tarnevel::CMD_PUT_PARAM,
+                                      {{"Component", "Devise"}, {"Parameter", "Error LED"}, {"IntValue", "1"}}),
+                          answer, events))
         << "a component the mediator lacks is refused";
     EXPECT_EQ(FC_OK, model.serve(makeCommand(tarnevel::CMD_GET_PARAM,
                                              {{"Component", "Device"}, {"Parameter", "Error LED"}, {"TextValue", ""}}),

@@ -12,10 +12,10 @@
 
 #include "ChanctlArgs.h"
 #include "ChanctlFormat.h"
-#include "engine/EngineTestSupport.h"
+#include "ToolCommand.h"
 #include "datacom/MessageEvent.h"
 #include "datacom/SysmgtRoot.h"
-#include "ToolCommand.h"
+#include "engine/EngineTestSupport.h"
 
 using namespace datacom;
 

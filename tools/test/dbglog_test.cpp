@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <thread>
 
-#include "datacom/DbgPrintClient.h"
 #include "LogFilter.h"
-#include "datacom/SysmgtRoot.h"
 #include "ToolCommand.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 

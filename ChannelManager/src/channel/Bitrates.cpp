@@ -2,15 +2,15 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "channel/ConfigChannelTarnevel.h"
+#include "channel/IChannelEvents.h"
+#include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/WireConstants.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 #include "vocab/ValueRanges.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "datacom/DataHolder.h"
-#include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -35,7 +35,7 @@ constexpr const char* KLV_OVER_SDI_BITRATE = "Bitrate";
 // The encoder parameter that makes a running encoder take its new bitrates.
 constexpr const char* APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
 
-constexpr int32_t FIXED_MUX_OVERHEAD = 74197;        // tables and PCR
+constexpr int32_t FIXED_MUX_OVERHEAD = 74197;           // tables and PCR
 constexpr int32_t FIXED_OVERHEAD_PCR_ON_VIDEO = 24064;  // PCR carried on the video PID
 constexpr int32_t FRAME_OVERHEAD_BITS = 888;
 constexpr int32_t FRAME_OVERHEAD_BITS_HEVC_INTERLACED = 1776;
@@ -53,25 +53,36 @@ bool isTransportProtocol(const std::string& protocol) {
 }
 
 int32_t sampleRate(const std::string& sampling) {
-    if (sampling == "8 KHz") return 8000;
-    if (sampling == "16 KHz") return 16000;
-    if (sampling == "24 KHz") return 24000;
-    if (sampling == "32 KHz") return 32000;
-    if (sampling == "48 KHz") return 48000;
+    if (sampling == "8 KHz")
+        return 8000;
+    if (sampling == "16 KHz")
+        return 16000;
+    if (sampling == "24 KHz")
+        return 24000;
+    if (sampling == "32 KHz")
+        return 32000;
+    if (sampling == "48 KHz")
+        return 48000;
     return 0;
 }
 
 int32_t packetsPerAudioFrame(int32_t bitrate) {
-    if (bitrate < 56000) return 1;
-    if (bitrate < 128000) return 2;
-    if (bitrate < 192000) return 3;
-    if (bitrate < 320000) return 4;
+    if (bitrate < 56000)
+        return 1;
+    if (bitrate < 128000)
+        return 2;
+    if (bitrate < 192000)
+        return 3;
+    if (bitrate < 320000)
+        return 4;
     return 5;
 }
 
 int32_t samplesPerAudioFrame(const std::string& format) {
-    if (format == "AAC-LC" || format == "HE AAC-v1" || format == "HE AAC-v2") return 1024;
-    if (format == "MPEG-1 Layer 2") return 1152;
+    if (format == "AAC-LC" || format == "HE AAC-v1" || format == "HE AAC-v2")
+        return 1024;
+    if (format == "MPEG-1 Layer 2")
+        return 1152;
     return 0;
 }
 
@@ -88,7 +99,7 @@ int64_t packetisedVideo(int64_t videoAndFrames) {
 int32_t asInt(const std::string& rowId, const char* property, int64_t total) {
     if (total > INT32_MAX || total < INT32_MIN) {
         DBG(DBG_WARN) << "calcBitrates: rowId=" << rowId << " Error: param=" << property << " val=" << total
-               << " out of range, set to the nearer limit";
+                      << " out of range, set to the nearer limit";
         return total > 0 ? INT32_MAX : INT32_MIN;
     }
     return static_cast<int32_t>(total);
@@ -101,7 +112,7 @@ int32_t range::clampLogged(const char* op, const std::string& rowId, const IntRa
         return static_cast<int32_t>(value);
     const int32_t bound = value < range.minimum ? range.minimum : range.maximum;
     DBG(DBG_WARN) << op << ": rowId=" << rowId << " Error: param=" << range.property << " val=" << value
-           << " out of range [" << range.minimum << "," << range.maximum << "], set to " << bound;
+                  << " out of range [" << range.minimum << "," << range.maximum << "], set to " << bound;
     return bound;
 }
 
@@ -147,8 +158,8 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, ingestKlv, rowId);
     result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, ingestKlv2, rowId);
     result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent,
-                                 rowId);
+    result |=
+        holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent, rowId);
     char scan = 'x';
     std::sscanf(encodingFormat.c_str(), "%*dx%*d%c @ %*f", &scan);
 
@@ -175,14 +186,14 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
         result |= holder.getIntParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, bitrate, audioRow);
         if (!encodeAudio || bitrate == 0)
             continue;
-        result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, format,
-                                      audioRow);
+        result |=
+            holder.getTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, format, audioRow);
         result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, sampling, audioRow);
         const int32_t rate = sampleRate(sampling);
         const int32_t samples = samplesPerAudioFrame(format);
         // The transport rate of whole packets per audio frame, not the codec rate.
-        audio += (rate != 0 && samples != 0) ? rate * packetsPerAudioFrame(bitrate) * TS_PACKET_BITS / samples
-                                             : bitrate;
+        audio +=
+            (rate != 0 && samples != 0) ? rate * packetsPerAudioFrame(bitrate) * TS_PACKET_BITS / samples : bitrate;
     }
 
     int klv1 = 0;
@@ -192,9 +203,9 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     const int32_t klv = asInt(rowId, KLV_BITRATE, static_cast<int64_t>(klv1) + klv2);
 
     // Clamped to their ranges: (P + 100) is a divisor, and the frame term a product.
-    const int64_t percent =
-        rateControl == value::CBR ? range::clampLogged("calcBitrates", rowId, range::OVERHEAD_PERCENT, overheadPercent)
-                                  : 0;
+    const int64_t percent = rateControl == value::CBR
+                                ? range::clampLogged("calcBitrates", rowId, range::OVERHEAD_PERCENT, overheadPercent)
+                                : 0;
     const int32_t fixedOverhead = pcrOnVideoPid ? FIXED_OVERHEAD_PCR_ON_VIDEO : FIXED_MUX_OVERHEAD;
     const bool representable = std::isfinite(frameRate) && std::fabs(frameRate) < 1e9f;
     int64_t frameTerm = range::clampLogged("calcBitrates", rowId, range::FRAME_SAMPLING,
@@ -228,8 +239,8 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     klvBitrate = klv;
 
     DBG(DBG_INFO) << "calcBitrates: videoBR=" << videoBitrate << " audioBR=" << audio << " klvBitrate=" << klv
-           << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
-           << " totalBitrate=" << totalBitrate << " rowId=" << rowId;
+                  << " ingestKlv1=" << ingestKlv << " ingestKlv2=" << ingestKlv2 << " klv2Bitrate=" << klv2
+                  << " totalBitrate=" << totalBitrate << " rowId=" << rowId;
     return result;
 }
 
@@ -239,7 +250,7 @@ void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const s
     const Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
     if (!isOk(set))
         DBG(DBG_ERROR) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
-               << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
+                       << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
 }
 
 // The floors a channel's video bitrate keeps, wherever a total is turned
@@ -256,10 +267,10 @@ Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const st
         return FC_OK;
     if (channel == 1)
         DBG(DBG_WARN) << operation << ": Video BR=" << video << ". Reset to min=" << MIN_VIDEO_BITRATE[channel]
-               << " inst=" << rowId;
+                      << " inst=" << rowId;
     else
         DBG(DBG_WARN) << operation << ": Video BR=" << video << ". Reseting to min=" << MIN_VIDEO_BITRATE[channel]
-               << " inst=" << rowId;
+                      << " inst=" << rowId;
     int audio = 0, klv = 0;
     video = MIN_VIDEO_BITRATE[channel];
     total = 0;
@@ -271,7 +282,7 @@ Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const st
     result |= calcBitrates(rowId, floorTotal, floorVideo, frameRate, audio, klv, pcrOnVideoPid);
     if (max < floorTotal) {
         DBG(DBG_WARN) << operation << ": Recalculated prop=" << prop::MAX_BITRATE << " val=" << floorTotal
-               << " is greater than prev=" << max << " inst=" << rowId;
+                      << " is greater than prev=" << max << " inst=" << rowId;
         max = floorTotal;
         maxRaised = true;
     }
@@ -296,7 +307,7 @@ Fcodes ConfigChannelTarnevel::encoderMargin(const char* operation, const std::st
     const Fcodes result = calcBitrates(rowId, maxTotal, maxVideo, frameRate, audio, klv, pcrOnVideoPid);
     margin = bitrateMargin(operation, rowId, maxVideo, video);
     DBG(DBG_INFO) << operation << ": rowId=" << rowId << " maxBitrate=" << max << " maxVideoBitrate=" << maxVideo
-           << " rateControl=" << rateControl << " margin=" << margin;
+                  << " rateControl=" << rateControl << " margin=" << margin;
     return result;
 }
 
@@ -315,8 +326,8 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, previousTotal, rowId);
     result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
     result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent,
-                                 rowId);
+    result |=
+        holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent, rowId);
     result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::VIDEO_PID, videoPid, rowId);
     result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::PCR_PID, pcrPid, rowId);
     const bool pcrOnVideoPid = pcrPid == videoPid;

@@ -1,13 +1,13 @@
 #include <cstdlib>
 #include <mutex>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 
@@ -100,7 +100,7 @@ Fcodes ConfigChannelTarnevel::activateRow(const std::string& rowId, const Messag
     Fcodes result = holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
     const Fcodes configured = configChannel(rowId);
     DBG(DBG_INFO) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
-           << static_cast<uint32_t>(configured);
+                  << static_cast<uint32_t>(configured);
     const Fcodes updated = updateChannel(rowId);
     DBG(DBG_INFO) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex
                   << static_cast<uint32_t>(updated);
@@ -122,13 +122,12 @@ Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const Mes
     const int total = toNumber(totalText);
     const int max = toNumber(maxText);
     int currentTotal = 0, currentMax = 0;
-    const Fcodes reads =
-        holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, currentTotal, rowId) |
-        holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
+    const Fcodes reads = holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, currentTotal, rowId) |
+                         holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
     if (isOk(reads) && currentTotal == total && currentMax == max)
         return FC_OK;
     DBG(DBG_INFO) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
-           << " param=" << cmd::PARAM_MAX_BITRATE << " val=" << max;
+                  << " param=" << cmd::PARAM_MAX_BITRATE << " val=" << max;
     // The operator's change wins over a backup held for a Zixi request: what
     // the operator set is the channel's bitrate from now on, so the next stop
     // keeps it instead of restoring the values from before the Zixi request.
@@ -147,8 +146,7 @@ Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageComman
 // "RowID") it answers "OK" and does nothing, as changeBitrateOnTheFly does
 // for a row that is no channel.
 Fcodes ConfigChannelTarnevel::changeOnTheFlyAll() {
-    DBG(DBG_WARN) << "execute: " << cmd::CHANGE_ON_THE_FLY << " needs one channel, rowId=" << row::ALL
-                  << " ignored";
+    DBG(DBG_WARN) << "execute: " << cmd::CHANGE_ON_THE_FLY << " needs one channel, rowId=" << row::ALL << " ignored";
     return FC_OK;
 }
 
@@ -169,7 +167,8 @@ Fcodes ConfigChannelTarnevel::forcedStop(const std::string& rowId) {
     // The operator's stop: a valid input coming back no longer resumes it.
     events.runBook().setStoppedByInput(rowId, false);
     DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
-    Fcodes result = holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
+    Fcodes result =
+        holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
     result |= stopChannel(rowId);
     return result | FC_OK;
 }

@@ -1,10 +1,10 @@
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "vocab/PeerNames.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -36,10 +36,9 @@ struct BranchRow {
     const char* rowId;
 };
 const BranchRow kBranchRows[] = {
-    {"UDP CH0", row::H264},       {"RTP RTSP CH0", row::H264},     {"RTMP CH0", row::H264},
-    {"ZIXI CH0", row::H264},      {"UDP CH1", row::HEVC},          {"RTP RTSP CH1", row::HEVC},
-    {"RTP RTSP CH1 ULL", row::HEVC}, {"RTMP CH1", row::HEVC},      {"ZIXI CH1", row::HEVC},
-    {"UDP CH1 ULL", row::HEVC},   {"ZIXI CH1 ULL", row::HEVC},
+    {"UDP CH0", row::H264},  {"RTP RTSP CH0", row::H264}, {"RTMP CH0", row::H264},         {"ZIXI CH0", row::H264},
+    {"UDP CH1", row::HEVC},  {"RTP RTSP CH1", row::HEVC}, {"RTP RTSP CH1 ULL", row::HEVC}, {"RTMP CH1", row::HEVC},
+    {"ZIXI CH1", row::HEVC}, {"UDP CH1 ULL", row::HEVC},  {"ZIXI CH1 ULL", row::HEVC},
 };
 
 }  // namespace
@@ -109,7 +108,8 @@ Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId)
             result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, property, saved, rowId);
         const int channel = channelIndex(rowId);
         if (saved != 0 && channel >= 0 && std::string(property) == prop::VIDEO_BITRATE)
-            result |= ITarnevelClient::setTarnevelIntParam(&holder, med::VIDEO_ENCODER[channel], med::PARAM_BITRATE, saved);
+            result |=
+                ITarnevelClient::setTarnevelIntParam(&holder, med::VIDEO_ENCODER[channel], med::PARAM_BITRATE, saved);
     }
     return result | clearChannelParametersBackup(rowId);
 }

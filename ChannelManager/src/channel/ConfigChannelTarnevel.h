@@ -8,7 +8,9 @@
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
 
-namespace datacom { class DataHolder; }
+namespace datacom {
+class DataHolder;
+}
 class IChannelEvents;
 struct PipelineRun;
 
@@ -78,12 +80,12 @@ public:
     // Instances of a component whose `keyProperty` equals `keyValue`, in
     // document order (a channel's targets or audio rows by "Channel ID").
     datacom::Fcodes getChildInstances(const std::string& dataSet, const std::string& component,
-                             const std::string& keyProperty, const std::string& keyValue,
-                             std::vector<std::string>& instances);
+                                      const std::string& keyProperty, const std::string& keyValue,
+                                      std::vector<std::string>& instances);
     // The same search over a component whose instances are an array: the
     // first matching index at or after 0, or after `index`; -1 when none.
-    int getFirstChildRowId(const std::string& dataSet, const std::string& component,
-                           const std::string& keyProperty, const std::string& keyValue);
+    int getFirstChildRowId(const std::string& dataSet, const std::string& component, const std::string& keyProperty,
+                           const std::string& keyValue);
     int getNextChildRowId(const std::string& dataSet, const std::string& component, const std::string& keyProperty,
                           const std::string& keyValue, int index);
     // Writes the non-zero backup bitrates back, then clears the backup.
@@ -101,7 +103,7 @@ public:
     // totalBitrate 0 on entry: the total from videoBitrate; otherwise the
     // video bitrate from the total. audioBitrate and klvBitrate are outputs.
     datacom::Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
-                        int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
+                                 int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
     datacom::Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
     // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
     // range with a log line under `op`; 0 when `video` is 0.
@@ -164,22 +166,22 @@ private:
     void readAudioRows(PipelineRun& run);           // after 3: the audio rows as it left them
     void readProcessingSettings(PipelineRun& run);  // 7
     // pipeline/VideoSections.cpp
-    void configInputFormat(PipelineRun& run);       // 2
-    void configSharedInput(PipelineRun& run);       // 3
-    void configFrameRateRatio(PipelineRun& run);    // 4
-    void configVideoInput(PipelineRun& run);        // 5
-    void configGenlock(PipelineRun& run);           // 9
-    void configVideoProcessing(PipelineRun& run);   // 13
-    void configCrop(PipelineRun& run);              // 18
-    void configVideoSwitch(PipelineRun& run);       // 21
+    void configInputFormat(PipelineRun& run);      // 2
+    void configSharedInput(PipelineRun& run);      // 3
+    void configFrameRateRatio(PipelineRun& run);   // 4
+    void configVideoInput(PipelineRun& run);       // 5
+    void configGenlock(PipelineRun& run);          // 9
+    void configVideoProcessing(PipelineRun& run);  // 13
+    void configCrop(PipelineRun& run);             // 18
+    void configVideoSwitch(PipelineRun& run);      // 21
     // pipeline/FormatFollowsInput.cpp
-    void configFormatChange(PipelineRun& run);      // 8
+    void configFormatChange(PipelineRun& run);  // 8
     // pipeline/AudioSections.cpp
-    void configAudioInput(PipelineRun& run);        // 6
-    void configAudioSampleRate(PipelineRun& run);   // 10
-    void configTestPatterns(PipelineRun& run);      // 11
-    void configSdiOutput(PipelineRun& run);         // 12
-    void configAudioEncoding(PipelineRun& run);     // 19 (HEVC) and 20 (H.264)
+    void configAudioInput(PipelineRun& run);       // 6
+    void configAudioSampleRate(PipelineRun& run);  // 10
+    void configTestPatterns(PipelineRun& run);     // 11
+    void configSdiOutput(PipelineRun& run);        // 12
+    void configAudioEncoding(PipelineRun& run);    // 19 (HEVC) and 20 (H.264)
     // pipeline/EncoderSections.cpp
     void configEncodingResolution(PipelineRun& run);  // 14
     void configBitrates(PipelineRun& run);            // 15
@@ -188,13 +190,13 @@ private:
     void configCodingH264(PipelineRun& run);
     void configCodingHevc(PipelineRun& run);
     // pipeline/KlvSections.cpp
-    void configKlvIngest(PipelineRun& run);         // 22
-    void configKlvOverSdi(PipelineRun& run);        // 23
-    void configEncryption(PipelineRun& run);        // 24
+    void configKlvIngest(PipelineRun& run);   // 22
+    void configKlvOverSdi(PipelineRun& run);  // 23
+    void configEncryption(PipelineRun& run);  // 24
     // pipeline/MuxSection.cpp
-    void configMultiplexer(PipelineRun& run);       // 25
+    void configMultiplexer(PipelineRun& run);  // 25
     // pipeline/TargetSenders.cpp
-    void configTargets(PipelineRun& run);           // 26
+    void configTargets(PipelineRun& run);  // 26
     void configUdpSender(PipelineRun& run, size_t target);
     void configRtspServer(PipelineRun& run, size_t target);
     void configZixiFeeder(PipelineRun& run, size_t target);
@@ -203,7 +205,7 @@ private:
     // pipeline/UnusedComponents.cpp
     void configUnusedComponents(PipelineRun& run);  // after 26: what this run does not use, off
     // pipeline/SummarySection.cpp
-    void configSummary(PipelineRun& run);           // 27
+    void configSummary(PipelineRun& run);  // 27
 
     // ---- Side-action helpers (side/DataStreamEvents.cpp, channel/VideoSources.cpp) ----
     datacom::Fcodes zixiChangeBitrate(const datacom::MessageEvent& event);
@@ -241,7 +243,8 @@ private:
                       bool& failed);
     // Stops the running branches of one kind (Zixi or not) among `branches`;
     // sets `stopFailed` when a stop was refused.
-    datacom::Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& branches, bool zixi, bool& stopFailed);
+    datacom::Fcodes stopTargets(const std::string& rowId, const std::vector<std::string>& branches, bool zixi,
+                                bool& stopFailed);
     // The branches a stop of the channel stops: those it started, then those
     // of its enabled targets now.
     datacom::Fcodes branchesToStop(const std::string& rowId, std::vector<std::string>& branches);
@@ -256,11 +259,13 @@ private:
     datacom::Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
     // The per-channel floors of the video bitrate and of the maximum, shared
     // by a configuration and an on-the-fly change; logs under `operation`.
-    datacom::Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate, bool pcrOnVideoPid,
-                              int& video, int& total, int& max, bool& totalRaised, bool& maxRaised);
+    datacom::Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate,
+                                       bool pcrOnVideoPid, int& video, int& total, int& max, bool& totalRaised,
+                                       bool& maxRaised);
     // The encoder's "Bitrate Margin" for a video bitrate and a maximum.
     datacom::Fcodes encoderMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
-                         bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid, int& margin);
+                                  bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid,
+                                  int& margin);
     void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
                             int value);
 

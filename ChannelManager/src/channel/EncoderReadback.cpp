@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <iterator>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -32,8 +32,8 @@ bool isOneOf(const std::string& text, const char* const (&allowed)[N]) {
 // Reads a text parameter of the encoder and keeps it in `value` only when it
 // is one the settings can hold.
 template <std::size_t N>
-void readAllowed(DataHolder& holder, const std::string& encoder, const char* parameter,
-                 const char* const (&allowed)[N], std::string& value) {
+void readAllowed(DataHolder& holder, const std::string& encoder, const char* parameter, const char* const (&allowed)[N],
+                 std::string& value) {
     std::string reported;
     if (isOk(ITarnevelClient::getTarnevelTextParam(&holder, encoder, parameter, reported)) &&
         isOneOf(reported, allowed))

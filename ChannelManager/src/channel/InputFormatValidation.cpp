@@ -1,9 +1,9 @@
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/VideoFormatTables.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 
@@ -52,20 +52,20 @@ Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
             } else if (hevc && gop != value::GOP_I && gop != value::GOP_IP &&
                        videoformat::maxHevcFrameRate(encodingFormat, maxRate)) {
                 if (maxRate < frameSampling && !ultraLowLatency) {
-                    DBG(DBG_ERROR) << "validateInputFormat: encodingFormat=" << encodingFormat << " limits to max fr="
-                           << maxRate << " less than fr=" << frameSampling;
+                    DBG(DBG_ERROR) << "validateInputFormat: encodingFormat=" << encodingFormat
+                                   << " limits to max fr=" << maxRate << " less than fr=" << frameSampling;
                     result = FC_UNAVAILABLE;
                 }
             } else if (h264 && videoformat::maxH264FrameRate(encodingFormat, maxRate)) {
                 if (maxRate < frameSampling && !ultraLowLatency) {
-                    DBG(DBG_ERROR) << "validateInputFormat: encodingFormat=" << encodingFormat << " limits to max fr="
-                           << maxRate << " less than fr=" << frameSampling;
+                    DBG(DBG_ERROR) << "validateInputFormat: encodingFormat=" << encodingFormat
+                                   << " limits to max fr=" << maxRate << " less than fr=" << frameSampling;
                     result = FC_UNAVAILABLE;
                 }
             }
         } else {
             DBG(DBG_ERROR) << "validateInputFormat: inputDetected=" << inputDetected
-                   << " mismatches encodingFormat=" << encodingFormat;
+                           << " mismatches encodingFormat=" << encodingFormat;
             result = FC_UNAVAILABLE;
         }
     }
@@ -73,8 +73,8 @@ Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
     // Applies even when the table checks were skipped: the HEVC encoder
     // crashes on 1080p inputs at 50 Hz and above with any GOP but "IP".
     if (hevc && isHevcCrashInput(inputDetected) && gop != value::GOP_IP) {
-        DBG(DBG_ERROR) << "validateInputFormat: input detected=" << inputDetected << " GOP=" << gop << ". Must be="
-               << value::GOP_IP << " to prevent HEVC crash";
+        DBG(DBG_ERROR) << "validateInputFormat: input detected=" << inputDetected << " GOP=" << gop
+                       << ". Must be=" << value::GOP_IP << " to prevent HEVC crash";
         result = FC_UNAVAILABLE;
     }
     return result;

@@ -3,14 +3,14 @@
 #include <mutex>
 #include <thread>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -210,8 +210,7 @@ Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
 
     // A channel stopped by a data-stream condition or a format change stays
     // "Stopping" until it is played again.
-    if (!holds(fcode, cond::ZIXI_CONNECTION) && !holds(fcode, cond::DATA_STREAM) &&
-        !holds(fcode, cond::FORMAT_CHANGED))
+    if (!holds(fcode, cond::ZIXI_CONNECTION) && !holds(fcode, cond::DATA_STREAM) && !holds(fcode, cond::FORMAT_CHANGED))
         result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
     result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
     result |= updateStreamAndErrorLeds();
@@ -300,7 +299,7 @@ Fcodes ConfigChannelTarnevel::waitWhileInTransition(const std::string& branch, c
         result |= ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
     }
     DBG(DBG_INFO) << "waitWhileInTransition: branch=" << branch << " state=" << branchState
-           << " transitiontime(ms)=" << POLL_MS * mismatches;
+                  << " transitiontime(ms)=" << POLL_MS * mismatches;
     return result;
 }
 

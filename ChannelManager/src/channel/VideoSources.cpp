@@ -2,15 +2,15 @@
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "side/SideActionSupport.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -87,8 +87,8 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) 
     Fcodes read = ITarnevelClient::getTarnevelTextParam(&holder, receiver, med::VIDEO_FORMAT, format);
     if (!isOk(read)) {
         // The previous detected state stays: an unanswered question is no lost input.
-        DBG(DBG_ERROR) << "updateVideoSource: Error: param=" << med::VIDEO_FORMAT << " comp=" << receiver
-                       << " fcode=0x" << std::hex << static_cast<uint32_t>(read);
+        DBG(DBG_ERROR) << "updateVideoSource: Error: param=" << med::VIDEO_FORMAT << " comp=" << receiver << " fcode=0x"
+                       << std::hex << static_cast<uint32_t>(read);
         return read;
     }
     return applyDetectedInput(videoSource, format);
@@ -115,11 +115,9 @@ Fcodes ConfigChannelTarnevel::applyDetectedInput(const std::string& videoSource,
     const bool connected = !isNoSignal(format);
     const std::string detected = connected ? format : std::string(state::INPUT_NONE);
     DBG(DBG_INFO) << "updateVideoSource: src=" << videoSource << " " << prop::INPUT_DETECTED << "=" << detected;
-    Fcodes result = FC_OK |
-                    holder.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED,
-                                         detected, videoSource) |
-                    holder.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED,
-                                         connected, videoSource);
+    Fcodes result =
+        FC_OK | holder.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
+        holder.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource);
     result |= triggerVideoSource(videoSource);
     events.sendSourceEvent(videoSource, !connected, detected);
     return result;
@@ -127,8 +125,8 @@ Fcodes ConfigChannelTarnevel::applyDetectedInput(const std::string& videoSource,
 
 Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource) {
     std::vector<std::string> channels;
-    Fcodes result = FC_OK | holder.getInstancesByParameter(ds::CHANNEL, tbl::SOURCE, prop::SOURCE,
-                                                           videoSource, channels);
+    Fcodes result =
+        FC_OK | holder.getInstancesByParameter(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, videoSource, channels);
     for (const std::string& rowId : channels) {
         if (!isChannelRow(rowId))
             continue;
@@ -144,16 +142,14 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
     std::string detected, state, running, status;
     bool connected = false, asDetected = false;
     int fcodeValue = 0;
-    Fcodes result = FC_OK |
-                    holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED,
-                                        detected, videoSource) |
-                    holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED,
-                                        connected, videoSource) |
-                    holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
-                    holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
-                    holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
-                    holder.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
-                    holder.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
+    Fcodes result =
+        FC_OK | holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
+        holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource) |
+        holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+        holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+        holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
+        holder.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
+        holder.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
     if (!isOk(result))
         return result;
     const uint32_t fcode = static_cast<uint32_t>(fcodeValue);
@@ -177,10 +173,8 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
         if (status == state::STATUS_ERROR || holds(fcode, cond::CHANNEL_ERROR)) {
             DBG(DBG_INFO) << "updateVideoSource: input back rowId=" << rowId << " src=" << videoSource;
             result |= setFcode(withoutCondition(fcode, cond::CHANNEL_ERROR));
-            result |=
-                holder.initTextParam(ds, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-            events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE,
-                             state::SEVERITY_INFO, "");
+            result |= holder.initTextParam(ds, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+            events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
             result |= updateStreamAndErrorLeds();
         }
         if (detected == running)
@@ -200,8 +194,7 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
         if (isOk(validateInputFormat(rowId))) {
             // The channel can be made from the new format: it becomes the running one.
             result |= holder.initTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, detected, rowId);
-            return result |
-                   holder.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
+            return result | holder.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
         }
         result |= setFcode(cond::FORMAT_CHANGED);
         result |= stopChannel(rowId);

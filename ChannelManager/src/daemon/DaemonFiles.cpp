@@ -60,8 +60,7 @@ bool notifyServiceManager() {
     if (sock < 0)
         return false;
     static const char READY[] = "READY=1";
-    const ssize_t sent = sendto(sock, READY, sizeof READY - 1, 0, reinterpret_cast<sockaddr*>(&address),
-                                addressLength);
+    const ssize_t sent = sendto(sock, READY, sizeof READY - 1, 0, reinterpret_cast<sockaddr*>(&address), addressLength);
     close(sock);
     return sent == static_cast<ssize_t>(sizeof READY - 1);
 }

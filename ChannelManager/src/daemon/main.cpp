@@ -11,10 +11,10 @@
 #include <ctime>
 #include <string>
 
-#include "manager/ChannelMngr.h"
 #include "daemon/DaemonFiles.h"
 #include "datacom/DataCommunicator.h"
 #include "datacom/DbgPrintClient.h"
+#include "manager/ChannelMngr.h"
 
 using namespace datacom;
 

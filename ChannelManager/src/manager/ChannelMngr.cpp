@@ -9,13 +9,13 @@
 #include <ctime>
 #include <vector>
 
+#include "channel/ConfigChannelTarnevel.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "datacom/MessageCommand.h"
-#include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
-#include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 
@@ -68,8 +68,7 @@ void ChannelMngr::init() {
     DBG(DBG_INFO) << "init: init Sources done.";
 
     std::string zone;
-    if (isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone,
-                                 ""))) {
+    if (isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone, ""))) {
         DBG(DBG_SYS) << "init: setenv TZ=" << zone;
         setTimeZone(zone);
     }

@@ -18,7 +18,9 @@
 #include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 
-namespace datacom { class MessageCommand; }
+namespace datacom {
+class MessageCommand;
+}
 
 // The channel manager: the one application service of the daemon. A data
 // holder that owns the channel, video-source and statistics datasets, serves
@@ -82,8 +84,8 @@ public:
     // Source empty, status "None", severity "Debug", description and "File" = fileName.
     void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override;
     // Source = rowId, parameter "RowID" = rowId.
-    void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
-                   const std::string& status, const std::string& severity, const std::string& description) override;
+    void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode, const std::string& status,
+                   const std::string& severity, const std::string& description) override;
     // "Video Source Updated", source = input, status "OFF" when the source went away, else "ON".
     void sendSourceEvent(const std::string& input, bool off, const std::string& description) override;
     datacom::Fcodes sapStopAll() override;
@@ -133,7 +135,8 @@ protected:
 private:
     // The holder's own init(name) is a step of init(), not to be called alone.
     using datacom::DataHolder::init;
-    using CommandHandler = datacom::Fcodes (ChannelMngr::*)(const datacom::MessageCommand&, const std::string&, std::string&);
+    using CommandHandler = datacom::Fcodes (ChannelMngr::*)(const datacom::MessageCommand&, const std::string&,
+                                                            std::string&);
     // The ID's length is known when the table is made, so a route of another
     // length is passed over without comparing texts.
     struct CommandRoute {
@@ -148,17 +151,25 @@ private:
     static const CommandRoute commandRoutes[];
     static const EventRoute eventRoutes[];
 
-    datacom::Fcodes runAcceptChanges(const datacom::MessageCommand& command, const std::string& text, std::string& result);
-    datacom::Fcodes runRollbackChanges(const datacom::MessageCommand& command, const std::string& text, std::string& result);
-    datacom::Fcodes runLoadChannels(const datacom::MessageCommand& command, const std::string& text, std::string& result);
-    datacom::Fcodes runStoreChannels(const datacom::MessageCommand& command, const std::string& text, std::string& result);
-    datacom::Fcodes runChannelCommand(const datacom::MessageCommand& command, const std::string& text, std::string& result);
-    datacom::Fcodes runUpdateSource(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runAcceptChanges(const datacom::MessageCommand& command, const std::string& text,
+                                     std::string& result);
+    datacom::Fcodes runRollbackChanges(const datacom::MessageCommand& command, const std::string& text,
+                                       std::string& result);
+    datacom::Fcodes runLoadChannels(const datacom::MessageCommand& command, const std::string& text,
+                                    std::string& result);
+    datacom::Fcodes runStoreChannels(const datacom::MessageCommand& command, const std::string& text,
+                                     std::string& result);
+    datacom::Fcodes runChannelCommand(const datacom::MessageCommand& command, const std::string& text,
+                                      std::string& result);
+    datacom::Fcodes runUpdateSource(const datacom::MessageCommand& command, const std::string& text,
+                                    std::string& result);
     datacom::Fcodes runSetDviMode(const datacom::MessageCommand& command, const std::string& text, std::string& result);
-    datacom::Fcodes runSetAnalogFormat(const datacom::MessageCommand& command, const std::string& text, std::string& result);
+    datacom::Fcodes runSetAnalogFormat(const datacom::MessageCommand& command, const std::string& text,
+                                       std::string& result);
     datacom::Fcodes runStatistics(const datacom::MessageCommand& command, const std::string& text, std::string& result);
     // "Set DVI mode" and "Set Analog Format": the parameter is required, never applied.
-    datacom::Fcodes acceptIgnoredParameter(const datacom::MessageCommand& command, const std::string& text, const char* parameter);
+    datacom::Fcodes acceptIgnoredParameter(const datacom::MessageCommand& command, const std::string& text,
+                                           const char* parameter);
 
     datacom::Fcodes onAutoDetection(datacom::MessageEvent& event);
     datacom::Fcodes onBranchEvent(datacom::MessageEvent& event);
@@ -176,7 +187,7 @@ private:
     // One peer the daemon needs the events of.
     struct WatchedPeer {
         const char* socket;
-        bool configures;  // the mediator: configured again when it comes back
+        bool configures;            // the mediator: configured again when it comes back
         SocketIdentity identity{};  // the one acted on
         SocketIdentity seen{};      // the last one seen
         bool subscribed = false;
@@ -198,7 +209,7 @@ private:
     static ChannelMngr* instance;
     void* timer = nullptr;   // the POSIX timer, once startTimer made it
     bool timerMade = false;  // the first timer's id is 0: `timer` alone cannot tell
-    sem_t ticks{};          // posted by timerTicked, taken by the refresh thread
+    sem_t ticks{};           // posted by timerTicked, taken by the refresh thread
     pthread_t refreshThread{};
     bool refreshRunning = false;
     std::atomic<bool> refreshStopping{false};

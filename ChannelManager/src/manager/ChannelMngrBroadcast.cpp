@@ -2,11 +2,11 @@
 // withdrawal of every SAP announcement.
 #include "manager/ChannelMngr.h"
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 
@@ -26,8 +26,7 @@ void ChannelMngr::sendCfgEvent(const std::string& eventId, const std::string& fi
 }
 
 void ChannelMngr::sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
-                            const std::string& status, const std::string& severity,
-                            const std::string& description) {
+                            const std::string& status, const std::string& severity, const std::string& description) {
     MessageEvent event;
     event.id = eventId;
     event.source = rowId;
@@ -48,7 +47,7 @@ void ChannelMngr::sendSourceEvent(const std::string& input, bool off, const std:
     event.severity = state::SEVERITY_INFO;
     event.description = description;
     DBG(DBG_INFO) << "sendSourceEvent: notifying " << ev::VIDEO_SOURCE_UPDATED << " status=" << event.status
-           << " input=" << input;
+                  << " input=" << input;
     notify(event);
 }
 

@@ -4,14 +4,14 @@
 #include <cstddef>
 #include <string>
 
+#include "channel/ConfigChannelTarnevel.h"
+#include "datacom/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
+#include "datacom/SysmgtRoot.h"
 #include "manager/ChannelMngr.h"
+#include "side/BoundedCommand.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "datacom/MessageCommand.h"
-#include "side/BoundedCommand.h"
-#include "datacom/DbgPrintClient.h"
-#include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 
@@ -42,8 +42,8 @@ std::string shellPath(const std::string& logicalPath) {
 std::string settingsArchiveLine() {
     const std::string tar = shellPath("/tmp/devsettings.tar");
     const std::string gz = shellPath("/tmp/devsettings.tar.gz");
-    return "tar cvf " + tar + " " + shellPath(SETTINGS_DIR) + " 2>&1 && gzip -f " + tar + " 2>&1 && mv -f " +
-           gz + " " + shellPath("/tmp/devsettings.tgz") + " 2>&1";
+    return "tar cvf " + tar + " " + shellPath(SETTINGS_DIR) + " 2>&1 && gzip -f " + tar + " 2>&1 && mv -f " + gz + " " +
+           shellPath("/tmp/devsettings.tgz") + " 2>&1";
 }
 
 // The bound of the archive line. The settings are a few small files, archived

@@ -6,12 +6,12 @@
 #include <mutex>
 #include <vector>
 
-#include "manager/ChannelMngr.h"
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
+#include "manager/ChannelMngr.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 
@@ -86,8 +86,7 @@ Fcodes ChannelMngr::onFeederEvent(MessageEvent& event) {
 }
 
 Fcodes ChannelMngr::onSrtNewClient(MessageEvent& event) {
-    DBG(DBG_SYS) << "doHandle: arrived event=" << event.id << " src=" << event.source
-                 << " desc=" << event.description;
+    DBG(DBG_SYS) << "doHandle: arrived event=" << event.id << " src=" << event.source << " desc=" << event.description;
     ConfigChannelTarnevel channel(*this, *this);
     return channel.handleDataStreamEvent(&event) | FC_OK;
 }

@@ -16,12 +16,12 @@
 
 #include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "manager/ChannelMngr.h"
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
+#include "manager/ChannelMngr.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 
@@ -101,7 +101,8 @@ void ChannelMngr::watchPeer(WatchedPeer& peer) {
     peer.seen = now;
     if (settled && !(now == peer.identity)) {
         if (now.inode != 0) {
-            DBG(DBG_INFO) << "peerWatch: peer=" << peer.socket << (peer.identity.inode != 0 ? " restarted" : " appeared");
+            DBG(DBG_INFO) << "peerWatch: peer=" << peer.socket
+                          << (peer.identity.inode != 0 ? " restarted" : " appeared");
             // Whatever it was told before went with the process before it.
             peer.subscribed = false;
             peer.configure = peer.configures;
@@ -162,6 +163,6 @@ void ChannelMngr::configureMediatorAgain() {
         names += (names.empty() ? "" : ",") + rowId;
     }
     // Once all is done: whoever reads it finds the channels as they stay.
-    DBG(DBG_INFO) << "peerWatch: mediator restarted: " << rows.size() << " channels configured again, playing again: "
-                  << (names.empty() ? "none" : names);
+    DBG(DBG_INFO) << "peerWatch: mediator restarted: " << rows.size()
+                  << " channels configured again, playing again: " << (names.empty() ? "none" : names);
 }

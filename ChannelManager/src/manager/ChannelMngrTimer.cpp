@@ -10,10 +10,10 @@
 
 #include <cerrno>
 
+#include "datacom/DbgPrintClient.h"
+#include "datacom/MessageCommand.h"
 #include "manager/ChannelMngr.h"
 #include "vocab/ChannelWireTexts.h"
-#include "datacom/MessageCommand.h"
-#include "datacom/DbgPrintClient.h"
 
 using namespace datacom;
 

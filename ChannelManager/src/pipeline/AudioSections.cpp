@@ -1,12 +1,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineRun.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 

@@ -2,12 +2,12 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineRun.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 
@@ -105,9 +105,9 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
         run.put(encoder, "Rate Control Mode", transport && run.rateControl == VBR ? value::CAPPED_VBR : mode);
 
     int margin = 0;
-    run.result |= encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate,
-                                run.maxBitrate, static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid,
-                                margin);
+    run.result |=
+        encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate, run.maxBitrate,
+                      static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid, margin);
     if (run.rateControl == value::CAPPED_VBR && run.encodeVideo && run.videoBitrate != 0) {
         run.muxOverheadPercent = margin;
         run.initInt(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, run.rowId, margin);

@@ -1,13 +1,13 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "channel/VideoFormatTables.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineRun.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;

@@ -1,12 +1,12 @@
 #include <cstdint>
 
-#include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineRun.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 

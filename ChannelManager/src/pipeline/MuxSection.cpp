@@ -1,8 +1,8 @@
 #include <string>
 
-#include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
+#include "pipeline/PipelineRun.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 

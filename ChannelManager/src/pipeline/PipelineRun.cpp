@@ -1,11 +1,11 @@
 #include "pipeline/PipelineRun.h"
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 using namespace tarnevel;

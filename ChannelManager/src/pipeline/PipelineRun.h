@@ -7,7 +7,9 @@
 
 #include "datacom/Fcodes.h"
 
-namespace datacom { class DataHolder; }
+namespace datacom {
+class DataHolder;
+}
 
 // The working state of one configChannel run, shared by its sections
 // (pipeline/): the channel, the mediator's assembly (read

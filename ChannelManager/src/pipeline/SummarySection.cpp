@@ -1,10 +1,10 @@
 #include <cstdint>
 #include <string>
 
-#include "vocab/DatasetNames.h"
-#include "vocab/ChannelWireTexts.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
+#include "pipeline/PipelineRun.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 

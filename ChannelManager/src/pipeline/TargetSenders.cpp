@@ -3,11 +3,11 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
+#include "pipeline/PipelineRun.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 

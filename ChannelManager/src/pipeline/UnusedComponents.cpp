@@ -1,12 +1,12 @@
 #include <string>
 #include <vector>
 
+#include "channel/ConfigChannelTarnevel.h"
+#include "datacom/DataHolder.h"
+#include "pipeline/PipelineRun.h"
+#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
-#include "pipeline/PipelineRun.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "datacom/DataHolder.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -39,13 +39,13 @@ const char* otherRow(int channel) {
 
 void ConfigChannelTarnevel::configUnusedComponents(PipelineRun& run) {
     const int ch = run.channel;
-    std::vector<std::string> candidates = {med::UDP_SENDER[ch],  med::UDP_SENDER_2[ch], med::ZIXI_FEEDER[ch],
-                                           med::ZIXI_FEEDER_2[ch], med::SRT_SENDER[ch], med::SRT_SENDER_2[ch],
-                                           med::RTSP_SERVER[ch], run.comp("Rtmp Server "),
-                                           run.comp("KlvoSDI Wrapper "), run.comp("KlvoSDI Filter ")};
+    std::vector<std::string> candidates = {
+        med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch], med::ZIXI_FEEDER_2[ch],
+        med::SRT_SENDER[ch],          med::SRT_SENDER_2[ch],      med::RTSP_SERVER[ch], run.comp("Rtmp Server "),
+        run.comp("KlvoSDI Wrapper "), run.comp("KlvoSDI Filter ")};
     if (ch == 1)
-        for (const char* c : {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay",
-                              "PCM Converter Str0 CH1 Low Delay"})
+        for (const char* c :
+             {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay", "PCM Converter Str0 CH1 Low Delay"})
             candidates.push_back(c);
 
     const std::string other = otherRow(ch);

@@ -2,14 +2,14 @@
 #include <mutex>
 #include <string>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "side/SideActionSupport.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -32,8 +32,7 @@ constexpr const char* REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
 Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t condition, const char* tag) {
     const std::string& rowId = event.source;
     int fcode = 0;
-    Fcodes result =
-        holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId) | FC_OK;
+    Fcodes result = holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId) | FC_OK;
     if (!isOk(result))
         return result;
     const uint32_t old = static_cast<uint32_t>(fcode);
@@ -41,9 +40,8 @@ Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t co
         return result;
     const uint32_t updated = event.status == state::ALARM_ON ? (old | condition) : uint32_t{FC_OK};
     DBG(DBG_INFO) << "handleDataStreamEvent: " << tag << " rowId=" << rowId << " status=" << event.status
-           << " setting fcode=0x" << std::hex << static_cast<uint32_t>(updated);
-    return result | holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE,
-                                        static_cast<int>(updated), rowId);
+                  << " setting fcode=0x" << std::hex << static_cast<uint32_t>(updated);
+    return result | holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(updated), rowId);
 }
 
 }  // namespace
@@ -113,9 +111,9 @@ Fcodes ConfigChannelTarnevel::srtNewClient() {
     int totals[2] = {0, 0};
     Fcodes result = FC_OK;
     for (int channel = 0; channel < 2; ++channel)
-        result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE,
-                                     totals[channel], channels[channel]) |
-                  FC_OK;
+        result |=
+            holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totals[channel], channels[channel]) |
+            FC_OK;
     DBG(DBG_INFO) << "handleDataStreamEvent: Srt total bitrate: " << channels[0] << "=" << totals[0] << " "
                   << channels[1] << "=" << totals[1];
 
@@ -129,12 +127,11 @@ Fcodes ConfigChannelTarnevel::srtNewClient() {
             if (remaining < 0)
                 remaining = 0;
             const int value = side::clampToInt(static_cast<unsigned long long>(remaining));
-            Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, sender,
-                                                              REMAINING_OUTPUT_BITRATE, value);
+            Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, sender, REMAINING_OUTPUT_BITRATE, value);
             if (!isOk(set))
                 DBG(DBG_ERROR) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
-                       << " param=" << REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
-                       << std::hex << static_cast<uint32_t>(set);
+                               << " param=" << REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x" << std::hex
+                               << static_cast<uint32_t>(set);
             result |= set;
         }
     }

@@ -1,12 +1,12 @@
 #include <string>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "side/SideActionSupport.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -36,7 +36,7 @@ Fcodes ConfigChannelTarnevel::setLed(const std::string& led, int value) {
     Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, DEVICE, led, value);
     if (!isOk(code))
         DBG(DBG_ERROR) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << DEVICE << " fcode=0x"
-               << std::hex << static_cast<uint32_t>(code);
+                       << std::hex << static_cast<uint32_t>(code);
     return code;
 }
 
@@ -51,8 +51,7 @@ Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
                       holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
                       holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
         // A separate step: the source must be read first.
-        read |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED,
-                                    detected, source);
+        read |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source);
         result |= read;
         if (!isOk(read))
             continue;

@@ -1,15 +1,15 @@
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
+#include "side/SideActionSupport.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -50,8 +50,8 @@ Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, s
     resetCommand = nullptr;
     std::string setting;
     if (ingest == value::KLV_SERIAL) {
-        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_TABLE,
-                                                 prop::INPUT_DATA_FORMAT, setting, "") |
+        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_TABLE, prop::INPUT_DATA_FORMAT,
+                                                 setting, "") |
                       FC_OK;
         if (setting == FORMAT_COT)
             branch = KLV_O_SERIAL;
@@ -61,9 +61,9 @@ Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, s
         return read;
     }
     if (ingest == value::KLV_IP) {
-        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_OVER_IP,
-                                                 prop::ENCAPSULATION, setting, "") |
-                      FC_OK;
+        Fcodes read =
+            holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, setting, "") |
+            FC_OK;
         if (setting == ENCAPSULATION_TS)
             branch = KLV_O_IP;
         if (setting == ENCAPSULATION_RAW)
@@ -120,8 +120,7 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
     if (channel < 0)
         return FC_BAD_VALUE;
     std::string state;
-    Fcodes result =
-        FC_OK | holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
+    Fcodes result = FC_OK | holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
     if (!isOk(result))
         return result;
     std::vector<std::string> branches;
@@ -133,8 +132,7 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
     std::string otherState;
     std::vector<std::string> otherBranches;
     std::vector<const char*> unused;
-    if (!isPlaying(state) &&
-        isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
+    if (!isPlaying(state) && isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
         isPlaying(otherState))
         result |= klvBranches(holder, other, otherBranches, unused);
 
@@ -153,8 +151,8 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
                 DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
                 result |= deviceCommand(holder, resets[i]);
             } else {
-                DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x"
-                       << std::hex << static_cast<uint32_t>(started);
+                DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                               << static_cast<uint32_t>(started);
             }
             result |= started;
             continue;
@@ -168,8 +166,8 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
         if (isOk(stopped))
             DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
         else
-            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x"
-                           << std::hex << static_cast<uint32_t>(stopped);
+            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                           << static_cast<uint32_t>(stopped);
         result |= stopped;
     }
     return result;
@@ -184,8 +182,7 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
 Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     std::string state;
-    if (channel < 0 ||
-        !isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
+    if (channel < 0 || !isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
         !isPlaying(state))
         return FC_OK;
     std::vector<std::string> named, otherNamed;
@@ -193,16 +190,17 @@ Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
     Fcodes result = FC_OK | klvBranches(holder, rowId, named, resets);
     const std::string other = channel == 0 ? row::HEVC : row::H264;
     std::string otherState;
-    if (isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
-        isPlaying(otherState))
+    if (isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) && isPlaying(otherState))
         result |= klvBranches(holder, other, otherNamed, resets);
 
-    const std::string candidates[] = {KLV_O_SERIAL, RAW_KLV_O_SERIAL, KLV_O_IP, RAW_KLV_O_IP,
-                                      KLV_O_SDI[channel], KLV_O_SDI_ASYNC};
+    const std::string candidates[] = {KLV_O_SERIAL, RAW_KLV_O_SERIAL,   KLV_O_IP,
+                                      RAW_KLV_O_IP, KLV_O_SDI[channel], KLV_O_SDI_ASYNC};
     for (const std::string& branch : candidates) {
         bool used = false;
-        for (const std::string& b : named) used = used || b == branch;
-        for (const std::string& b : otherNamed) used = used || b == branch;
+        for (const std::string& b : named)
+            used = used || b == branch;
+        for (const std::string& b : otherNamed)
+            used = used || b == branch;
         std::string branchState;
         if (used || !isOk(ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState)) ||
             branchState != state::BRANCH_RUN)

@@ -1,6 +1,5 @@
 #include "side/ProbeRegistry.h"
 
-
 ProbeRegistry& ProbeRegistry::instance() {
     // Never destroyed: a detached probe may still end after main returned.
     static ProbeRegistry* registry = new ProbeRegistry();

@@ -2,15 +2,15 @@
 #include <string>
 #include <vector>
 
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
-#include "datacom/DbgPrintClient.h"
+#include "side/SideActionSupport.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -89,9 +89,7 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
                     holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
                     holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcode, rowId) |
                     holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
-    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED,
-                                  detected, source) |
-              FC_OK;
+    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source) | FC_OK;
     const bool announce = state == state::PLAYING || state == state::PLAYED;
 
     std::vector<std::string> targets;
@@ -118,20 +116,19 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
             continue;
         }
         std::string ifAddress;
-        result |= holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE,
-                                             IP_ADDRESS, ifAddress, settings.interface) |
+        result |= holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE, IP_ADDRESS,
+                                             ifAddress, settings.interface) |
                   FC_OK;
         std::string sdpFile;
         if (settings.protocol == value::RTP_ES) {
             const char* server = med::RTSP_SERVER[channel];
             std::string directory;
-            Fcodes sdp =
-                ITarnevelClient::getTarnevelTextParam(&holder, server, med::PARAM_SDP_DIRECTORY, directory);
+            Fcodes sdp = ITarnevelClient::getTarnevelTextParam(&holder, server, med::PARAM_SDP_DIRECTORY, directory);
             if (isOk(sdp))
                 sdpFile = sdpFileName(directory, target);
             else
                 DBG(DBG_ERROR) << "sapAction: rowId=" << rowId << " Error: param=" << med::PARAM_SDP_DIRECTORY
-                       << " comp=" << server << " fcode=0x" << std::hex << static_cast<uint32_t>(sdp);
+                               << " comp=" << server << " fcode=0x" << std::hex << static_cast<uint32_t>(sdp);
             result |= sdp;
         }
         command.setId(cmd::START_SAP);

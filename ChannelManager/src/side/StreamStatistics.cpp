@@ -2,12 +2,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "vocab/PeerNames.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "tarnevel/ITarnevelClient.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "side/SideActionSupport.h"
+#include "tarnevel/ITarnevelClient.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -109,8 +109,8 @@ Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::str
 
 // Counters are published as 64-bit integers on every build: a busy target
 // passes 2^31 packets within days, and a 32-bit figure would freeze there.
-Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, const char* property,
-               uint64_t value, const std::string& rowId) {
+Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, const char* property, uint64_t value,
+               const std::string& rowId) {
     const int64_t published = value > static_cast<uint64_t>(INT64_MAX) ? INT64_MAX : static_cast<int64_t>(value);
     return holder.initInt64Param(dataSet, component, property, published, rowId) | FC_OK;
 }
@@ -167,8 +167,7 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     result |= read;
     if (isOk(read)) {
         const uint64_t recovered = parseZixiStat(text, " arq_recovered") + parseZixiStat(text, " fec_recovered");
-        result |=
-            publish(holder, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
+        result |= publish(holder, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
         result |= publish(holder, dataSet, tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS,
                           parseZixiStat(text, " not_recovered"), targetRowId);
     }
@@ -177,8 +176,8 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     read = readStatText(holder, targetRowId, feeder, CONNECTION_STATS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(holder, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION,
-                          parseZixiStat(text, " reconnections"), targetRowId);
+        result |= publish(holder, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION, parseZixiStat(text, " reconnections"),
+                          targetRowId);
     return result;
 }
 
@@ -203,8 +202,7 @@ Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId
     Fcodes read = readStatText(holder, targetRowId, component, SRT_BITRATE_MBPS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(holder, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text),
-                          targetRowId);
+        result |= publish(holder, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text), targetRowId);
     for (const SrtStat& stat : kSrtStats) {
         text.clear();
         read = readStatText(holder, targetRowId, component, stat.parameter, text);
@@ -215,13 +213,9 @@ Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId
     }
 
     int latency = 0;
-    read =
-        holder.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) |
-        FC_OK;
+    read = holder.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) | FC_OK;
     result |= read;
     if (isOk(read))
-        result |=
-            holder.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) |
-            FC_OK;
+        result |= holder.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) | FC_OK;
     return result;
 }

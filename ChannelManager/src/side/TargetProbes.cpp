@@ -5,15 +5,15 @@
 #include <thread>
 #include <vector>
 
-#include "side/BoundedCommand.h"
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/DatasetNames.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "side/ProbeRegistry.h"
-#include "side/SideActionSupport.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "side/BoundedCommand.h"
+#include "side/ProbeRegistry.h"
+#include "side/SideActionSupport.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
 
@@ -65,16 +65,13 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, address;
-        Fcodes read =
-            FC_OK | holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        Fcodes read = FC_OK | holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
         if (!isOk(read) || !enabled) {
             result |= read;
             continue;
         }
-        read |=
-            holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol,
-                                target) |
-            holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
+        read |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target) |
+                holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
         result |= read;
         if (!isOk(read))
             continue;
@@ -123,8 +120,8 @@ void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::stri
     const BoundedRun pinged = runBounded(ping, PING_LIMIT_MS, 0);
     DBG(DBG_INFO) << "traceroute: ping rc=" << pinged.status;
     if (pinged.started && pinged.status == 0) {
-        events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE,
-                         state::SEVERITY_INFO, "ping " + address + " OK");
+        events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                         "ping " + address + " OK");
         return;
     }
     const std::string trace = "traceroute -I " + address;
@@ -133,6 +130,6 @@ void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::stri
     if (!traced.started || traced.output.empty())
         return;
     // A failed probe carries "Unavailable" as its code, as a failed play does.
-    events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE,
-                     state::SEVERITY_INFO, traced.output);
+    events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
+                     traced.output);
 }

@@ -19,10 +19,8 @@ struct ChannelCondition {
 };
 
 inline constexpr ChannelCondition CHANNEL_CONDITIONS[] = {
-    {cond::CHANNEL_ERROR, "input lost"},
-    {cond::ZIXI_CONNECTION, "Zixi connection failed"},
-    {cond::DATA_STREAM, "data stream condition"},
-    {cond::FORMAT_CHANGED, "input format changed"},
+    {cond::CHANNEL_ERROR, "input lost"},          {cond::ZIXI_CONNECTION, "Zixi connection failed"},
+    {cond::DATA_STREAM, "data stream condition"}, {cond::FORMAT_CHANGED, "input format changed"},
     {cond::FORCED_STOP, "stopped by user"},
 };
 

@@ -2,7 +2,6 @@
 
 #include "vocab/DatasetNames.h"
 
-
 using namespace vocab;
 
 const std::vector<SchemaEntry>& channelSchema() {

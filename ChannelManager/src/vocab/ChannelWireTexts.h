@@ -87,8 +87,10 @@ constexpr const char* SEVERITY_DEBUG = "Debug";
 // ---- Channel helpers ----
 // 0 for "H.264", 1 for "HEVC", -1 for any other row.
 inline int channelIndex(const std::string& rowId) {
-    if (rowId == row::H264) return 0;
-    if (rowId == row::HEVC) return 1;
+    if (rowId == row::H264)
+        return 0;
+    if (rowId == row::HEVC)
+        return 1;
     return -1;
 }
 inline bool isChannelRow(const std::string& rowId) {

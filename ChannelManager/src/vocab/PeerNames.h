@@ -50,7 +50,7 @@ inline const char* receiverOf(const std::string& source) {
 // Encoder, multiplexer and sender parameters shared by several operations
 constexpr const char* PARAM_BITRATE = "Bitrate";
 constexpr const char* PARAM_BITRATE_MARGIN = "Bitrate Margin";
-constexpr const char* PARAM_UPDATE_STATS = "Update Stats";  // a Zixi feeder's or SRT sender's refresh
+constexpr const char* PARAM_UPDATE_STATS = "Update Stats";               // a Zixi feeder's or SRT sender's refresh
 constexpr const char* PARAM_STAT_BITRATE_MBPS = "Stat: Bitrate (mbps)";  // SRT senders
 constexpr const char* PARAM_SDP_DIRECTORY = "SDP directory";
 }  // namespace med

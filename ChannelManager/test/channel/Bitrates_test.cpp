@@ -54,6 +54,7 @@ TEST_F(Bitrates, CalcBitratesModelsTheTransportStream) {
         float frameRate;
         bool pcrOnVideoPid;
         int expectTotal, expectVideo, expectAudio, expectKlv;
+        // clang-format off
     } rows[] = {
         {"H.264 UDP 4 Mbit/s", {H, "UDP TS", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false,
          4183836, 4000000, 0, 0},
@@ -104,6 +105,7 @@ TEST_F(Bitrates, CalcBitratesModelsTheTransportStream) {
         {"frame rate 1e9", {H, "UDP TS", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 4000000, 1e9f, false, 4378906,
          4000000, 0, 0},
     };
+    // clang-format on
     for (const Row& r : rows) {
         apply(h, r.in);
         int total = r.total, video = r.video, audio = -1, klv = -1;
@@ -134,12 +136,14 @@ TEST_F(Bitrates, OnTheFlyKeepsTheHevcMinimum) {
     EXPECT_EQ(ev::BITRATE_RECALCULATED, events[0].id);
     EXPECT_EQ(row::HEVC, events[0].rowId);
     EXPECT_EQ("prev: 5000000 new: 355481", events[0].description);
-    EXPECT_EQ(355481, h.number(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, row::HEVC)) << "updateChannel refreshes the summary";
+    EXPECT_EQ(355481, h.number(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, row::HEVC))
+        << "updateChannel refreshes the summary";
 
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::HEVC, 355482, 300000));
     EXPECT_EQ(23900, h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC));
     EXPECT_EQ(355482, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
-    EXPECT_EQ(300000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::HEVC)) << "no floor above the minimum";
+    EXPECT_EQ(300000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::HEVC))
+        << "no floor above the minimum";
 }
 
 // Factory H.264: 1920x1080i @ 25, the same audio. Its floor is 100000 (max
@@ -154,14 +158,15 @@ TEST_F(Bitrates, OnTheFlyH264MinimumAndMargins) {
     EXPECT_EQ((std::vector<std::string>{"Video Encoder CH0/Bitrate=100000", "Video Encoder CH0/Bitrate Margin=25"}),
               h.writes({"Video Encoder CH0/"}));
 
-    ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, value::CAPPED_VBR,
-                                             row::H264));
+    ASSERT_EQ(FC_OK,
+              h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, value::CAPPED_VBR, row::H264));
     ASSERT_EQ(FC_OK, h.failNext("Tarnevel Put Param", {{"Count", "1"}}));
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::H264, 5000000, 6000000));
     EXPECT_EQ(4591798, h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::H264));
     EXPECT_EQ(5000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264));
     EXPECT_EQ(6000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::H264));
-    EXPECT_EQ(21, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264)) << "5570522 * 100 / 4591798 - 100";
+    EXPECT_EQ(21, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264))
+        << "5570522 * 100 / 4591798 - 100";
     // The second change's "Bitrate" write was refused; its margin still went out.
     EXPECT_EQ((std::vector<std::string>{"Video Encoder CH0/Bitrate=100000", "Video Encoder CH0/Bitrate Margin=25",
                                         "Video Encoder CH0/Bitrate Margin=21"}),

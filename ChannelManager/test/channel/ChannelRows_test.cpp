@@ -23,13 +23,20 @@ TEST_F(ChannelRows, BranchNamesBothWays) {
         bool ultraLowLatency;
         const char *protocol, *branch;  // "" = Unavailable
     } rows[] = {
-        {H, false, value::PRO_MPEG, "UDP CH0"},      {H, false, value::RTP_TS, "UDP CH0"},
-        {H, false, value::RTP_ES, "RTP RTSP CH0"},   {H, false, value::RTMP, "RTMP CH0"},
-        {H, false, value::ZIXI, "ZIXI CH0"},         {H, true, value::SRT, "SRT CH0"},
-        {V, false, value::UDP_TS, "UDP CH1"},        {V, false, value::SRT, "SRT CH1"},
-        {V, true, value::PRO_MPEG, "UDP CH1 ULL"},   {V, true, value::RTP_ES, "RTP RTSP CH1 ULL"},
-        {V, true, value::RTMP, "RTMP CH1"},          {V, true, value::ZIXI, "ZIXI CH1 ULL"},
-        {V, false, "HTTP", ""},                      {row::ALL, false, value::UDP_TS, ""},
+        {H, false, value::PRO_MPEG, "UDP CH0"},
+        {H, false, value::RTP_TS, "UDP CH0"},
+        {H, false, value::RTP_ES, "RTP RTSP CH0"},
+        {H, false, value::RTMP, "RTMP CH0"},
+        {H, false, value::ZIXI, "ZIXI CH0"},
+        {H, true, value::SRT, "SRT CH0"},
+        {V, false, value::UDP_TS, "UDP CH1"},
+        {V, false, value::SRT, "SRT CH1"},
+        {V, true, value::PRO_MPEG, "UDP CH1 ULL"},
+        {V, true, value::RTP_ES, "RTP RTSP CH1 ULL"},
+        {V, true, value::RTMP, "RTMP CH1"},
+        {V, true, value::ZIXI, "ZIXI CH1 ULL"},
+        {V, false, "HTTP", ""},
+        {row::ALL, false, value::UDP_TS, ""},
     };
     for (const auto& r : rows) {
         const char* profile = r.ultraLowLatency ? value::PROFILE_ULL : value::PROFILE_BROADCAST;
@@ -42,8 +49,8 @@ TEST_F(ChannelRows, BranchNamesBothWays) {
     struct {
         const char *branch, *rowId;  // "" = Unavailable
     } back[] = {
-        {"RTP RTSP CH0", H}, {"ZIXI CH0", H},  {"RTP RTSP CH1 ULL", V}, {"UDP CH1 ULL", V}, {"RTMP CH1", V},
-        {"SRT CH0", ""},     {"SRT CH1", ""},  {"SRT CH1 ULL", ""},     {"KLVoSDI CH0", ""},
+        {"RTP RTSP CH0", H}, {"ZIXI CH0", H}, {"RTP RTSP CH1 ULL", V}, {"UDP CH1 ULL", V},  {"RTMP CH1", V},
+        {"SRT CH0", ""},     {"SRT CH1", ""}, {"SRT CH1 ULL", ""},     {"KLVoSDI CH0", ""},
     };
     for (const auto& b : back) {
         std::string rowId;

@@ -27,9 +27,11 @@ TEST_F(EncoderReadback, AutomaticParamsReadBackTheEncoder) {
     struct {
         const char* property;
         int expected;
-    } h264[] = {{prop::QP_BASE, 30}, {prop::QP_RANGE_MIN, 10}, {prop::QP_MAX, 45},
-                {prop::INITIAL_DELAY, 500}, {prop::MAXIMUM_DELAY, 1200}};
+    } h264[] = {{prop::QP_BASE, 30},
+                {prop::QP_RANGE_MIN, 10},
+                {prop::QP_MAX, 45},
+                {prop::INITIAL_DELAY, 500},
+                {prop::MAXIMUM_DELAY, 1200}};
     for (const auto& row : h264)
         EXPECT_EQ(row.expected, h.number(ds::CHANNEL, tbl::H264_ENCODER, row.property, "")) << row.property;
 }
-

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "support/ChannelHarness.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "support/MediatorTranscript.h"
+#include "tarnevel/ITarnevelClient.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -77,6 +77,7 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
     const std::string closed = std::string(ev::CLOSE_ALARMS) + " ";
     const std::string stopped = std::string(ev::CHANNEL_STOPPED) + " ";
     auto none = [](ChannelHarness&) {};
+    // clang-format off
     const std::vector<Transition> table = {
         {"play: one enabled UDP target", none, command(cmd::PLAY, H), FC_OK,
          {{H, state::PLAYING}, {V, state::STOPPED}},
@@ -179,6 +180,7 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
          {{H, state::STOPPED}, {V, state::STOPPED}}, {}, {}},
         {"a statistics command on a channel does nothing", none, command(cmd::UPDATE_ZIXI_STATISTICS, H), FC_OK, {{H, state::STOPPED}}, {}, {}},
     };
+    // clang-format on
 
     for (const Transition& t : table) {
         ChannelHarness h;
@@ -191,7 +193,8 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
 
         EXPECT_EQ(hex(t.expected), hex(t.run(h))) << t.name;
         for (const auto& [channel, expectedState] : t.endStates)
-            EXPECT_EQ(expectedState, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, channel)) << t.name << ": " << channel;
+            EXPECT_EQ(expectedState, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, channel))
+                << t.name << ": " << channel;
         EXPECT_EQ(t.events, eventLines(h.recorder)) << t.name;
         EXPECT_EQ(t.branchCommands, transcript.branchCommands()) << t.name;
     }
@@ -270,8 +273,8 @@ TEST(PlayStop, ChannelStatusFollowsTheSource) {
     ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, "Balanced analog", audio1));
     h.channel().updateChannelStatus(row::H264);
     EXPECT_TRUE(h.recorder.events().empty()) << "nothing taken from the source";
-    ASSERT_EQ(FC_OK, d.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, value::AUDIO_HDMI_EMBEDDED,
-                                     audio1));
+    ASSERT_EQ(FC_OK,
+              d.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, value::AUDIO_HDMI_EMBEDDED, audio1));
     EXPECT_EQ(FC_OK, h.channel().updateChannelStatus(row::H264));
     EXPECT_EQ(state::STATUS_ERROR, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, row::H264));
     ASSERT_EQ(1u, h.recorder.events().size());

@@ -4,7 +4,6 @@
 
 #include "channel/VideoFormatTables.h"
 
-
 namespace {
 
 // The rows of the format matrix the appliance relies on, including the ones
@@ -32,8 +31,8 @@ TEST(VideoFormatTables, KeepTheApplianceMatrix) {
         const char* input;
         bool allowed;
     } inputs[] = {
-        {"720x480p", "1600x1200p @ 60", true}, {"352x480p", "1600x1200p @ 60", true},  // deliberate
-        {"352x240", "1600x1200p @ 60", true},  {"704x480p", "1600x1200p @ 60", false},
+        {"720x480p", "1600x1200p @ 60", true},  {"352x480p", "1600x1200p @ 60", true},  // deliberate
+        {"352x240", "1600x1200p @ 60", true},   {"704x480p", "1600x1200p @ 60", false},
         {"1280x720i", "1280x720p @ 60", false}, {"800x600p", "800x600p @ 60", true},
         {"704x576p", "720x576p @ 50", false},   {"640x480p", "640x480p @ 60", false},
         {"1920x1080p", "1920x1080p @ 5", true},  // a plain substring search

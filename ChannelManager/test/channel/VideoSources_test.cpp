@@ -48,8 +48,7 @@ TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
     for (const Row& row : rows) {
         h.recorder.clear();
         if (row.receiverFormat) {
-            h.simControl("Sim Set Input",
-                       {{"Source", row.source}, {"Input Detected", row.receiverFormat}});
+            h.simControl("Sim Set Input", {{"Source", row.source}, {"Input Detected", row.receiverFormat}});
             EXPECT_EQ(h.channel().updateVideoSource(std::string(row.source)), FC_OK) << row.expected;
         } else {
             EXPECT_EQ(detect(h, row.source, row.eventFormat), FC_OK) << row.expected;

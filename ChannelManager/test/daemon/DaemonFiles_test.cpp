@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "daemon/DaemonFiles.h"
 #include "TestFiles.h"
 #include "TestRoot.h"
+#include "daemon/DaemonFiles.h"
 #include "datacom/SysmgtRoot.h"
 
 using namespace datacom;

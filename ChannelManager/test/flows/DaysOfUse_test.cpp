@@ -11,8 +11,8 @@ using namespace vocab;
 
 namespace {
 
-const char* const VALID = "1280x720p @ 50";     // what the HEVC channel's 1280x720p is made from
-const char* const UNFIT = "2048x1080p @ 24";    // what it cannot be made from
+const char* const VALID = "1280x720p @ 50";   // what the HEVC channel's 1280x720p is made from
+const char* const UNFIT = "2048x1080p @ 24";  // what it cannot be made from
 
 Fcodes run(ChannelHarness& h, const std::string& id, const std::string& rowId) {
     std::string response;
@@ -108,9 +108,10 @@ TEST(DaysOfUse, AResumedChannelRunsTheBitrateItShows) {
 
     dataStream(h, mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::HEVC, "ON", {{"Total Bitrate", "2000000"}}));
     std::string response;
-    h.channel().execute(commandText(cmd::CHANGE_ON_THE_FLY, {{cmd::PARAM_ROW_ID, row::HEVC},
-                                                             {"Total Bitrate", "3000000"}, {"Max Bitrate", "4000000"}}),
-                        response);
+    h.channel().execute(
+        commandText(cmd::CHANGE_ON_THE_FLY,
+                    {{cmd::PARAM_ROW_ID, row::HEVC}, {"Total Bitrate", "3000000"}, {"Max Bitrate", "4000000"}}),
+        response);
     run(h, cmd::STOP, row::HEVC);
     EXPECT_EQ(3000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
     // The operator's own play after a Zixi request and a stop: the encoder went back with the stop.
@@ -134,21 +135,23 @@ TEST(DaysOfUse, ARestartedMediatorIsSubscribedConfiguredAndPlayedAgain) {
     h.takeLog();
     const size_t before = h.writes().size();
     ASSERT_TRUE(h.mediator.restart());
-    ASSERT_TRUE(h.waitLog("peerWatch: mediator restarted: 2 channels configured again, playing again: HEVC")) << h.takeLog();
+    ASSERT_TRUE(h.waitLog("peerWatch: mediator restarted: 2 channels configured again, playing again: HEVC"))
+        << h.takeLog();
     for (int i = 0; i < 1000 && runningCh1(h).empty(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ("UDP CH1", runningCh1(h));
     const std::vector<std::string> writes = h.writes();
-    EXPECT_NE(writes.end(), std::find(writes.begin() + static_cast<long>(before), writes.end(),
-                                      "Video Encoder CH1/Bitrate=" +
-                                          std::to_string(h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC))));
+    EXPECT_NE(writes.end(),
+              std::find(writes.begin() + static_cast<long>(before), writes.end(),
+                        "Video Encoder CH1/Bitrate=" +
+                            std::to_string(h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC))));
 
     // Through the mediator's socket, as its own detection: sent to its subscribers.
     std::string reply;
-    ASSERT_EQ(FC_OK, h.manager.requestCommand(datacom::wire::SOCK_MEDIATOR,
-                                              commandText("Sim Set Input", {{"Source", value::SRC_HDMI},
-                                                                            {"Input Detected", UNFIT}}),
-                                              reply, 5, 1));
+    ASSERT_EQ(FC_OK,
+              h.manager.requestCommand(
+                  datacom::wire::SOCK_MEDIATOR,
+                  commandText("Sim Set Input", {{"Source", value::SRC_HDMI}, {"Input Detected", UNFIT}}), reply, 5, 1));
     for (int i = 0; i < 1000 && h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC) != state::STOPPING; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(state::STOPPING, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC));

@@ -8,12 +8,12 @@
 #include <functional>
 #include <sstream>
 
-#include "tarnevel/ITarnevelClient.h"
 #include "side/BoundedCommand.h"
 #include "side/ProbeRegistry.h"
 #include "support/ChannelPipelineSupport.h"
 #include "support/ManagerHarness.h"
 #include "support/MediatorTranscript.h"
+#include "tarnevel/ITarnevelClient.h"
 
 using namespace datacom;
 using namespace tarnevel;
@@ -132,6 +132,7 @@ TEST(OperatorFlows, AConfigurationTurnsOffWhatItNoLongerUses) {
         const char* rowId;
         RowChange before, after;
         std::vector<std::string> once, absent;  // among the writes of the second configuration
+        // clang-format off
     } flows[] = {
         {"second target disabled", row::H264, [&](PipelineBench& b) { b.flag(tbl::TARGET, prop::ENABLED, h2, true); },
          [&](PipelineBench& b) { b.flag(tbl::TARGET, prop::ENABLED, h2, false); },
@@ -169,6 +170,7 @@ TEST(OperatorFlows, AConfigurationTurnsOffWhatItNoLongerUses) {
          [](PipelineBench&) {}, {"Audio Capture Str0 CH1/Enable=1", "Audio Switch Str0 CH1/Input=Audio Encoder Str0 CH1"},
          {"Audio Capture Str0 CH1/Enable=0", "Audio Capture Str0 CH1 Low Delay/Enable=1"}},
     };
+    // clang-format on
     for (const Flow& f : flows) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << f.name;
@@ -241,10 +243,8 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
             const char* input;
             const char* channel;  // "State Fcode Status" afterwards
         } steps[] = {
-            {"2048x1080p @ 24", "Stopping 20010 OK"},
-            {"1920x1080i @ 25", "Playing 10000 OK"},
-            {"2048x1080p @ 24", "Stopping 20010 OK"},
-            {nullptr, "Stopping 20020 OK"},  // the user's Stop
+            {"2048x1080p @ 24", "Stopping 20010 OK"}, {"1920x1080i @ 25", "Playing 10000 OK"},
+            {"2048x1080p @ 24", "Stopping 20010 OK"}, {nullptr, "Stopping 20020 OK"},  // the user's Stop
             {"1920x1080i @ 25", "Stopping 20020 OK"},
         };
         for (const auto& step : steps) {
@@ -252,7 +252,8 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
                 detect(h, value::SRC_HD_SDI, step.input);
             else
                 command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
-            EXPECT_EQ(step.channel, channelRow(h, row::H264)) << asDetected << " " << (step.input ? step.input : "Stop");
+            EXPECT_EQ(step.channel, channelRow(h, row::H264))
+                << asDetected << " " << (step.input ? step.input : "Stop");
             EXPECT_EQ("1920x1080i", h.text(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264))
                 << asDetected << " " << (step.input ? step.input : "Stop");
         }
@@ -320,8 +321,8 @@ TEST(OperatorFlows, APlayWithAFailedSideActionRecordsTheRunningFormat) {
     for (const auto& f : flows) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << f.name;
-        ASSERT_EQ(FC_OK, h.holder->initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, true,
-                                                 row::H264));
+        ASSERT_EQ(FC_OK,
+                  h.holder->initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, true, row::H264));
         f.fault(h);
         EXPECT_NE(FC_OK, h.channel().playChannel(row::H264)) << f.name;
         EXPECT_EQ("1920x1080i @ 25", h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264)) << f.name;
@@ -370,6 +371,7 @@ TEST(OperatorFlows, AConfigurationAppliesTheBitrateFloorsAndMargin) {
         int totalAfter, maxAfter;
         std::vector<std::string> writes;
         const char* event;  // description of "Bitrate Recalculated", or nullptr
+        // clang-format off
     } rows[] = {
         {row::H264, "CBR", 150000, 150000, 410553, 420770,
          {"Video Encoder CH0/Bitrate=100000", "Video Encoder CH0/Bitrate Margin=25"}, "prev: 150000 new: 420770"},
@@ -378,6 +380,7 @@ TEST(OperatorFlows, AConfigurationAppliesTheBitrateFloorsAndMargin) {
         {row::H264, "Capped VBR", 5000000, 6000000, 5000000, 6000000,
          {"Video Encoder CH0/Bitrate=4591798", "Video Encoder CH0/Bitrate Margin=21"}, nullptr},
     };
+    // clang-format on
     for (const auto& r : rows) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << r.rowId;

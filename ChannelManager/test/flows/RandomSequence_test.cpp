@@ -26,10 +26,24 @@ using namespace vocab;
 
 namespace {
 
-enum class Kind { Play, Stop, Profile, Protocol, Bitrate, Rollback, Activate, OnTheFly, Zixi, Input, DataStream,
-                  Restart, Refuse, Load };
-const char* const KIND_NAMES[] = {"Play", "Stop", "Profile", "Protocol", "Bitrate", "Rollback", "Activate",
-                                  "OnTheFly", "Zixi", "Input", "DataStream", "Restart", "Refuse", "Load"};
+enum class Kind {
+    Play,
+    Stop,
+    Profile,
+    Protocol,
+    Bitrate,
+    Rollback,
+    Activate,
+    OnTheFly,
+    Zixi,
+    Input,
+    DataStream,
+    Restart,
+    Refuse,
+    Load
+};
+const char* const KIND_NAMES[] = {"Play",     "Stop", "Profile", "Protocol",   "Bitrate", "Rollback", "Activate",
+                                  "OnTheFly", "Zixi", "Input",   "DataStream", "Restart", "Refuse",   "Load"};
 
 struct Step {
     Kind kind;
@@ -63,7 +77,8 @@ std::vector<Step> generate(uint32_t seed, int count) {
     std::discrete_distribution<int> kind(std::begin(weights), std::end(weights));
     std::vector<Step> steps;
     for (int i = 0; i < count; ++i)
-        steps.push_back({static_cast<Kind>(kind(random)), static_cast<int>(random() % 2), static_cast<int>(random() % 12)});
+        steps.push_back(
+            {static_cast<Kind>(kind(random)), static_cast<int>(random() % 2), static_cast<int>(random() % 12)});
     return steps;
 }
 
@@ -151,7 +166,9 @@ private:
                 inputStopped[c] = false;
                 broken = sendRow(s.kind == Kind::Play ? cmd::PLAY : cmd::STOP, c);
                 break;
-            case Kind::Profile: broken = edit(tbl::PROCESSING, prop::STREAM_PROFILE, c, PROFILES[s.value % 2], true); break;
+            case Kind::Profile:
+                broken = edit(tbl::PROCESSING, prop::STREAM_PROFILE, c, PROFILES[s.value % 2], true);
+                break;
             case Kind::Protocol:
                 broken = edit(tbl::TARGET, prop::STREAMING_PROTOCOL, c, PROTOCOLS[s.value % 4], true);
                 break;
@@ -161,11 +178,14 @@ private:
             case Kind::Rollback:
                 broken = edit(tbl::PROCESSING, prop::STREAM_PROFILE, c, PROFILES[s.value % 2], false);
                 break;
-            case Kind::Activate: broken = sendRow(cmd::ACTIVATE_ROW, c); break;
+            case Kind::Activate:
+                broken = sendRow(cmd::ACTIVATE_ROW, c);
+                break;
             case Kind::OnTheFly: {
                 const int total = BITRATES[s.value % 3] - 500000;
-                broken = sendRow(cmd::CHANGE_ON_THE_FLY, c, {{"Total Bitrate", std::to_string(total)},
-                                                             {"Max Bitrate", std::to_string(total + 1000000)}});
+                broken = sendRow(
+                    cmd::CHANGE_ON_THE_FLY, c,
+                    {{"Total Bitrate", std::to_string(total)}, {"Max Bitrate", std::to_string(total + 1000000)}});
                 break;
             }
             case Kind::Zixi:
@@ -177,7 +197,9 @@ private:
                 if (before == state::PLAYING && state(c) != state::PLAYING)
                     inputStopped[c] = true;
                 break;
-            case Kind::DataStream: event(ev::DATA_STREAM, "", s.value % 2 ? "ON" : "OFF", FEEDERS[c]); break;
+            case Kind::DataStream:
+                event(ev::DATA_STREAM, "", s.value % 2 ? "ON" : "OFF", FEEDERS[c]);
+                break;
             case Kind::Restart: {
                 h.logLevel(DBG_INFO);
                 const bool restarted = h.mediator.restart();
@@ -218,10 +240,9 @@ private:
     }
 
     std::string running(int c) {
-        static const char* const names[2][8] = {
-            {"UDP CH0", "RTP RTSP CH0", "RTMP CH0", "ZIXI CH0", "SRT CH0", nullptr},
-            {"UDP CH1", "UDP CH1 ULL", "RTP RTSP CH1", "RTP RTSP CH1 ULL", "RTMP CH1", "ZIXI CH1", "ZIXI CH1 ULL",
-             "SRT CH1"}};
+        static const char* const names[2][8] = {{"UDP CH0", "RTP RTSP CH0", "RTMP CH0", "ZIXI CH0", "SRT CH0", nullptr},
+                                                {"UDP CH1", "UDP CH1 ULL", "RTP RTSP CH1", "RTP RTSP CH1 ULL",
+                                                 "RTMP CH1", "ZIXI CH1", "ZIXI CH1 ULL", "SRT CH1"}};
         std::string list;
         for (const char* branch : names[c])
             if (branch && h.mediator.model().branchState(branch) == state::BRANCH_RUN)
@@ -280,8 +301,9 @@ TEST(RandomSequence, InvariantsHoldThroughRandomDays) {
     const int stepCount = envNumber("SYSMGT_SEQUENCE_STEPS", 40);
     const int minutes = envNumber("SYSMGT_SEQUENCE_MINUTES", 0);
     const char* seedText = std::getenv("SYSMGT_SEQUENCE_SEED");
-    std::vector<uint32_t> seeds = seedText && *seedText ? std::vector<uint32_t>{static_cast<uint32_t>(std::atoi(seedText))}
-                                                        : std::vector<uint32_t>{1, 2, 3};
+    std::vector<uint32_t> seeds = seedText && *seedText
+                                      ? std::vector<uint32_t>{static_cast<uint32_t>(std::atoi(seedText))}
+                                      : std::vector<uint32_t>{1, 2, 3};
     const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(minutes);
     long totalSteps = 0;
     for (size_t i = 0; i < seeds.size(); ++i) {
@@ -290,7 +312,8 @@ TEST(RandomSequence, InvariantsHoldThroughRandomDays) {
         totalSteps += stepCount;
         if (!broken.empty()) {
             std::ostringstream reduced;
-            for (const Step& s : shrink(steps, 60)) reduced << " " << describe(s);
+            for (const Step& s : shrink(steps, 60))
+                reduced << " " << describe(s);
             FAIL() << "seed " << seeds[i] << ": " << broken << "\nreduced steps:" << reduced.str();
         }
         if (minutes > 0 && i + 1 == seeds.size() && std::chrono::steady_clock::now() < end)

@@ -7,8 +7,8 @@
 
 #include <fstream>
 
-#include "support/ManagerHarness.h"
 #include "datacom/SysmgtRoot.h"
+#include "support/ManagerHarness.h"
 
 using namespace datacom;
 
@@ -22,7 +22,9 @@ TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
         Fcodes expected;
         std::vector<std::string> lines;  // in this order
     } rows[] = {
-        {"Update Source", FC_BODY_ERROR, {"execute: command=Update Source", "execute: Not found tags Video Source in:\n"}},
+        {"Update Source",
+         FC_BODY_ERROR,
+         {"execute: command=Update Source", "execute: Not found tags Video Source in:\n"}},
         {"Set DVI mode", FC_BODY_ERROR, {"execute: command=Set DVI mode", "execute: Not found tags DVI_mode in:\n"}},
         {"Set Analog Format",
          FC_BODY_ERROR,
@@ -44,8 +46,7 @@ TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
         }
     }
     // "STORE_CHANNELS" without a file still tells the subscribers; "LOAD_CHANNELS" does not.
-    EXPECT_EQ(std::vector<std::string>{"Channels Stored  " + std::to_string(FC_BODY_ERROR)},
-              h.manager.configEvents());
+    EXPECT_EQ(std::vector<std::string>{"Channels Stored  " + std::to_string(FC_BODY_ERROR)}, h.manager.configEvents());
 
     // Text that is no command at all.
     std::string result;

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "support/ChannelPipelineSupport.h"
-#include "pipeline/PipelineRun.h"
 #include "channel/VideoFormatTables.h"
+#include "pipeline/PipelineRun.h"
+#include "support/ChannelPipelineSupport.h"
 
 using namespace datacom;
 

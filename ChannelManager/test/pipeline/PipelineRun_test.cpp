@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "support/ChannelPipelineSupport.h"
 #include "SimVocabulary.h"
+#include "support/ChannelPipelineSupport.h"
 #include "tarnevel/TarnevelWire.h"
 
 using namespace datacom;
@@ -39,6 +39,7 @@ TEST(PipelineRun, EachSelectableTextConfiguresItsComponents) {
         std::vector<Set> sets;
         std::vector<std::string> components;
     };
+    // clang-format off
     const std::vector<Row> rows = {
         {"Pro-MPEG 1-D, HTB on H.264", H,
          {{TARGET, PROTOCOL, h1, "Pro-MPEG"}, {tbl::FEC_SETTINGS, prop::MODE, h1, "1-D"},
@@ -95,6 +96,7 @@ TEST(PipelineRun, EachSelectableTextConfiguresItsComponents) {
          {{tbl::PROCESSING, prop::ENCODE_VIDEO, H, false}, {tbl::TRANSPORT_STREAM, prop::PCR_PID, H, 257}},
          {"TS Multiplexer CH0/Selected PIDs", "TS Multiplexer CH0/PCR PID"}},
     };
+    // clang-format on
     for (const Row& r : rows) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << r.name;
@@ -112,6 +114,7 @@ TEST(PipelineRun, UnknownTextsAreLoggedAndTheirParameterLeftAlone) {
         const char* untouched;  // the write that must not happen
     };
     const char *H = row::H264, *V = row::HEVC;
+    // clang-format off
     const std::vector<Row> rows = {
         {H, tbl::SOURCE, prop::SOURCE, H, "SVGA", "configChannel: rowId=H.264 Unknown source=SVGA",
          "VIDEO_MIXER_CH0/Input="},
@@ -134,11 +137,13 @@ TEST(PipelineRun, UnknownTextsAreLoggedAndTheirParameterLeftAlone) {
         {V, tbl::HEVC_ENCODER, prop::ERROR_RESILIENCE, "", "High", " Unknown Error Resilience=High",
          "Video Encoder CH1/Error Resilience="},
     };
+    // clang-format on
     for (const Row& r : rows) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << r.line;
         PipelineBench b(h);
-        ASSERT_TRUE(h.set({{r.component, r.property, r.instance, r.value}, {tbl::PROCESSING, prop::ENCRYPTION, H, true}}))
+        ASSERT_TRUE(
+            h.set({{r.component, r.property, r.instance, r.value}, {tbl::PROCESSING, prop::ENCRYPTION, H, true}}))
             << r.line;
         h.logLevel(DBG_ERROR);
         b.configure(r.rowId);
@@ -162,8 +167,10 @@ TEST(PipelineRun, ARefusedWriteDoesNotStopTheRest) {
     ASSERT_EQ(FC_OK, h.failNext(tarnevel::CMD_PUT_PARAM, {{sim::PARAM_FCODE, "0x10008"}}));
     h.logLevel(DBG_ERROR);
     EXPECT_EQ(FC_NO_SUCH_NAME, b.configure(row::H264) & FC_NO_SUCH_NAME);
-    EXPECT_TRUE(h.waitLog("configChannel: rowId=H.264 Error: val=Input Full param=Frame Rate Ratio "
-                          "comp=Video Encoder CH0 fcode=0x10008", 0));
+    EXPECT_TRUE(
+        h.waitLog("configChannel: rowId=H.264 Error: val=Input Full param=Frame Rate Ratio "
+                  "comp=Video Encoder CH0 fcode=0x10008",
+                  0));
     EXPECT_EQ(expected, b.writes());
 }
 
@@ -187,5 +194,6 @@ TEST(PipelineRun, AssemblyCheckedComponentsFollowTheAssembly) {
     ASSERT_TRUE(h.set({{tbl::TARGET, prop::STREAMING_PROTOCOL, "HEVC Target1", "RTMP"}}));
     h.logLevel(DBG_ERROR);
     EXPECT_EQ(FC_NO_SUCH_NAME, b.configure(row::HEVC) & FC_NO_SUCH_NAME);
-    EXPECT_TRUE(h.waitLog("Error: val=1 param=Enable comp=Rtmp Server CH1 assembly=AAC Encoder Str0 CH1 Low Delay\n", 0));
+    EXPECT_TRUE(
+        h.waitLog("Error: val=1 param=Enable comp=Rtmp Server CH1 assembly=AAC Encoder Str0 CH1 Low Delay\n", 0));
 }

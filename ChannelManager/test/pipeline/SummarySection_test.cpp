@@ -22,6 +22,7 @@ TEST(SummarySection, TheSummaryDescribesTheConfiguredChannel) {
     };
     const std::string h1 = "H.264 Target1", v1 = "HEVC Target1", v2 = "HEVC Target2";
     const char *TARGET = tbl::TARGET, *PROTOCOL = prop::STREAMING_PROTOCOL, *SRT = tbl::SRT_SETTINGS;
+    // clang-format off
     const std::vector<Row> rows = {
         {"factory H.264", row::H264, {}, "239.1.1.1 : 5000", "None", "", "None", "1920x1080i @ 25", false},
         {"SRT caller with 2-D FEC", row::H264, {{TARGET, PROTOCOL, h1, "SRT"}, {SRT, prop::SRT_FEC, h1, true}},
@@ -37,6 +38,7 @@ TEST(SummarySection, TheSummaryDescribesTheConfiguredChannel) {
          {{TARGET, PROTOCOL, v1, "Pro-MPEG"}, {tbl::FEC_SETTINGS, prop::MODE, v1, "1-D"}, {TARGET, prop::ENABLED, v2, true}},
          "239.1.2.1 : 5100", "1-D", "Caller 239.1.2.2 : 5110", "None", "1280x720p @ 50", false},
     };
+    // clang-format on
     for (const Row& r : rows) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << r.name;
@@ -60,15 +62,17 @@ TEST(SummarySection, PictureAdjustmentsAndAnalogueGain) {
     ASSERT_TRUE(h.ready());
     PipelineBench b(h);
     const char* a2 = "H.264 Audio2";
-    ASSERT_TRUE(h.set({{tbl::AV_SETTINGS, prop::BRIGHTNESS, row::HEVC, 60}, {tbl::AUDIO_SOURCE, prop::ENABLED, a2, true},
+    ASSERT_TRUE(h.set({{tbl::AV_SETTINGS, prop::BRIGHTNESS, row::HEVC, 60},
+                       {tbl::AUDIO_SOURCE, prop::ENABLED, a2, true},
                        {tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, a2, "Unbalanced analog"},
                        {tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, a2, -6}}));
     h.mediator.model().clearRecords();
     EXPECT_EQ(FC_OK, h.channel().configAVSettings(row::HEVC));
     EXPECT_EQ(FC_OK, h.channel().configAudioGain("H.264 Audio1")) << "embedded audio has no gain to set";
     EXPECT_EQ(FC_OK, h.channel().configAudioGain("H.264 Audio2"));
-    EXPECT_EQ("UNBALANCED_AMPLIFIER/Gain Str1=-6\nVIDEO_MIXER_CH1/Brightness=60\nVIDEO_MIXER_CH1/Contrast=50\n"
-              "VIDEO_MIXER_CH1/Hue=0\nVIDEO_MIXER_CH1/Saturation=50\n",
-              b.writes());
+    EXPECT_EQ(
+        "UNBALANCED_AMPLIFIER/Gain Str1=-6\nVIDEO_MIXER_CH1/Brightness=60\nVIDEO_MIXER_CH1/Contrast=50\n"
+        "VIDEO_MIXER_CH1/Hue=0\nVIDEO_MIXER_CH1/Saturation=50\n",
+        b.writes());
     EXPECT_EQ(FC_BAD_VALUE, h.channel().configAVSettings("H.265"));
 }

@@ -4,7 +4,6 @@
 
 #include "side/BoundedCommand.h"
 
-
 TEST(BoundedCommand, OutputStatusAndTheBound) {
     BoundedRun run = runBounded("echo hello; exit 3", 5000, 1023);
     EXPECT_TRUE(run.started && !run.timedOut);

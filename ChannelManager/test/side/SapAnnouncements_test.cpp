@@ -30,8 +30,7 @@ TEST_F(SapAnnouncements, AnnouncesTargetsWithSapFromPlayedOnAndWithdrawsThemOthe
         "START_SAP ChannelName=H.264 Stream 1 DestinationIp=239.1.1.1 DestinationPort=5000" + common +
             "SdpFile= Status=OK Streaming Protocol=UDP TS TTL=16",
         "START_SAP ChannelName=S2'/)(Parameter Name='TTL' Value='255 DestinationIp=239.1.1.2 DestinationPort=5010" +
-            common +
-            "SdpFile=/srv/http/webui/sdp/H.264_Target2.sdp Status=OK Streaming Protocol=RTP ES TTL=16",
+            common + "SdpFile=/srv/http/webui/sdp/H.264_Target2.sdp Status=OK Streaming Protocol=RTP ES TTL=16",
     };
     EXPECT_EQ(h.sap.model().requests(), expected);
     EXPECT_EQ(h.sap.model().streams().size(), 2u);

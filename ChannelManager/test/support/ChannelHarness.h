@@ -12,20 +12,20 @@
 #include <utility>
 #include <vector>
 
+#include "LogCapture.h"
+#include "SimServices.h"
+#include "TestRoot.h"
+#include "TrafficLog.h"
 #include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "channel/IChannelEvents.h"
-#include "manager/ChannelMngr.h"
-#include "side/ProbeRegistry.h"
-#include "LogCapture.h"
-#include "TestRoot.h"
-#include "vocab/ChannelWireTexts.h"
-#include "vocab/PeerNames.h"
-#include "SimServices.h"
-#include "TrafficLog.h"
 #include "datacom/DataHolder.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
+#include "manager/ChannelMngr.h"
+#include "side/ProbeRegistry.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/PeerNames.h"
 
 // Copies a factory dataset of etc/sysmgt (by file name) to its logical path
 // under the test's root, e.g. installFactoryFile(root, "vsrc_data_set.json").
@@ -37,8 +37,8 @@ inline bool installFactoryFile(const TestRoot& root, const std::string& fileName
 }
 
 // The four factory datasets the channel manager loads.
-inline const char* const kFactoryFiles[] = {"channel_data_set_vex.json", "vsrc_data_set.json",
-                                            "zixistat_data_set.json", "srtstat_data_set.json"};
+inline const char* const kFactoryFiles[] = {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json",
+                                            "srtstat_data_set.json"};
 
 // Command and event parameters in order, e.g. {{"RowID", "HEVC"}}.
 using Params = std::vector<std::pair<std::string, std::string>>;
@@ -56,7 +56,7 @@ inline std::string commandText(const std::string& id, const Params& params = {})
 
 // An event as the mediator or the device manager sends it.
 inline datacom::MessageEvent mediatorEvent(const std::string& id, const std::string& source, const std::string& status,
-                                  const Params& params = {}) {
+                                           const Params& params = {}) {
     datacom::MessageEvent event;
     event.id = id;
     event.source = source;
@@ -71,8 +71,10 @@ inline datacom::MessageEvent mediatorEvent(const std::string& id, const std::str
 struct Set {
     Set(const char* c, const char* p, std::string i, std::string v) : component(c), property(p), instance(i), text(v) {}
     Set(const char* c, const char* p, std::string i, const char* v) : Set(c, p, i, std::string(v)) {}
-    Set(const char* c, const char* p, std::string i, int v) : component(c), property(p), instance(i), number(v), kind(1) {}
-    Set(const char* c, const char* p, std::string i, bool v) : component(c), property(p), instance(i), flag(v), kind(2) {}
+    Set(const char* c, const char* p, std::string i, int v)
+        : component(c), property(p), instance(i), number(v), kind(1) {}
+    Set(const char* c, const char* p, std::string i, bool v)
+        : component(c), property(p), instance(i), flag(v), kind(2) {}
     const char *component, *property;
     std::string instance, text;
     int number = 0;
@@ -94,8 +96,8 @@ struct RecordedEvent {
 // Thread-safe: probe threads send events too.
 class EventRecorder : public IChannelEvents {
 public:
-    void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode,
-                   const std::string& status, const std::string& severity, const std::string& description) override {
+    void sendEvent(const std::string& eventId, const std::string& rowId, unsigned long fcode, const std::string& status,
+                   const std::string& severity, const std::string& description) override {
         add({eventId, rowId, fcode, status, severity, description});
     }
     void sendCfgEvent(const std::string& eventId, const std::string& fileName, unsigned long fcode) override {
@@ -116,7 +118,8 @@ public:
     // "id rowId" of each event, in order, for compact comparisons.
     std::vector<std::string> names() const {
         std::vector<std::string> out;
-        for (const RecordedEvent& event : events()) out.push_back(event.id + " " + event.rowId);
+        for (const RecordedEvent& event : events())
+            out.push_back(event.id + " " + event.rowId);
         return out;
     }
     void clear() {
@@ -141,7 +144,8 @@ class ChannelTestHolder : public datacom::DataHolder {
 public:
     ChannelTestHolder() {
         init("tChMngrTest");
-        for (const char* file : kFactoryFiles) loaded |= loadDataSet(std::string("/etc/sysmgt/") + file);
+        for (const char* file : kFactoryFiles)
+            loaded |= loadDataSet(std::string("/etc/sysmgt/") + file);
         getDataCommunicator()->init(this, datacom::wire::SOCK_CHAN, datacom::wire::SOCK_SEND_CHAN, "tChComTest");
         getDataCommunicator()->start();
     }
@@ -193,9 +197,10 @@ public:
     bool set(const std::vector<Set>& sets, const char* dataSet = vocab::ds::CHANNEL) {
         bool ok = true;
         for (const Set& s : sets)
-            ok &= datacom::isOk(s.kind == 0   ? store->initTextParam(dataSet, s.component, s.property, s.text, s.instance)
-                       : s.kind == 1 ? store->initIntParam(dataSet, s.component, s.property, s.number, s.instance)
-                                     : store->initBoolParam(dataSet, s.component, s.property, s.flag, s.instance));
+            ok &= datacom::isOk(s.kind == 0 ? store->initTextParam(dataSet, s.component, s.property, s.text, s.instance)
+                                : s.kind == 1
+                                    ? store->initIntParam(dataSet, s.component, s.property, s.number, s.instance)
+                                    : store->initBoolParam(dataSet, s.component, s.property, s.flag, s.instance));
         return ok;
     }
 
@@ -273,12 +278,14 @@ protected:
     // The peers, and the test holder when `withHolder` (the manager of
     // ManagerHarness takes the holder's sockets instead).
     explicit ChannelHarness(bool withHolder) {
-        for (const char* file : kFactoryFiles) installFactoryFile(root, file);
+        for (const char* file : kFactoryFiles)
+            installFactoryFile(root, file);
         std::string params, error;
         readHostFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/mediator_params.json", params);
         simLoaded = mediator.model().loadParams(params, error);
         started = mediator.start(datacom::wire::SOCK_MEDIATOR, "/tmp/sockSendTarnevelMediator") &&
-                  device.start(datacom::wire::SOCK_DEV, "/tmp/sockSendDev") && sap.start(datacom::wire::SOCK_SAP, "/tmp/sockSendSap");
+                  device.start(datacom::wire::SOCK_DEV, "/tmp/sockSendDev") &&
+                  sap.start(datacom::wire::SOCK_SAP, "/tmp/sockSendSap");
         if (started)
             simLoaded |= device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
         if (withHolder)

@@ -75,6 +75,7 @@ inline std::string expectedWrites(const std::string& file, const std::string& se
 // The failures a refused or misaddressed write leaves in a result; the
 // operations of other concerns that are still pending may add theirs.
 inline bool noWriteFailed(datacom::Fcodes code) {
-    const uint32_t failures = datacom::FC_NO_SUCH_NAME | datacom::FC_BODY_ERROR | datacom::FC_COMM_ERROR | datacom::FC_WRONG_TYPE | datacom::FC_BAD_VALUE;
+    const uint32_t failures = datacom::FC_NO_SUCH_NAME | datacom::FC_BODY_ERROR | datacom::FC_COMM_ERROR |
+                              datacom::FC_WRONG_TYPE | datacom::FC_BAD_VALUE;
     return (code & failures & ~static_cast<uint32_t>(datacom::FC_OK)) == 0;
 }

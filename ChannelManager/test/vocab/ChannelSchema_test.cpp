@@ -6,10 +6,10 @@
 #include <set>
 #include <string>
 
-#include "vocab/ChannelSchema.h"
-#include "support/ChannelHarness.h"
 #include "datacom/DataSetsFactory.h"
 #include "datacom/IDataSets.h"
+#include "support/ChannelHarness.h"
+#include "vocab/ChannelSchema.h"
 
 using namespace datacom;
 
@@ -17,9 +17,12 @@ namespace {
 
 const char* typeOf(SchemaEntry::Kind kind) {
     switch (kind) {
-        case SchemaEntry::Kind::Text: return "string";
-        case SchemaEntry::Kind::Integer: return "integer";
-        case SchemaEntry::Kind::Boolean: return "boolean";
+        case SchemaEntry::Kind::Text:
+            return "string";
+        case SchemaEntry::Kind::Integer:
+            return "integer";
+        case SchemaEntry::Kind::Boolean:
+            return "boolean";
     }
     return "?";
 }
@@ -54,7 +57,8 @@ TEST(ChannelSchema, FactoryDatasetsHoldEveryNameTheCodeUses) {
         }
         std::vector<std::string> keys;
         store->getInstances(entry.dataSet, entry.component, keys);
-        if (keys.empty()) keys.push_back("");  // the single "instance"
+        if (keys.empty())
+            keys.push_back("");  // the single "instance"
         for (const std::string& key : keys) {
             std::string text;
             int number = 0;
@@ -68,7 +72,8 @@ TEST(ChannelSchema, FactoryDatasetsHoldEveryNameTheCodeUses) {
         }
     }
     std::set<std::pair<std::string, std::string>> components;
-    for (const SchemaEntry& entry : channelSchema()) components.emplace(entry.dataSet, entry.component);
+    for (const SchemaEntry& entry : channelSchema())
+        components.emplace(entry.dataSet, entry.component);
     for (const auto& [dataSet, component] : components) {
         std::vector<std::string> properties;
         ASSERT_EQ(FC_OK, store->getProperties(dataSet, component, properties)) << dataSet << "/" << component;

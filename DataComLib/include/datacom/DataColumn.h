@@ -64,6 +64,7 @@ private:
 /// which takes ownership. A column that fails is logged as "initFromString:
 /// error in <what> fcode=" and freed, since nothing refers to it. Returns the
 /// or of all column codes.
-DATACOM_API Fcodes parseColumns(const std::string& block, const char* what, const std::function<void(DataColumn*)>& add);
+DATACOM_API Fcodes parseColumns(const std::string& block, const char* what,
+                                const std::function<void(DataColumn*)>& add);
 
 }  // namespace datacom

@@ -114,6 +114,7 @@ private:
 /// stay. An enumeration index is deliberately not re-mapped: enumerations grow
 /// by appending entries, so a stored index still names the same entry.
 /// Logged as `caller`.
-DATACOM_API void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& columnName, const char* caller);
+DATACOM_API void adaptItemToColumn(DataItem& item, DataColumn& column, const std::string& columnName,
+                                   const char* caller);
 
 }  // namespace datacom

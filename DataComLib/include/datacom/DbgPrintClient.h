@@ -99,9 +99,9 @@ struct DATACOM_API DbgVoidify {
 
 /// DBG(DBG_ERROR) << "getIntParam: No such table=" << table;
 /// Nothing is formatted, and no argument evaluated, when the level filters the line out.
-#define DBG(severity)                                                        \
+#define DBG(severity)                                                                   \
     (::datacom::gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \
-        ? (void)0                                                            \
+        ? (void)0                                                                       \
         : ::datacom::DbgVoidify() & ::datacom::DbgLine((severity), __FILE__, __LINE__).stream()
 
 }  // namespace datacom

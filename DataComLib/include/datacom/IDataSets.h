@@ -120,8 +120,8 @@ public:
                                  bool value, const std::string& key) = 0;
     /// A committed integer beyond 32 bits (counters of long runs), by key; the
     /// checks of initIntParam. Read it back as text: the int reads refuse it.
-    virtual Fcodes initInt64Param(const std::string& dataSet, const std::string& component,
-                                  const std::string& property, int64_t value, const std::string& key) = 0;
+    virtual Fcodes initInt64Param(const std::string& dataSet, const std::string& component, const std::string& property,
+                                  int64_t value, const std::string& key) = 0;
 
     /// Change tracking of the pending overlay.
     virtual Fcodes touchDataSet(const std::string& dataSet) = 0;

@@ -20,10 +20,10 @@ public:
     /// optional Fcode; fields read before a failure keep their new values.
     Fcodes initFromString(const std::string& text);
 
-    int32_t Size = 0;  ///< body length in bytes; below 1 means no body
+    int32_t Size = 0;      ///< body length in bytes; below 1 means no body
     Fcodes Fcode = FC_OK;  ///< result of a reply, status of an event
-    int32_t ID = 0;  ///< chosen by the requester, carried back by the reply
-    std::string Type;  ///< one of the msgtype texts
+    int32_t ID = 0;        ///< chosen by the requester, carried back by the reply
+    std::string Type;      ///< one of the msgtype texts
 };
 
 }  // namespace datacom

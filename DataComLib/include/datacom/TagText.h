@@ -26,7 +26,8 @@ DATACOM_API int getSegment(const std::string& text, int from, const std::string&
 /// The characters between the first `start` delimiter at or after `from` and
 /// the next `end` delimiter. A delimiter that is " ", "\t" or "\n" matches any
 /// of the three. Returns the index of the end delimiter, or -1.
-DATACOM_API int getToken(const std::string& text, int from, const std::string& start, const std::string& end, std::string& token);
+DATACOM_API int getToken(const std::string& text, int from, const std::string& start, const std::string& end,
+                         std::string& token);
 
 /// Appends `value` as the text between the quotes of an attribute. The readers
 /// above take '"', '<' and '>' as delimiters and know no escaping, so a value

@@ -3,11 +3,11 @@
 #include <string>
 
 #include "datacom/DataCommunicator.h"
-#include "engine/DataCommunicatorInternal.h"
 #include "datacom/DbgPrintClient.h"
-#include "engine/LocalAddress.h"
 #include "datacom/MessageTypes.h"
 #include "datacom/WireConstants.h"
+#include "engine/DataCommunicatorInternal.h"
+#include "engine/LocalAddress.h"
 
 namespace datacom {
 
@@ -42,8 +42,7 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
         // from each requester's own counter) stays parked.
         auto parkedFromPeer = [&] {
             std::string parkedBody;
-            if (!getResponse(request.ID, storedHeader, parkedBody, storedSender) ||
-                storedSender != peerAddress.path())
+            if (!getResponse(request.ID, storedHeader, parkedBody, storedSender) || storedSender != peerAddress.path())
                 return false;
             replyBody = parkedBody;
             return true;

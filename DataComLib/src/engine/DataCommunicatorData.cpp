@@ -314,8 +314,8 @@ void DataRequest::undoWrites() {
                                 : holder.untouchProperty(w.dataSet, w.component, w.property, selector);
         });
         if (!isOk(code))
-            DBG(DBG_ERROR) << "treatDataMsg: Couldn't undo the write of dataset=" << w.dataSet << " comp=" << w.component
-                           << " item=" << w.property << " fcode=0x" << std::hex << code;
+            DBG(DBG_ERROR) << "treatDataMsg: Couldn't undo the write of dataset=" << w.dataSet
+                           << " comp=" << w.component << " item=" << w.property << " fcode=0x" << std::hex << code;
     }
     written.clear();
 }

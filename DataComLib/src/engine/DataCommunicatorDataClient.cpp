@@ -3,11 +3,11 @@
 // The peer answers with a "RESPONSE" repeating the request with the Item's
 // Value filled in (DataCommunicatorData.cpp serves it).
 #include "datacom/DataCommunicator.h"
-#include "engine/DataCommunicatorInternal.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageTypes.h"
 #include "datacom/TagText.h"
 #include "datacom/WireConstants.h"
+#include "engine/DataCommunicatorInternal.h"
 
 namespace datacom {
 

@@ -9,14 +9,14 @@
 #include <cstdint>
 
 #include "datacom/DataCommunicator.h"
-#include "engine/DataCommunicatorInternal.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/IDataHolder.h"
-#include "engine/LocalAddress.h"
 #include "datacom/MessageTypes.h"
 #include "datacom/TagText.h"
 #include "datacom/WallClock.h"
 #include "datacom/WireConstants.h"
+#include "engine/DataCommunicatorInternal.h"
+#include "engine/LocalAddress.h"
 
 namespace datacom {
 

@@ -7,11 +7,11 @@
 #include <cstdlib>
 
 #include "datacom/DataCommunicator.h"
-#include "engine/DataCommunicatorInternal.h"
 #include "datacom/DbgPrintClient.h"
-#include "engine/LocalAddress.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
+#include "engine/DataCommunicatorInternal.h"
+#include "engine/LocalAddress.h"
 
 namespace datacom {
 

@@ -8,10 +8,10 @@
 #include <ctime>
 #include <vector>
 
-#include "engine/DataCommunicatorInternal.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/TagText.h"
 #include "datacom/WireConstants.h"
+#include "engine/DataCommunicatorInternal.h"
 
 namespace datacom {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "json/DataSetsJson.h"
 #include "datacom/IDataSets.h"
+#include "json/DataSetsJson.h"
 
 namespace datacom {
 

@@ -8,10 +8,10 @@
 #include <cstring>
 
 #include "datacom/AtomicFile.h"
-#include "json/DataSets.h"
-#include "json/JsonDataSetKeys.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/TagText.h"
+#include "json/DataSets.h"
+#include "json/JsonDataSetKeys.h"
 
 namespace datacom {
 

@@ -217,8 +217,8 @@ Fcodes DataSets::writeParam(const char* op, bool pending, const std::string& dat
         // A property without a definition has no type to admit anything.
         const Json::Value undefined;
         Json::Value stored;
-        Fcodes admitted = admit(op, definition ? *definition : undefined, member(*instance, property), offered, stored, dataSet, component,
-                                property, selector);
+        Fcodes admitted = admit(op, definition ? *definition : undefined, member(*instance, property), offered, stored,
+                                dataSet, component, property, selector);
         if (!isOk(admitted))
             return admitted;
         if (!pending) {

@@ -2,11 +2,11 @@
 
 #include <thread>
 
-#include "datacom/DbgPrintClient.h"
 #include "FixedClock.h"
 #include "LogCapture.h"
-#include "engine/EngineTestSupport.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/WireConstants.h"
+#include "engine/EngineTestSupport.h"
 
 using namespace datacom;
 

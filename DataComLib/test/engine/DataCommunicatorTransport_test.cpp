@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <thread>
 
-#include "engine/EngineTestSupport.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
+#include "engine/EngineTestSupport.h"
 
 using namespace datacom;
 

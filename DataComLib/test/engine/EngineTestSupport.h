@@ -19,9 +19,9 @@
 #include <vector>
 
 #include "datacom/DataCommunicator.h"
-#include "engine/LocalAddress.h"
 #include "datacom/MessageHeader.h"
 #include "datacom/NullDataHolder.h"
+#include "engine/LocalAddress.h"
 
 // A bare datagram socket bound at a logical path under the test root.
 class RawPeer {
@@ -80,8 +80,9 @@ inline int wireId(const std::string& datagram) {
 // Runs `request` on another thread while `peer` receives its datagram (into
 // `received`) and answers it with `reply(id)` to `replyTo` (nothing when
 // empty). Returns the request's result.
-inline datacom::Fcodes exchange(RawPeer& peer, const std::string& replyTo, const std::function<datacom::Fcodes()>& request,
-                       std::string& received, const std::function<std::string(int)>& reply) {
+inline datacom::Fcodes exchange(RawPeer& peer, const std::string& replyTo,
+                                const std::function<datacom::Fcodes()>& request, std::string& received,
+                                const std::function<std::string(int)>& reply) {
     auto result = std::async(std::launch::async, request);
     received.clear();
     std::string answer;
@@ -161,7 +162,8 @@ public:
         }
         return datacom::FC_NO_SUCH_NAME;
     }
-    datacom::Fcodes getProperties(const std::string& d, const std::string& c, std::vector<std::string>& names) override {
+    datacom::Fcodes getProperties(const std::string& d, const std::string& c,
+                                  std::vector<std::string>& names) override {
         Guard guard(mutex);
         const std::string prefix = d + "|" + c + "|";
         for (const auto& entry : values)
@@ -179,33 +181,33 @@ public:
                next->first.compare(0, jsonKey(d, c, key, "").size(), jsonKey(d, c, key, "")) == 0;
     }
     datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
-                        int index) override {
+                                 int index) override {
         return read(jsonKey(d, c, "#" + std::to_string(index), p), false, v);
     }
     datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
-                        const std::string& key) override {
+                                 const std::string& key) override {
         return read(jsonKey(d, c, key, p), false, v);
     }
     datacom::Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
-                           int index) override {
+                                    int index) override {
         return read(jsonKey(d, c, "#" + std::to_string(index), p), true, v);
     }
     datacom::Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
-                           const std::string& key) override {
+                                    const std::string& key) override {
         return read(jsonKey(d, c, key, p), true, v);
     }
     datacom::Fcodes getBoolParam(const std::string& d, const std::string& c, const std::string& p, bool& v,
-                        const std::string& key) override {
+                                 const std::string& key) override {
         std::string text;
         datacom::Fcodes code = read(jsonKey(d, c, key, p), false, text, true);
         return datacom::isOk(code) ? (v = text == "true", code) : code;
     }
     datacom::Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
-                        int index) override {
+                                 int index) override {
         return write(jsonKey(d, c, "#" + std::to_string(index), p), v);
     }
     datacom::Fcodes setTextParam(const std::string& d, const std::string& c, const std::string& p, const std::string& v,
-                        const std::string& key) override {
+                                 const std::string& key) override {
         return write(jsonKey(d, c, key, p), v);
     }
 

@@ -94,7 +94,7 @@ struct Fault {
     double boundSec;               // for the whole row
     // Further checks after the requests: "" when all hold, else what failed.
     std::function<std::string(DataCommunicator& client, FaultPeer* peer)> check;
-    double minSec = 0;           // the row waits at least this long (its time-outs)
+    double minSec = 0;  // the row waits at least this long (its time-outs)
 };
 
 TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
@@ -119,6 +119,7 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
         return "";
     };
 
+    // clang-format off
     const Fault faults[] = {
         {"no socket file", Setup::NoSocketFile, nullptr, 2, {FC_COMM_ERROR}, 0.5, nullptr},
         {"peer never reads (queue full)", Setup::NeverReads, nullptr, 2, {FC_COMM_ERROR},
@@ -172,6 +173,7 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
         {"oversized datagram", Setup::Peer, [&](FaultPeer& p, int id) { p.send(withId(oversized, id)); }, 2,
          {FC_COMM_ERROR}, 1.0, noDuplicateIds},
     };
+    // clang-format on
 
     for (const Fault& fault : faults) {
         std::unique_ptr<FaultPeer> peer;
@@ -208,8 +210,8 @@ TEST(PeerFaults, EveryFaultEndsInItsTimeOutWithItsCodeAndTheEngineGoesOn) {
         const auto nextStart = std::chrono::steady_clock::now();
         std::string replyBody;
         const Fcodes next = client.requestCommand(
-            SERVER, "<Command ID=\"Get Next Row\" >\n\t<Parameter Name=\"Table\" Value=\"T\" />\n</Command>",
-            replyBody, TIMEOUT, 1);
+            SERVER, "<Command ID=\"Get Next Row\" >\n\t<Parameter Name=\"Table\" Value=\"T\" />\n</Command>", replyBody,
+            TIMEOUT, 1);
         const double nextTook = secondsSince(nextStart);
         EXPECT_EQ(next, FC_OK) << row << ": the next request took " << nextTook << " s";
         EXPECT_LT(nextTook, 0.9) << row << ": the next request took " << nextTook << " s";

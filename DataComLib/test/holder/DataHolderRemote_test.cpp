@@ -3,10 +3,10 @@
 #include <future>
 #include <string>
 
+#include "datacom/MessageCommand.h"
+#include "engine/EngineTestSupport.h"
 #include "holder/DataHolderTestSupport.h"
 #include "json/DataSetsTestSupport.h"
-#include "engine/EngineTestSupport.h"
-#include "datacom/MessageCommand.h"
 
 using namespace datacom;
 

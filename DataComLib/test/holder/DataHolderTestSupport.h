@@ -54,7 +54,7 @@ private:
 // A data set with one table `table` of an int column "Bitrate" and a string
 // column "Host" (default 7), and one row `rowId` holding the given values.
 inline datacom::DataSet* makeDataSet(const std::string& id, const std::string& table, int rowId, int bitrate,
-                            const std::string& host) {
+                                     const std::string& host) {
     auto* dataSet = new datacom::DataSet(id);
     auto* made = new datacom::DataTable(table);
     auto* bitrateColumn = new datacom::DataColumn();

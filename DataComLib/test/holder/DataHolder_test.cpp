@@ -4,9 +4,9 @@
 #include <thread>
 #include <vector>
 
+#include "LogCapture.h"
 #include "holder/DataHolderTestSupport.h"
 #include "json/DataSetsTestSupport.h"
-#include "LogCapture.h"
 
 using namespace datacom;
 

@@ -1,25 +1,24 @@
 #pragma once
 
-
 #include <string>
 #include <type_traits>
 
 #include <gtest/gtest.h>
 
-#include "json/DataSets.h"
-#include "datacom/DbgPrintClient.h"
 #include "LogCapture.h"
 #include "TestDocuments.h"
 #include "TestFiles.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
+#include "json/DataSets.h"
 
 // Shared by the JSON store tests: the channel document, file helpers and
 // the debug log capture.
 namespace dstest {
 
-using testdoc::kChannelDoc;
 using ::readText;
 using ::writeText;
+using testdoc::kChannelDoc;
 
 // Writes the channel document and loads it; true on "OK".
 inline bool loadChannelDoc(datacom::DataSets& store, const std::string& path = "/etc/sysmgt/channel_test.json") {

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "TestFiles.h"
 #include "datacom/AtomicFile.h"
 #include "datacom/SysmgtRoot.h"
-#include "TestFiles.h"
 
 using namespace datacom;
 

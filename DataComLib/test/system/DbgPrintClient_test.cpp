@@ -6,9 +6,9 @@
 
 #include <thread>
 
-#include "datacom/DbgPrintClient.h"
 #include "FixedClock.h"
 #include "LogCapture.h"
+#include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 
 using namespace datacom;

@@ -3,8 +3,8 @@
 // whole; and the next successful store must clear what the dead one left.
 // A child process stores two versions of a data set in turn, for ever; the
 // test kills it at a random moment, then reads the file.
-#include <gtest/gtest.h>
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -18,11 +18,11 @@
 #include <sstream>
 #include <vector>
 
+#include "TestFiles.h"
+#include "datacom/DataSet.h"
 #include "datacom/DataSetsFactory.h"
 #include "datacom/IDataSets.h"
 #include "datacom/SysmgtRoot.h"
-#include "datacom/DataSet.h"
-#include "TestFiles.h"
 
 using namespace datacom;
 
@@ -57,7 +57,8 @@ struct Kind {
 // Version 1 is several times larger than version 0, so a torn write could
 // not pass for either.
 std::string tabularText(int version) {
-    std::string text = "<DataSet ID=\"Channels\" Version=\"" + std::to_string(version) + "\">\n\t<Table Name=\"Targets\">\n";
+    std::string text =
+        "<DataSet ID=\"Channels\" Version=\"" + std::to_string(version) + "\">\n\t<Table Name=\"Targets\">\n";
     text += "\t\t<Columns>\n\t\t\t<Column Name=\"Host\" Access=\"RW\" Type=\"str\" Value=\"0\" />\n\t\t</Columns>\n";
     for (int row = 1; row <= 50 + 350 * version; ++row)
         text += "\t\t\t<Row ID=\"" + std::to_string(row) + "\" >\n\t\t\t<Item Name=\"Host\" Value=\"239.0." +
@@ -66,8 +67,9 @@ std::string tabularText(int version) {
 }
 
 std::string jsonText(int version) {
-    std::string text = "{\"dataset\": \"Channels\", \"components\": {\"Targets\": {\"properties\": "
-                       "{\"Address\": {\"type\": \"string\", \"default\": \"239.1.1.1\"}}, \"instances\": [";
+    std::string text =
+        "{\"dataset\": \"Channels\", \"components\": {\"Targets\": {\"properties\": "
+        "{\"Address\": {\"type\": \"string\", \"default\": \"239.1.1.1\"}}, \"instances\": [";
     for (int row = 0; row < 50 + 350 * version; ++row)
         text += std::string(row ? "," : "") + "{\"Address\": \"239.1." + std::to_string(version) + "." +
                 std::to_string(row % 250) + "\"}";
@@ -138,8 +140,7 @@ void cutPowerWhileStoring(const Kind& kind) {
     for (int kill = 0; kill < KILLS; ++kill) {
         const long micros = delay(random);
         const std::string row = kind.name + " kill " + std::to_string(kill) + " after " + std::to_string(micros) +
-                                " us (store " + std::to_string(storeMicros) + " us, seed " + std::to_string(seed) +
-                                ")";
+                                " us (store " + std::to_string(storeMicros) + " us, seed " + std::to_string(seed) + ")";
         int ready[2];
         ASSERT_EQ(pipe(ready), 0) << row;
         const pid_t child = startStoring(kind, ready[1]);

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "TestFiles.h"
 #include "datacom/AtomicFile.h"
 #include "datacom/DataColumn.h"
 #include "datacom/DataItem.h"
@@ -13,7 +14,6 @@
 #include "datacom/DataStoreConstants.h"
 #include "datacom/DataTable.h"
 #include "datacom/SysmgtRoot.h"
-#include "TestFiles.h"
 
 using namespace datacom;
 
