@@ -38,7 +38,7 @@ double micros(Clock::duration d) {
 
 double percentile(std::vector<double> values, double p) {
     std::sort(values.begin(), values.end());
-    return values[static_cast<size_t>(p * (values.size() - 1))];
+    return values[static_cast<size_t>(p * static_cast<double>(values.size() - 1))];
 }
 
 void featureChannel(ChannelTestHolder& holder) {

@@ -180,8 +180,8 @@ int main(int argc, char** argv) {
     std::printf("load: %zu commands, p50 %.3f ms, p99 %.3f ms (p99 / idle p50 = %.2f)\n", loaded.size(), median(loaded),
                 percentile(loaded, 99), percentile(loaded, 99) / median(idle));
     std::printf("mediator events sent %ld in %.1f s (%.0f/s): %ld input detections, %ld others, %ld refused\n",
-                detections + others, loadSeconds, (detections + others) / loadSeconds, detections.load(), others.load(),
-                refusedEvents.load());
+                detections + others, loadSeconds, static_cast<double>(detections + others) / loadSeconds,
+                detections.load(), others.load(), refusedEvents.load());
     std::printf("front-end events owed %ld, received %ld (%d front ends)\n", owed, received(), FRONT_ENDS);
     std::printf("daemon CPU %.2f s in %.1f s (%.0f %% of one core); failed commands %ld\n", cpu, loadSeconds,
                 100 * cpu / loadSeconds, failed);

@@ -115,10 +115,12 @@ int main(int argc, char** argv) {
 
     // Two readers (the worker and the messaging thread) and a writer at once.
     std::vector<std::thread> readers;
+    readers.reserve(2);
+    constexpr int readsPerThread = kRounds / 2;
     auto start = Clock::now();
     for (int t = 0; t < 2; ++t)
         readers.emplace_back([&store, t] {
-            for (int i = 0; i < kRounds / 2; ++i)
+            for (int i = 0; i < readsPerThread; ++i)
                 readChannel(store, (i + t) % 2, true);
         });
     for (int i = 0; i < kRounds / 8; ++i)
@@ -126,6 +128,6 @@ int main(int argc, char** argv) {
     for (auto& reader : readers)
         reader.join();
     double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    std::printf("%-44s %12.0f /s\n", "2 threads reading, 1 writing: reads", 2.0 * (kRounds / 2) * 18 / seconds);
+    std::printf("%-44s %12.0f /s\n", "2 threads reading, 1 writing: reads", 2.0 * readsPerThread * 18 / seconds);
     return 0;
 }

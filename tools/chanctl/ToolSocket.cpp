@@ -29,8 +29,12 @@ bool heldByRunningProcess(const std::string& path) {
 }
 
 std::string userName() {
-    const passwd* entry = getpwuid(getuid());
-    return entry != nullptr ? entry->pw_name : std::to_string(getuid());
+    passwd entry{};
+    passwd* found = nullptr;
+    char buffer[1024];
+    if (getpwuid_r(getuid(), &entry, buffer, sizeof buffer, &found) == 0 && found != nullptr)
+        return found->pw_name;
+    return std::to_string(getuid());
 }
 
 }  // namespace
@@ -40,7 +44,7 @@ std::string stableSocketName(const std::string& tool, const std::string& instanc
     if (!instance.empty())
         base += "-" + instance;
     for (int copy = 1; copy < 100; ++copy) {
-        const std::string name = copy == 1 ? base : base + "-" + std::to_string(copy);
+        std::string name = copy == 1 ? base : base + "-" + std::to_string(copy);
         if (!heldByRunningProcess(name))
             return name;
     }

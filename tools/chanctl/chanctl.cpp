@@ -11,6 +11,7 @@
 #include <cstring>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "ChanctlArgs.h"
@@ -98,7 +99,8 @@ int main(int argc, char** argv) {
     // The engine ends the process (status 0) when it cannot bind; say why first.
     const std::string tmp = sysmgtPath("/tmp");
     if (access(tmp.c_str(), W_OK | X_OK) != 0) {
-        std::fprintf(stderr, "chanctl: cannot make its sockets in %s: %s\n", tmp.c_str(), std::strerror(errno));
+        std::fprintf(stderr, "chanctl: cannot make its sockets in %s: %s\n", tmp.c_str(),
+                     std::generic_category().message(errno).c_str());
         return 1;
     }
     // A listener subscribes: its name stays the same over restarts, so the

@@ -201,7 +201,7 @@ void ChannelConsole::refresh() {
                     sample.bitrate[i] = std::atof(cell(view, i, "Total Bit Rate").c_str());
             history.push_back(sample);
         }
-        while (!history.empty() && history.front().timeMs < now - HISTORY_SEC * 1000)
+        while (!history.empty() && history.front().timeMs < now - int64_t{HISTORY_SEC} * 1000)
             history.pop_front();
         Json::Value times(Json::arrayValue), first(Json::arrayValue), second(Json::arrayValue);
         for (const Sample& sample : history) {

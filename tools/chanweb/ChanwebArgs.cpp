@@ -59,7 +59,7 @@ std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOption
         } else if (name == "--www") {
             options.www = value;
         } else if (name == "--timeout") {
-            if (!parseNumber(value, 1, 86400 * 365, number))
+            if (!parseNumber(value, 1, 86400L * 365, number))
                 return "--timeout needs whole seconds, not '" + value + "'";
             options.timeoutSec = static_cast<unsigned>(number);
         } else {

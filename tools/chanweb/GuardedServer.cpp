@@ -127,17 +127,17 @@ int waitFor(pollfd* fds, nfds_t count, int timeoutMs) {
 // slowly the client trickles its bytes. Every other wait is as asked.
 // Once the deadline passed the connection is shut down: the library would
 // answer the torn request and wait for another on the same connection.
-extern "C" int poll(pollfd* fds, nfds_t count, int timeoutMs) {
+extern "C" int poll(pollfd* fds, nfds_t nfds, int timeout) {
     const int64_t left = msLeft();
-    const bool clamped = left >= 0 && (timeoutMs < 0 || left < timeoutMs);
-    const int ready = waitFor(fds, count, clamped ? static_cast<int>(left) : timeoutMs);
+    const bool clamped = left >= 0 && (timeout < 0 || left < timeout);
+    const int ready = waitFor(fds, nfds, clamped ? static_cast<int>(left) : timeout);
     if (ready == 0 && clamped)
-        for (nfds_t i = 0; i < count; ++i)
+        for (nfds_t i = 0; i < nfds; ++i)
             shutdown(fds[i].fd, SHUT_RDWR);
     return ready;
 }
 
-extern "C" ssize_t recv(int fd, void* buffer, size_t size, int flags) {
+extern "C" ssize_t recv(int fd, void* buf, size_t n, int flags) {
     const int64_t left = msLeft();
     if (left >= 0) {
         pollfd readable{fd, POLLIN, 0};
@@ -148,7 +148,7 @@ extern "C" ssize_t recv(int fd, void* buffer, size_t size, int flags) {
         }
     }
     tSocket = fd;
-    return recvfrom(fd, buffer, size, flags, nullptr, nullptr);
+    return recvfrom(fd, buf, n, flags, nullptr, nullptr);
 }
 
 int GuardedServer::currentSocket() {

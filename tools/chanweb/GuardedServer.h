@@ -27,10 +27,10 @@ public:
     static constexpr int MAX_STREAMS = 16;
     static constexpr int WORKERS = MAX_STREAMS + 24;
     static constexpr int REQUEST_SEC = 5;
-    static constexpr size_t MAX_BODY = 64 * 1024;
+    static constexpr size_t MAX_BODY = size_t{64} * 1024;
 
-    // `hosts`: the names a request's Host may carry (without port).
-    explicit GuardedServer(std::vector<std::string> hosts);
+    // `allowed`: the names a request's Host may carry (without port).
+    explicit GuardedServer(std::vector<std::string> allowed);
 
     // Takes one of the MAX_STREAMS stream places; false when all are taken.
     bool takeStream();
@@ -38,7 +38,7 @@ public:
     // In a handler: the socket of the connection it answers. peerGone: true
     // once that client closed its side (a stream then gives up its place).
     static int currentSocket();
-    static bool peerGone(int socket);
+    static bool peerGone(int fd);
 
 private:
     // The pool; each connection's request deadline rides on its worker.

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -74,7 +75,7 @@ std::string defaultWww() {
     if (length > 0) {
         std::string dir(self, static_cast<size_t>(length));
         dir = dir.substr(0, dir.rfind('/'));
-        const std::string installed = dir.substr(0, dir.rfind('/')) + "/share/chanweb";
+        std::string installed = dir.substr(0, dir.rfind('/')) + "/share/chanweb";
         if (isFile(installed + "/index.html"))
             return installed;
     }
@@ -86,7 +87,7 @@ std::string defaultWww() {
 void waitForEnd(const sigset_t& signals, unsigned timeoutSec) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSec);
     for (;;) {
-        timespec slice{0, 200 * 1000 * 1000};
+        timespec slice{0, 200L * 1000 * 1000};
         if (sigtimedwait(&signals, nullptr, &slice) > 0)
             return;
         if (timeoutSec != 0 && std::chrono::steady_clock::now() >= deadline)
@@ -114,7 +115,8 @@ int main(int argc, char** argv) {
     }
     const std::string tmp = sysmgtPath("/tmp");
     if (access(tmp.c_str(), W_OK | X_OK) != 0) {
-        std::fprintf(stderr, "chanweb: cannot make its sockets in %s: %s\n", tmp.c_str(), std::strerror(errno));
+        std::fprintf(stderr, "chanweb: cannot make its sockets in %s: %s\n", tmp.c_str(),
+                     std::generic_category().message(errno).c_str());
         return 1;
     }
 

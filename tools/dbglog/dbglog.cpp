@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <system_error>
 
 #include "LogFilter.h"
 #include "datacom/SysmgtRoot.h"
@@ -47,7 +48,8 @@ bool makePipe(const std::string& path) {
         unlink(path.c_str());
     }
     if (mkfifo(path.c_str(), 0666) != 0) {
-        std::fprintf(stderr, "dbglog: cannot create the pipe %s: %s\n", path.c_str(), std::strerror(errno));
+        std::fprintf(stderr, "dbglog: cannot create the pipe %s: %s\n", path.c_str(),
+                     std::generic_category().message(errno).c_str());
         return false;
     }
     chmod(path.c_str(), 0666);
@@ -101,7 +103,8 @@ int main(int argc, char** argv) {
     // and opening does not wait for the first writer.
     int fd = open(path.c_str(), O_RDWR | O_NONBLOCK);
     if (fd < 0) {
-        std::fprintf(stderr, "dbglog: cannot open %s: %s\n", path.c_str(), std::strerror(errno));
+        std::fprintf(stderr, "dbglog: cannot open %s: %s\n", path.c_str(),
+                     std::generic_category().message(errno).c_str());
         return 1;
     }
     signal(SIGINT, onSignal);

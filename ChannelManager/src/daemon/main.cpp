@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
     std::string pidFile, startFile;
     opterr = 0;  // the usage line alone tells what went wrong
     int option;
-    while ((option = getopt(argc, argv, "v:dp:s:g:")) != -1) {
+    while ((option = getopt(argc, argv, "v:dp:s:g:")) != -1) {  // NOLINT(concurrency-mt-unsafe): no thread yet
         switch (option) {
             case 'v':
                 gDbgLevel = std::atoi(optarg);
@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
             case 'g': {
                 // Sockets for the daemon's user and one group only (0660)
                 // instead of every local user: who can command the daemon.
-                const group* found = getgrnam(optarg);
+                const group* found = getgrnam(optarg);  // NOLINT(concurrency-mt-unsafe): no thread yet
                 if (found == nullptr) {
                     std::fprintf(stderr, "%s: no group %s\n", argv[0], optarg);
                     return 1;

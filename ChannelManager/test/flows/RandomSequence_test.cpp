@@ -76,6 +76,7 @@ std::vector<Step> generate(uint32_t seed, int count) {
     const int weights[] = {8, 6, 4, 4, 4, 3, 4, 4, 4, 10, 4, 1, 2, 1};
     std::discrete_distribution<int> kind(std::begin(weights), std::end(weights));
     std::vector<Step> steps;
+    steps.reserve(count);
     for (int i = 0; i < count; ++i)
         steps.push_back(
             {static_cast<Kind>(kind(random)), static_cast<int>(random() % 2), static_cast<int>(random() % 12)});

@@ -69,12 +69,13 @@ inline datacom::MessageEvent mediatorEvent(const std::string& id, const std::str
 // One setting of a dataset: a component's property of an instance and its
 // value, text, integer or flag by the value's type.
 struct Set {
-    Set(const char* c, const char* p, std::string i, std::string v) : component(c), property(p), instance(i), text(v) {}
-    Set(const char* c, const char* p, std::string i, const char* v) : Set(c, p, i, std::string(v)) {}
+    Set(const char* c, const char* p, std::string i, std::string v)
+        : component(c), property(p), instance(std::move(i)), text(std::move(v)) {}
+    Set(const char* c, const char* p, std::string i, const char* v) : Set(c, p, std::move(i), std::string(v)) {}
     Set(const char* c, const char* p, std::string i, int v)
-        : component(c), property(p), instance(i), number(v), kind(1) {}
+        : component(c), property(p), instance(std::move(i)), number(v), kind(1) {}
     Set(const char* c, const char* p, std::string i, bool v)
-        : component(c), property(p), instance(i), flag(v), kind(2) {}
+        : component(c), property(p), instance(std::move(i)), flag(v), kind(2) {}
     const char *component, *property;
     std::string instance, text;
     int number = 0;

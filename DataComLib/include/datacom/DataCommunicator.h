@@ -56,8 +56,8 @@ public:
     /// of setSocketAccess, 0777 by default; 1-second send and receive
     /// time-outs). A process cannot run without its sockets: a failure ends
     /// it, with exit status 0.
-    void init(IEngineHooks* holder, const std::string& sockName, const std::string& sendSockName,
-              const std::string& name);
+    void init(IEngineHooks* holder, const std::string& receivePath, const std::string& sendPath,
+              const std::string& taskName);
     /// Who may write to the sockets that init makes from now on, for the whole
     /// process: by default anyone (mode 0777). A daemon started with a group
     /// passes 0660 and that group, so that only its user and the group's
@@ -77,7 +77,7 @@ public:
                        unsigned delaySec, unsigned tries);
     /// The older event send: header and body as two datagrams, one try. Peers
     /// read one datagram per message, so nothing here uses it.
-    Fcodes sendEvent(const std::string& sockName, MessageHeader& header, const std::string& body);
+    Fcodes sendEvent(const std::string& peer, MessageHeader& header, const std::string& body);
     /// Reads a stream descriptor byte by byte up to a newline (not appended).
     Fcodes readline(int sock, std::string& line, unsigned timeoutSec);
 
@@ -98,7 +98,7 @@ public:
     /// tests do. Not called on the server thread.
     void stop();
     /// Appends a subscriber's receive-socket path, moving a repeated one to the end.
-    void subscribe(const std::string& sockName);
+    void subscribe(const std::string& subscriber);
     /// Stamps the event with the local time and sends it to every subscriber,
     /// one try each and no reply awaited. A subscriber whose queue is full holds
     /// the send up to the send socket's 1-second time-out, so one a little
@@ -130,27 +130,27 @@ public:
     /// One request-reply exchange with retries; each attempt takes a fresh ID
     /// from the process-wide counter. On return request.ID is the last one used.
     /// A reply is the answer when it carries the attempt's ID and comes from
-    /// `sockName`, read now or parked earlier; any other is parked.
-    Fcodes sendRequest(const std::string& sockName, MessageHeader& request, const std::string& requestBody,
+    /// `peer`, read now or parked earlier; any other is parked.
+    Fcodes sendRequest(const std::string& peer, MessageHeader& request, const std::string& requestBody,
                        MessageHeader& reply, std::string& replyBody, unsigned timeoutSec, unsigned tries);
     /// Sends a command (its tag text) and returns the peer's verdict from the ACK.
-    Fcodes requestCommand(const std::string& sockName, const std::string& commandText, std::string& replyBody,
+    Fcodes requestCommand(const std::string& peer, const std::string& commandText, std::string& replyBody,
                           unsigned timeoutSec, unsigned tries);
     /// Asks the peer to send its events to this engine's receive socket.
-    Fcodes requestSubscribe(const std::string& sockName);
+    Fcodes requestSubscribe(const std::string& peer);
     /// Sends an event, awaiting no reply.
-    Fcodes requestEvent(const std::string& sockName, MessageEvent& event, unsigned delaySec, unsigned tries);
+    Fcodes requestEvent(const std::string& peer, MessageEvent& event, unsigned delaySec, unsigned tries);
     /// Reads one item of a peer's table.
-    Fcodes requestDataItem(const std::string& sockName, const std::string& table, int row, const std::string& item,
+    Fcodes requestDataItem(const std::string& peer, const std::string& table, int row, const std::string& item,
                            std::string& value, unsigned timeoutSec, unsigned tries);
     /// Reads (or, with ParamAccess::Write, sets and reads back) one property of
     /// a peer's JSON data set. `row`: instance key or decimal index, "" for the
     /// single instance.
-    Fcodes requestGetParam(const std::string& sockName, const std::string& dataSet, const std::string& component,
+    Fcodes requestGetParam(const std::string& peer, const std::string& dataSet, const std::string& component,
                            const std::string& item, std::string& value, ParamAccess access, const std::string& row,
                            unsigned timeoutSec, unsigned tries);
     /// Sets one item of a peer's table (the peer keeps it pending).
-    Fcodes requestSetDataItem(const std::string& sockName, const std::string& table, int row, const std::string& item,
+    Fcodes requestSetDataItem(const std::string& peer, const std::string& table, int row, const std::string& item,
                               const std::string& value, unsigned timeoutSec, unsigned tries);
 
     /// The ID the next request attempt of this process will take.

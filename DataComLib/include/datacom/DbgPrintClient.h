@@ -97,11 +97,13 @@ struct DATACOM_API DbgVoidify {
     void operator&(std::ostream&) {}
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the line starts a stream expression the caller continues with <<
 /// DBG(DBG_ERROR) << "getIntParam: No such table=" << table;
 /// Nothing is formatted, and no argument evaluated, when the level filters the line out.
 #define DBG(severity)                                                                   \
     (::datacom::gDbgLevel.load(std::memory_order_relaxed) > static_cast<int>(severity)) \
         ? (void)0                                                                       \
         : ::datacom::DbgVoidify() & ::datacom::DbgLine((severity), __FILE__, __LINE__).stream()
+// NOLINTEND(bugprone-macro-parentheses)
 
 }  // namespace datacom

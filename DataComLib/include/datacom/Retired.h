@@ -29,7 +29,7 @@ public:
     void forget(Predicate matches) {
         for (auto& held : parts)
             if (held && matches(*held))
-                held.release();
+                static_cast<void>(held.release());  // the owner frees it, not this list
         parts.erase(std::remove(parts.begin(), parts.end(), nullptr), parts.end());
     }
     void clear() { parts.clear(); }

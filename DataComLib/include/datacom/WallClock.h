@@ -20,7 +20,7 @@ timespec wallClockNow();
 
 // Replaces the source; nullptr restores the system clock. Returns the previous
 // source. Meant for start-up or tests, not for a running engine.
-WallClockSource setWallClockSource(WallClockSource source);
+WallClockSource setWallClockSource(WallClockSource replacement);
 
 // Local time as events carry it, e.g. "22-Nov-26  02:26:06".
 std::string eventTimeText(time_t when);

@@ -23,7 +23,7 @@ namespace {
 // a stored channel file the same; 1 MiB leaves room for growth while the
 // parsed tree (several times the text) stays small beside the appliance's
 // memory. A larger file is refused rather than read.
-constexpr off_t MAX_DATASET_FILE_BYTES = 1024 * 1024;
+constexpr off_t MAX_DATASET_FILE_BYTES = off_t{1024} * 1024;
 
 // Reads a dataset file: only a regular file, and only up to the limit. The
 // open does not wait (a named pipe without a writer would block it), and the
@@ -202,7 +202,9 @@ Fcodes DataSets::storeDataSet(const std::string& name, const std::string& file) 
     }
     int error = writeFileAtomically(file, text);
     if (error != 0) {
-        DBG(DBG_ERROR) << "storeDataSet: Couldn't write file=" << file << " errno=" << error << " " << strerror(error);
+        char reason[128];  // strerror_r: any thread may store
+        DBG(DBG_ERROR) << "storeDataSet: Couldn't write file=" << file << " errno=" << error << " "
+                       << strerror_r(error, reason, sizeof reason);
         return FC_UNAVAILABLE;
     }
     return FC_OK;

@@ -236,21 +236,24 @@ Fcodes DataSets::writeParam(const char* op, bool pending, const std::string& dat
 
 // ---- the public family: one line each ----
 
-#define DS_READ(NAME, T, SEL_T, SEL)                                                                         \
-    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T& v, SEL_T s) { \
-        return readCommitted(#NAME, d, c, p, SEL(s), v);                                                     \
+// NOLINTBEGIN(bugprone-macro-parentheses): T and SEL_T are types, which cannot be parenthesized
+#define DS_READ(NAME, T, SEL_T, sel, SEL)                                                                      \
+    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T& v, SEL_T sel) { \
+        return readCommitted(#NAME, d, c, p, SEL(sel), v);                                                     \
     }
-#define DS_READ_NEW(NAME, BASE, T, SEL_T, SEL)                                                               \
-    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T& v, SEL_T s) { \
-        return readPending(#NAME, d, c, p, SEL(s), v, [&] { return BASE(d, c, p, v, s); });                  \
+#define DS_READ_NEW(NAME, BASE, T, SEL_T, sel, SEL)                                                            \
+    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T& v, SEL_T sel) { \
+        return readPending(#NAME, d, c, p, SEL(sel), v, [&] { return BASE(d, c, p, v, sel); });                \
     }
-#define DS_WRITE(NAME, PENDING, T, SEL_T, SEL)                                                              \
-    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T v, SEL_T s) { \
-        return writeParam(#NAME, PENDING, d, c, p, SEL(s), Json::Value(v));                                 \
+#define DS_WRITE(NAME, PENDING, T, SEL_T, sel, SEL)                                                           \
+    Fcodes DataSets::NAME(const std::string& d, const std::string& c, const std::string& p, T v, SEL_T sel) { \
+        return writeParam(#NAME, PENDING, d, c, p, SEL(sel), Json::Value(v));                                 \
     }
-#define DS_BOTH_FORMS(MACRO, ...)              \
-    MACRO(__VA_ARGS__, int, Selector::byIndex) \
-    MACRO(__VA_ARGS__, const std::string&, Selector::byKey)
+// NOLINTEND(bugprone-macro-parentheses)
+// Each accessor twice: by row index and by key, the selector named as the header names it.
+#define DS_BOTH_FORMS(MACRO, ...)                     \
+    MACRO(__VA_ARGS__, int, index, Selector::byIndex) \
+    MACRO(__VA_ARGS__, const std::string&, key, Selector::byKey)
 
 DS_BOTH_FORMS(DS_READ, getIntParam, int)
 DS_BOTH_FORMS(DS_READ, getTextParam, std::string)
@@ -266,8 +269,8 @@ DS_BOTH_FORMS(DS_WRITE, initTextParam, false, const std::string&)
 DS_BOTH_FORMS(DS_WRITE, initBoolParam, false, bool)
 
 Fcodes DataSets::initInt64Param(const std::string& d, const std::string& c, const std::string& p, int64_t v,
-                                const std::string& s) {
-    return writeParam("initInt64Param", false, d, c, p, Selector::byKey(s), Json::Value(static_cast<Json::Int64>(v)));
+                                const std::string& key) {
+    return writeParam("initInt64Param", false, d, c, p, Selector::byKey(key), Json::Value(static_cast<Json::Int64>(v)));
 }
 
 }  // namespace datacom

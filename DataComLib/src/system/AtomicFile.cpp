@@ -49,7 +49,7 @@ void removeLeftovers(const std::string& target) {
     DIR* dir = opendir(directory.c_str());
     if (dir == nullptr)
         return;
-    while (dirent* entry = readdir(dir)) {
+    while (dirent* entry = readdir(dir)) {  // NOLINT(concurrency-mt-unsafe): the stream is this call's own
         const std::string name = entry->d_name;
         if (name.size() == prefix.size() + 6 && name.compare(0, prefix.size(), prefix) == 0)
             unlink((directory + "/" + name).c_str());
@@ -67,7 +67,7 @@ int writeFileAtomically(const std::string& logicalPath, const std::string& conte
     const std::string target = sysmgtPath(logicalPath);
     std::lock_guard<std::mutex> guard(storeMutex);
     std::string temp = target + ".tmpXXXXXX";
-    int fd = mkstemp(&temp[0]);
+    int fd = mkstemp(temp.data());
     if (fd < 0)
         return errno;
     fchmod(fd, 0644);

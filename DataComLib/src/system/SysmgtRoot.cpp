@@ -26,7 +26,7 @@ void unlockEnvironment() {
 
 void setTimeZone(const std::string& zone) {
     std::lock_guard<std::mutex> hold(environmentMutex());
-    setenv("TZ", zone.c_str(), 1);
+    setenv("TZ", zone.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): under the environment lock
     tzset();
 }
 
@@ -36,7 +36,7 @@ std::string sysmgtPath(const std::string& logicalPath) {
     std::string mapped;
     {
         std::lock_guard<std::mutex> hold(environmentMutex());
-        const char* root = std::getenv("SYSMGT_ROOT");
+        const char* root = std::getenv("SYSMGT_ROOT");  // NOLINT(concurrency-mt-unsafe): under the environment lock
         if (root == nullptr || *root == '\0')
             return logicalPath;
         mapped = root;

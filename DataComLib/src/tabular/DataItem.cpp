@@ -224,7 +224,7 @@ void DataItem::setRow(DataRow* newRow) {
 
 void DataItem::detachAndStoreRow(DataRow* newRow) {
     if (row && row != newRow)
-        row->unregisterItem(this).release();  // ownership stays with whoever holds the item now
+        static_cast<void>(row->unregisterItem(this).release());  // ownership stays with whoever holds the item now
     row = newRow;
 }
 

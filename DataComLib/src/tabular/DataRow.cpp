@@ -159,7 +159,7 @@ Fcodes DataRow::initFromString(const std::string& text) {
 
 void DataRow::fillItems(const ColumnRefs& columns, const DataRow* source) {
     for (const auto& column : columns) {
-        auto item = new DataItem(column.second);
+        auto* item = new DataItem(column.second);
         const DataItem* from = source ? source->getDataItem(column.first) : nullptr;
         if (from)
             item->setValue(*from);

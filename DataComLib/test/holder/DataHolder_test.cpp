@@ -19,6 +19,7 @@ TEST(DataHolder, WorkerRunsItemsInArrivalOrderFromSeveralProducers) {
     RecordingHolder holder;
     holder.init("tTest");  // unprivileged: the asked-for policy must not stop the worker
     std::vector<std::thread> producers;
+    producers.reserve(kProducers);
     for (int p = 0; p < kProducers; ++p)
         producers.emplace_back([&holder, p] {
             for (int i = 0; i < kItems; ++i) {
@@ -35,7 +36,7 @@ TEST(DataHolder, WorkerRunsItemsInArrivalOrderFromSeveralProducers) {
         });
     for (auto& producer : producers)
         producer.join();
-    const std::vector<std::string> record = holder.waitFor(kProducers * kItems);
+    const std::vector<std::string> record = holder.waitFor(static_cast<size_t>(kProducers) * kItems);
     ASSERT_EQ(record.size(), static_cast<size_t>(kProducers * kItems));
     std::vector<int> next(kProducers, 0);
     for (const std::string& line : record) {

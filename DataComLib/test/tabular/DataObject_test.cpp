@@ -40,7 +40,7 @@ TEST(DataObject, TagTextParametersAndInstances) {
     EXPECT_EQ(object.initFromString("<Object><Parameters></Parameters></Object>"), FC_BODY_ERROR);
 
     // Parameters listed by name; a new one reaches every instance, a removed one leaves them.
-    auto bitrate = new DataColumn();
+    auto* bitrate = new DataColumn();
     bitrate->init("Bitrate", colaccess::RW, coltype::INT);
     object.addParameter("Bitrate", bitrate);
     EXPECT_EQ(object.getParameters(), (std::vector<std::string>{"Bitrate", "Gop", "Name"}));
@@ -50,7 +50,7 @@ TEST(DataObject, TagTextParametersAndInstances) {
     EXPECT_EQ(object.getParameter("Bitrate"), nullptr);
     EXPECT_EQ(object.getInstance("7")->getDataItem("Bitrate"), nullptr);
 
-    auto gopText = new DataColumn();
+    auto* gopText = new DataColumn();
     gopText->init("Gop", colaccess::RW, coltype::STR);
     object.replaceParameter("Gop", gopText);
     EXPECT_EQ(object.getInstance("2")->getDataItem("Gop")->getStrVal(), "60") << "int to string keeps values";

@@ -43,7 +43,7 @@ struct LoadedTable {
 };
 
 DataColumn* column(const std::string& name, int32_t type, int32_t defVal) {
-    auto made = new DataColumn();
+    auto* made = new DataColumn();
     made->init(name, colaccess::RW, type);
     made->setDefVal(defVal);
     return made;
