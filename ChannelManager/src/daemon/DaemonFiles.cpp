@@ -40,7 +40,7 @@ bool notifyServiceManager() {
     // Copied under the environment lock: the engine's threads are running by now.
     std::string socketName;
     lockEnvironment();
-    const char* variable = std::getenv("NOTIFY_SOCKET");
+    const char* variable = std::getenv("NOTIFY_SOCKET");  // NOLINT(concurrency-mt-unsafe): under the environment lock
     if (variable != nullptr)
         socketName = variable;
     unlockEnvironment();
