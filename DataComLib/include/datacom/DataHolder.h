@@ -73,7 +73,7 @@ public:
     void init(const std::string& name) override;
     /// Stops the engine's server thread, then the worker (after it has run the
     /// queued items). Idempotent; never called from the worker.
-    void shutdown() DATACOM_EXCLUDES(this);
+    void shutdown();
     /// Queues the event (owned from now on); FC_OK at once.
     Fcodes handle(MessageEvent* event) override;
     /// Queues a copy of the command; FC_OK at once, `result` untouched.
