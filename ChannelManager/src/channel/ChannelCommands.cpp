@@ -13,10 +13,10 @@ using namespace datacom;
 
 using namespace vocab;
 
-// The channel commands the manager forwards: "ACTIVATE_ROW", "Change
-// on-the-fly", "Play", "Stop" and the two statistics commands, addressed by
-// "RowID" to one channel or to "ALL" ("0" meaning "ALL"); the statistics
-// commands name a target row instead.
+// The channel commands the manager forwards, parsed once by the manager:
+// "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two statistics
+// commands, addressed by "RowID" to one channel or to "ALL" ("0" meaning
+// "ALL"); the statistics commands name a target row instead.
 
 namespace {
 
@@ -27,12 +27,7 @@ int toNumber(const std::string& text) {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::string&) {
-    MessageCommand command;
-    if (!isOk(command.initFromString(commandText))) {
-        DBG(DBG_ERROR) << "execute: Not found tags in:\n" << commandText;
-        return FC_BODY_ERROR;
-    }
+Fcodes ConfigChannelTarnevel::execute(const MessageCommand& command) {
     const std::string& name = command.getId();
     std::string rowId = row::ALL;
     command.getParam(cmd::PARAM_ROW_ID, rowId);

@@ -24,8 +24,8 @@ struct PipelineRun;
 // no state of its own; every decision reads and writes the channel rows of
 // the holder's JSON datasets, every media action goes to the mediator through
 // ITarnevelClient on the holder's engine, and events go out through
-// IChannelEvents. The default constructor uses the channel manager singleton
-// for both; tests pass a holder and an event recorder of their own.
+// IChannelEvents. The manager passes itself as both; tests pass a holder and
+// an event recorder of their own.
 //
 // Locking: playChannel, stopChannel, handleTarnevelBranchEvent and
 // handleDataStreamEvent hold the holder's recursive lock for their whole run;
@@ -47,7 +47,6 @@ struct PipelineRun;
 // channel/VideoSources.cpp.
 class ConfigChannelTarnevel {
 public:
-    ConfigChannelTarnevel();
     ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events);
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
@@ -56,10 +55,12 @@ public:
     //      channel/PlayStop.cpp, channel/ChannelRows.cpp, channel/EncoderReadback.cpp) ----
 
     // "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two
-    // statistics commands, with "RowID" naming a channel, "ALL" or "0" (a
-    // target row for the statistics commands).
-    datacom::Fcodes execute(const std::string& commandText, std::string& response);
+    // statistics commands, as the manager parsed them, with "RowID" naming a
+    // channel, "ALL" or "0" (a target row for the statistics commands).
+    datacom::Fcodes execute(const datacom::MessageCommand& command);
     datacom::Fcodes playChannel(const std::string& rowId);
+    // "Stop" on "ALL": a forced stop of every channel, then "STOP ALL SAP".
+    datacom::Fcodes stopAll();
     // A second stop of a stopped or stopping channel does nothing.
     datacom::Fcodes stopChannel(const std::string& rowId);
     // Raises "Channel Error" when a playing channel's video input is gone.
@@ -228,8 +229,6 @@ private:
     datacom::Fcodes srtStatistics(const std::string& targetRowId, const datacom::MessageCommand& command);
     // The forced stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
     datacom::Fcodes forcedStop(const std::string& rowId);
-    // "Stop" on "ALL": every channel, then "STOP ALL SAP".
-    datacom::Fcodes stopAll();
     // The instances of "ChannelsTable": the rows "ALL" stands for.
     std::vector<std::string> channelRows();
 

@@ -25,8 +25,7 @@ namespace {
 using RowChange = std::function<void(PipelineBench&)>;
 
 Fcodes command(ChannelHarness& h, const std::string& id, const Params& params) {
-    std::string response;
-    return h.channel().execute(commandText(id, params), response);
+    return h.channelCommand(id, params);
 }
 
 Fcodes activate(ChannelHarness& h, const std::string& rowId) {
