@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
+#include "settings/IChannelEvents.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
@@ -29,7 +29,7 @@ bool inList(const std::vector<const char*>& list, const std::string& text) {
 }  // namespace
 
 // Section 14. The encoder scales to the configured size ("Custom").
-void ConfigChannelTarnevel::configEncodingResolution(PipelineRun& run) {
+void PipelineConfigurator::configEncodingResolution(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     int w = 0, h = 0;
     char scan = 'x';
@@ -65,7 +65,7 @@ void ConfigChannelTarnevel::configEncodingResolution(PipelineRun& run) {
 
 // Section 15: the video bitrate that fits the configured total, with the
 // same per-channel floors as an on-the-fly change (applyBitrateFloors).
-void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
+void PipelineConfigurator::configBitrates(PipelineRun& run) {
     const bool pcrOnVideo = run.pcrPid == run.videoPid;
     const float rate = static_cast<float>(run.frameSampling);
     int total = run.totalBitrate, video = 0, audio = 0, klv = 0;
@@ -79,8 +79,9 @@ void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
             run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, run.totalBitrate);
         if (maxRaised) {
             run.initInt(tbl::PROCESSING, prop::MAX_BITRATE, run.rowId, run.maxBitrate);
-            events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
-                             "prev: " + std::to_string(previousMax) + " new: " + std::to_string(run.maxBitrate));
+            ctx.events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE,
+                                 state::SEVERITY_INFO,
+                                 "prev: " + std::to_string(previousMax) + " new: " + std::to_string(run.maxBitrate));
         }
     }
     run.videoBitrate = video;
@@ -92,7 +93,7 @@ void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
 // "Capped VBR" when any enabled target carries one; an elementary stream
 // ("RTP ES", "RTMP") may use plain VBR. The margin is that of an on-the-fly
 // change (encoderMargin).
-void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
+void PipelineConfigurator::configRateControl(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     bool transport = false;
     for (const PipelineRun::Target& t : run.targets)
@@ -117,7 +118,7 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
 
 // Section 17. The timestamp generator of the channel inserts the MISB
 // timestamps that "Timestamps" asks for.
-void ConfigChannelTarnevel::configGopAndCoding(PipelineRun& run) {
+void PipelineConfigurator::configGopAndCoding(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     run.put(encoder, prop::CLOSED_GOP, run.closedGop);
     run.put(encoder, prop::INSERT_AU_DELIMITERS, run.auDelimiters);
@@ -128,7 +129,7 @@ void ConfigChannelTarnevel::configGopAndCoding(PipelineRun& run) {
     run.put("TIMESTAMP_GENERATOR_" + std::to_string(run.channel), "MISB Timestamps", run.timestamps);
 }
 
-void ConfigChannelTarnevel::configCodingH264(PipelineRun& run) {
+void PipelineConfigurator::configCodingH264(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[0];
     if (const char* profile = pipeline::lookup(pipeline::H264_PROFILE, run.videoCodecProfile))
         run.put(encoder, prop::VIDEO_CODEC_PROFILE, profile);
@@ -160,7 +161,7 @@ void ConfigChannelTarnevel::configCodingH264(PipelineRun& run) {
     run.put(encoder, prop::MAXIMUM_DELAY, run.maximumDelay);
 }
 
-void ConfigChannelTarnevel::configCodingHevc(PipelineRun& run) {
+void PipelineConfigurator::configCodingHevc(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[1];
     const char* chroma = pipeline::lookup(pipeline::HEVC_CHROMA, run.videoCodecProfile);
     const char* depth = pipeline::lookup(pipeline::HEVC_BIT_DEPTH, run.videoCodecProfile);

@@ -2,11 +2,11 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/WireConstants.h"
+#include "pipeline/PipelineConfigurator.h"
+#include "settings/IChannelEvents.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -120,8 +120,7 @@ int32_t range::clampLogged(const char* op, const std::string& rowId, const IntRa
 // the encoder go, in per cent. A maximum below the total (a "Max Bitrate" of
 // 0, say) would give a negative margin, stored as a negative overhead; it is
 // clamped to the overhead's range instead. `video` is not 0 here.
-int32_t ConfigChannelTarnevel::bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo,
-                                             int64_t video) {
+int32_t PipelineConfigurator::bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video) {
     if (video == 0)
         return 0;
     return range::clampLogged(op, rowId, range::OVERHEAD_PERCENT, maxVideo * 100 / video - 100);
@@ -129,7 +128,7 @@ int32_t ConfigChannelTarnevel::bitrateMargin(const char* op, const std::string& 
 
 // The KLV bitrate of one ingest setting, read from the device manager; a
 // failed read leaves `bitrate` as it was.
-Fcodes ConfigChannelTarnevel::readKlvBitrate(const std::string& ingest, int& bitrate) {
+Fcodes PipelineConfigurator::readKlvBitrate(const std::string& ingest, int& bitrate) {
     const char* component = nullptr;
     const char* property = nullptr;
     if (ingest == value::KLV_SERIAL) {
@@ -144,51 +143,53 @@ Fcodes ConfigChannelTarnevel::readKlvBitrate(const std::string& ingest, int& bit
     } else {
         return FC_OK;
     }
-    return holder.requestGetIntParam(wire::SOCK_DEV, ds::DEVICE, component, property, bitrate, "");
+    return ctx.holder.requestGetIntParam(wire::SOCK_DEV, ds::DEVICE, component, property, bitrate, "");
 }
 
-Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
-                                           float frameRate, int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
+Fcodes PipelineConfigurator::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
+                                          float frameRate, int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
     Fcodes result = FC_OK;
     std::string rateControl, ingestKlv, ingestKlv2, encodingFormat;
     bool encodeVideo = false;
     int overheadPercent = 0;
-    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
-    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
-    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, ingestKlv, rowId);
-    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, ingestKlv2, rowId);
-    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
-    result |=
-        holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent, rowId);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
+    result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, ingestKlv, rowId);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, ingestKlv2, rowId);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
+                                     overheadPercent, rowId);
     char scan = 'x';
     std::sscanf(encodingFormat.c_str(), "%*dx%*d%c @ %*f", &scan);
 
     // The first target's protocol decides the model, enabled or not.
     std::string protocol;
     std::vector<std::string> targets;
-    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     if (targets.empty()) {
         DBG(DBG_ERROR) << "calcBitrates: Couldn't find targetId in table=" << tbl::TARGET
                        << " for chan rowId=" << rowId;
         result |= FC_UNAVAILABLE;
     } else {
-        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
+        result |=
+            ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, targets.front());
     }
 
     int64_t audio = 0;  // a sum of stored bitrates: 64 bits, clamped at the end
     std::vector<std::string> audioRows;
-    result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::CHANNEL_ID, rowId, audioRows);
+    result |= rows.getChildInstances(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::CHANNEL_ID, rowId, audioRows);
     for (const std::string& audioRow : audioRows) {
         bool encodeAudio = false;
         int bitrate = 0;
         std::string format, sampling;
-        result |= holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, encodeAudio, audioRow);
-        result |= holder.getIntParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, bitrate, audioRow);
+        result |=
+            ctx.holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, encodeAudio, audioRow);
+        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, bitrate, audioRow);
         if (!encodeAudio || bitrate == 0)
             continue;
         result |=
-            holder.getTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, format, audioRow);
-        result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, sampling, audioRow);
+            ctx.holder.getTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, format, audioRow);
+        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, sampling, audioRow);
         const int32_t rate = sampleRate(sampling);
         const int32_t samples = samplesPerAudioFrame(format);
         // The transport rate of whole packets per audio frame, not the codec rate.
@@ -245,9 +246,9 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
 }
 
 // Sets one encoder parameter; a refusal is logged and the change goes on.
-void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const std::string& component,
-                                               const std::string& parameter, int value) {
-    const Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, component, parameter, value);
+void PipelineConfigurator::setEncoderOnTheFly(const std::string& rowId, const std::string& component,
+                                              const std::string& parameter, int value) {
+    const Fcodes set = ITarnevelClient::setTarnevelIntParam(&ctx.holder, component, parameter, value);
     if (!isOk(set))
         DBG(DBG_ERROR) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
                        << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
@@ -258,9 +259,9 @@ void ConfigChannelTarnevel::setEncoderOnTheFly(const std::string& rowId, const s
 // video bitrate below the channel's minimum is raised to it and the total
 // recomputed from it; the maximum is raised to the total that the minimum
 // plus ten per cent needs. The caller writes what was raised.
-Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate,
-                                                 bool pcrOnVideoPid, int& video, int& total, int& max,
-                                                 bool& totalRaised, bool& maxRaised) {
+Fcodes PipelineConfigurator::applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate,
+                                                bool pcrOnVideoPid, int& video, int& total, int& max, bool& totalRaised,
+                                                bool& maxRaised) {
     totalRaised = maxRaised = false;
     const int channel = channelIndex(rowId);
     if (channel < 0 || video >= MIN_VIDEO_BITRATE[channel])
@@ -292,9 +293,9 @@ Fcodes ConfigChannelTarnevel::applyBitrateFloors(const char* operation, const st
 // "Bitrate Margin" of the encoder: 0 without video; the channel's own margin
 // with "CBR"; otherwise the headroom, in per cent, that the maximum leaves
 // over the video bitrate.
-Fcodes ConfigChannelTarnevel::encoderMargin(const char* operation, const std::string& rowId,
-                                            const std::string& rateControl, bool encodeVideo, int video, int max,
-                                            float frameRate, bool pcrOnVideoPid, int& margin) {
+Fcodes PipelineConfigurator::encoderMargin(const char* operation, const std::string& rowId,
+                                           const std::string& rateControl, bool encodeVideo, int video, int max,
+                                           float frameRate, bool pcrOnVideoPid, int& margin) {
     margin = 0;
     const int channel = channelIndex(rowId);
     if (channel < 0 || !encodeVideo || video == 0)
@@ -311,7 +312,7 @@ Fcodes ConfigChannelTarnevel::encoderMargin(const char* operation, const std::st
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
+Fcodes PipelineConfigurator::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_OK;
@@ -321,15 +322,15 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     bool encodeVideo = false;
     int frameSampling = 0, previousTotal = 0, currentMax = 0, overheadPercent = 0, videoPid = 0, pcrPid = 0;
     std::string rateControl;
-    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, previousTotal, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
-    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
-    result |=
-        holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, overheadPercent, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::VIDEO_PID, videoPid, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::PCR_PID, pcrPid, rowId);
+    result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, previousTotal, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, rateControl, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
+                                     overheadPercent, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::VIDEO_PID, videoPid, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::PCR_PID, pcrPid, rowId);
     const bool pcrOnVideoPid = pcrPid == videoPid;
     const float frameRate = static_cast<float>(frameSampling);
 
@@ -341,12 +342,12 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
         result |= applyBitrateFloors("changeBitrateOnTheFly", rowId, frameRate, pcrOnVideoPid, video, totalBitrate,
                                      maxBitrate, totalRaised, maxRaised);
         if (totalRaised)
-            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+            result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
         if (maxRaised)
-            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
+            result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
     }
 
-    result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, video, rowId);
+    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, video, rowId);
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE, video);
 
     int margin = 0;
@@ -355,17 +356,17 @@ Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, in
     if (encodeVideo && video != 0 && rateControl != value::CBR) {
         if (rateControl == value::CAPPED_VBR)
             overheadPercent = margin;
-        result |= holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
-                                      overheadPercent, rowId);
+        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
+                                          overheadPercent, rowId);
     }
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
     if (channel == 1)
         setEncoderOnTheFly(rowId, encoder, APPLY_ON_THE_FLY, 1);
 
-    result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
-    result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
+    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
     result |= updateChannel(rowId);
-    events.sendEvent(ev::BITRATE_RECALCULATED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
-                     "prev: " + std::to_string(previousTotal) + " new: " + std::to_string(totalBitrate));
+    ctx.events.sendEvent(ev::BITRATE_RECALCULATED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                         "prev: " + std::to_string(previousTotal) + " new: " + std::to_string(totalBitrate));
     return result;
 }
