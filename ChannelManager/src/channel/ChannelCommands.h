@@ -16,7 +16,8 @@
 // statistics commands) to the lifecycle, the pipeline or the side actions.
 class ChannelCommands {
 public:
-    explicit ChannelCommands(ChannelContext& ctx) : ctx(ctx), rows(ctx), side(ctx), pipeline(ctx), lifecycle(ctx) {}
+    explicit ChannelCommands(ChannelContext& ctx)
+        : ctx(ctx), rows(ctx.holder), side(ctx), pipeline(ctx), lifecycle(ctx) {}
 
     datacom::Fcodes execute(const datacom::MessageCommand& command);
 

@@ -17,7 +17,7 @@
 // run. May call the pipeline, the side actions and the settings below.
 class ChannelLifecycle {
 public:
-    explicit ChannelLifecycle(ChannelContext& ctx) : ctx(ctx), rows(ctx), side(ctx), pipeline(ctx) {}
+    explicit ChannelLifecycle(ChannelContext& ctx) : ctx(ctx), rows(ctx.holder), side(ctx), pipeline(ctx) {}
 
     datacom::Fcodes playChannel(const std::string& rowId);
     // A second stop of a stopped or stopping channel does nothing.

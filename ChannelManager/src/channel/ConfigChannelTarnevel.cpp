@@ -4,7 +4,9 @@
 #include "channel/ChannelLifecycle.h"
 #include "channel/VideoSourceTracker.h"
 #include "pipeline/PipelineConfigurator.h"
+#include "settings/BitrateModel.h"
 #include "settings/ChannelRows.h"
+#include "settings/ChannelSettings.h"
 #include "settings/InputFormatValidation.h"
 #include "side/SideActions.h"
 
@@ -53,29 +55,29 @@ Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource)
 }
 
 Fcodes ConfigChannelTarnevel::getBranch(const std::string& rowId, const std::string& protocol, std::string& branch) {
-    return ChannelRows(ctx).getBranch(rowId, protocol, branch);
+    return ChannelRows(ctx.holder).getBranch(rowId, protocol, branch);
 }
 Fcodes ConfigChannelTarnevel::getRowId(const std::string& branch, std::string& rowId) {
-    return ChannelRows(ctx).getRowId(branch, rowId);
+    return ChannelRows(ctx.holder).getRowId(branch, rowId);
 }
 Fcodes ConfigChannelTarnevel::getChildInstances(const std::string& dataSet, const std::string& component,
                                                 const std::string& keyProperty, const std::string& keyValue,
                                                 std::vector<std::string>& instances) {
-    return ChannelRows(ctx).getChildInstances(dataSet, component, keyProperty, keyValue, instances);
+    return ChannelRows(ctx.holder).getChildInstances(dataSet, component, keyProperty, keyValue, instances);
 }
 int ConfigChannelTarnevel::getFirstChildRowId(const std::string& dataSet, const std::string& component,
                                               const std::string& keyProperty, const std::string& keyValue) {
-    return ChannelRows(ctx).getFirstChildRowId(dataSet, component, keyProperty, keyValue);
+    return ChannelRows(ctx.holder).getFirstChildRowId(dataSet, component, keyProperty, keyValue);
 }
 int ConfigChannelTarnevel::getNextChildRowId(const std::string& dataSet, const std::string& component,
                                              const std::string& keyProperty, const std::string& keyValue, int index) {
-    return ChannelRows(ctx).getNextChildRowId(dataSet, component, keyProperty, keyValue, index);
+    return ChannelRows(ctx.holder).getNextChildRowId(dataSet, component, keyProperty, keyValue, index);
 }
 Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId) {
-    return ChannelRows(ctx).restoreChannelParameters(rowId);
+    return ChannelRows(ctx.holder).restoreChannelParameters(rowId);
 }
 Fcodes ConfigChannelTarnevel::clearChannelParametersBackup(const std::string& rowId) {
-    return ChannelRows(ctx).clearChannelParametersBackup(rowId);
+    return ChannelRows(ctx.holder).clearChannelParametersBackup(rowId);
 }
 Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
     return ::validateInputFormat(ctx.holder, rowId);
@@ -90,10 +92,13 @@ Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId, bool pe
 Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, bool pending) {
     return PipelineConfigurator(ctx).configAudioGain(audioRowId, pending);
 }
+// The channel's settings as they stand, then the model.
 Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
                                            float frameRate, int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
-    return PipelineConfigurator(ctx).calcBitrates(rowId, totalBitrate, videoBitrate, frameRate, audioBitrate,
-                                                  klvBitrate, pcrOnVideoPid);
+    ChannelSettings settings;
+    const Fcodes read = readChannelSettings(ctx.holder, rowId, settings);
+    bitrate::calcBitrates(settings, totalBitrate, videoBitrate, frameRate, audioBitrate, klvBitrate, pcrOnVideoPid);
+    return read;
 }
 Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
     return PipelineConfigurator(ctx).changeBitrateOnTheFly(rowId, totalBitrate, maxBitrate);

@@ -5,6 +5,8 @@
 #include "datacom/DbgPrintClient.h"
 #include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
+#include "settings/BitrateModel.h"
+#include "settings/ChannelSettings.h"
 #include "settings/IChannelEvents.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -64,17 +66,20 @@ void PipelineConfigurator::configEncodingResolution(PipelineRun& run) {
 }
 
 // Section 15: the video bitrate that fits the configured total, with the
-// same per-channel floors as an on-the-fly change (applyBitrateFloors).
+// same per-channel floors as an on-the-fly change, from the settings the run
+// read (the device manager asked once for the KLV bitrates).
 void PipelineConfigurator::configBitrates(PipelineRun& run) {
+    run.bitrates = run.bitrateSettings();
+    run.result |= finishChannelSettings(ctx.holder, run.bitrates);
     const bool pcrOnVideo = run.pcrPid == run.videoPid;
     const float rate = static_cast<float>(run.frameSampling);
     int total = run.totalBitrate, video = 0, audio = 0, klv = 0;
-    run.result |= calcBitrates(run.rowId, total, video, rate, audio, klv, pcrOnVideo);
+    bitrate::calcBitrates(run.bitrates, total, video, rate, audio, klv, pcrOnVideo);
     if (run.encodeVideo) {
         const int previousMax = run.maxBitrate;
         bool totalRaised = false, maxRaised = false;
-        run.result |= applyBitrateFloors("configChannel", run.rowId, rate, pcrOnVideo, video, run.totalBitrate,
-                                         run.maxBitrate, totalRaised, maxRaised);
+        bitrate::applyBitrateFloors("configChannel", run.bitrates, rate, pcrOnVideo, video, run.totalBitrate,
+                                    run.maxBitrate, totalRaised, maxRaised);
         if (totalRaised)
             run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, run.totalBitrate);
         if (maxRaised) {
@@ -105,10 +110,8 @@ void PipelineConfigurator::configRateControl(PipelineRun& run) {
     else
         run.put(encoder, "Rate Control Mode", transport && run.rateControl == VBR ? value::CAPPED_VBR : mode);
 
-    int margin = 0;
-    run.result |=
-        encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate, run.maxBitrate,
-                      static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid, margin);
+    const int margin = bitrate::encoderMargin("configChannel", run.bitrates, run.videoBitrate, run.maxBitrate,
+                                              static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid);
     if (run.rateControl == value::CAPPED_VBR && run.encodeVideo && run.videoBitrate != 0) {
         run.muxOverheadPercent = margin;
         run.initInt(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, run.rowId, margin);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 #include "datacom/Fcodes.h"
@@ -15,11 +14,12 @@ struct PipelineRun;
 // channel's rows into the parameters of its mediator components, section by
 // section, in a fixed order; the audio/video adjustments applied while a
 // channel runs; the on-the-fly bitrate change; and the read-back of what the
-// encoder chose. May call the side actions (KLV follows a run) and the
+// encoder chose. Bitrates come from the model in settings/, computed from the
+// channel's settings as each operation read them once. May call the side actions (KLV follows a run) and the
 // settings below; never plays or stops a channel.
 class PipelineConfigurator {
 public:
-    explicit PipelineConfigurator(ChannelContext& ctx) : ctx(ctx), rows(ctx), side(ctx) {}
+    explicit PipelineConfigurator(ChannelContext& ctx) : ctx(ctx), rows(ctx.holder), side(ctx) {}
 
     // The channel's rows turned into the parameters of its mediator components.
     datacom::Fcodes configChannel(const std::string& rowId);
@@ -30,14 +30,7 @@ public:
     // "Audio Gain" of an audio row ("H.264 Audio1" ...); `pending` as above.
     datacom::Fcodes configAudioGain(const std::string& audioRowId, bool pending = false);
 
-    // totalBitrate 0 on entry: the total from videoBitrate; otherwise the
-    // video bitrate from the total. audioBitrate and klvBitrate are outputs.
-    datacom::Fcodes calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate, float frameRate,
-                                 int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid);
     datacom::Fcodes changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate);
-    // The Capped VBR "Bitrate Margin" in per cent, clamped to the overhead's
-    // range with a log line under `op`; 0 when `video` is 0.
-    static int32_t bitrateMargin(const char* op, const std::string& rowId, int64_t maxVideo, int64_t video);
 
     // Copies the effective encoder and multiplexer values into the summary.
     datacom::Fcodes updateChannel(const std::string& rowId);
@@ -92,17 +85,7 @@ private:
     // pipeline/SummarySection.cpp
     void configSummary(PipelineRun& run);  // 27
 
-    // ---- Bitrates (pipeline/Bitrates.cpp) ----
-    datacom::Fcodes readKlvBitrate(const std::string& ingest, int& bitrate);
-    // The per-channel floors of the video bitrate and of the maximum, shared
-    // by a configuration and an on-the-fly change; logs under `operation`.
-    datacom::Fcodes applyBitrateFloors(const char* operation, const std::string& rowId, float frameRate,
-                                       bool pcrOnVideoPid, int& video, int& total, int& max, bool& totalRaised,
-                                       bool& maxRaised);
-    // The encoder's "Bitrate Margin" for a video bitrate and a maximum.
-    datacom::Fcodes encoderMargin(const char* operation, const std::string& rowId, const std::string& rateControl,
-                                  bool encodeVideo, int video, int max, float frameRate, bool pcrOnVideoPid,
-                                  int& margin);
+    // ---- The on-the-fly change (pipeline/OnTheFlyBitrate.cpp) ----
     void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
                             int value);
 

@@ -137,6 +137,28 @@ bool PipelineRun::ultraLowLatency() const {
 // The sections run in this order whatever fails: a partly valid
 // configuration reaches the mediator as far as it can, and the result tells
 // which kinds of failure occurred.
+ChannelSettings PipelineRun::bitrateSettings() const {
+    ChannelSettings s;
+    s.rowId = rowId;
+    s.rateControl = rateControl;
+    s.encodingFormat = encodingFormat;
+    s.ingestKlv = ingestKlv;
+    s.ingestKlv2 = ingestKlv2;
+    s.encodeVideo = encodeVideo;
+    s.frameSampling = frameSampling;
+    s.totalBitrate = totalBitrate;
+    s.maxBitrate = maxBitrate;
+    s.overheadPercent = muxOverheadPercent;
+    s.videoPid = videoPid;
+    s.pcrPid = pcrPid;
+    s.hasTarget = !targets.empty();
+    if (s.hasTarget)
+        s.protocol = targets.front().protocol;
+    for (const Audio& a : audio)
+        s.audio.push_back({a.encodeSetting, a.bitrate, a.format, a.sampling});
+    return s;
+}
+
 Fcodes PipelineConfigurator::configChannel(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
         DBG(DBG_ERROR) << "configChannel: Unexpected rowId=" << rowId;
@@ -215,7 +237,8 @@ void PipelineConfigurator::readAudioRows(PipelineRun& run) {
         a.track = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_TRACK, id);
         a.sampling = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, id);
         a.gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, id);
-        a.encode = run.flag(tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, id) && a.enabled;
+        a.encodeSetting = run.flag(tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, id);
+        a.encode = a.encodeSetting && a.enabled;
         a.bitrate = run.integer(tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, id);
         a.format = run.text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, id);
         a.channelMode = run.text(tbl::AUDIO_PROCESSING, prop::CHANNEL_MODE, id);

@@ -50,7 +50,7 @@ Fcodes ChannelRows::getBranch(const std::string& rowId, const std::string& proto
     int column = channel;
     if (channel == 1) {
         std::string profile;
-        ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, profile, rowId);
+        holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, profile, rowId);
         if (profile == value::PROFILE_ULL)
             column = 2;
     }
@@ -76,7 +76,7 @@ Fcodes ChannelRows::getChildInstances(const std::string& dataSet, const std::str
                                       const std::string& keyProperty, const std::string& keyValue,
                                       std::vector<std::string>& instances) {
     instances.clear();
-    return ctx.holder.getInstancesByParameter(dataSet, component, keyProperty, keyValue, instances);
+    return holder.getInstancesByParameter(dataSet, component, keyProperty, keyValue, instances);
 }
 
 int ChannelRows::getFirstChildRowId(const std::string& dataSet, const std::string& component,
@@ -86,9 +86,9 @@ int ChannelRows::getFirstChildRowId(const std::string& dataSet, const std::strin
 
 int ChannelRows::getNextChildRowId(const std::string& dataSet, const std::string& component,
                                    const std::string& keyProperty, const std::string& keyValue, int index) {
-    for (int next = index + 1; ctx.holder.hasInstance(dataSet, component, next); ++next) {
+    for (int next = index + 1; holder.hasInstance(dataSet, component, next); ++next) {
         std::string text;
-        if (isOk(ctx.holder.getTextParam(dataSet, component, keyProperty, text, next)) && text == keyValue)
+        if (isOk(holder.getTextParam(dataSet, component, keyProperty, text, next)) && text == keyValue)
             return next;
     }
     return -1;
@@ -103,13 +103,13 @@ Fcodes ChannelRows::restoreChannelParameters(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE}) {
         int saved = 0;
-        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, saved, rowId);
+        result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, saved, rowId);
         if (saved != 0)
-            result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, property, saved, rowId);
+            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, property, saved, rowId);
         const int channel = channelIndex(rowId);
         if (saved != 0 && channel >= 0 && std::string(property) == prop::VIDEO_BITRATE)
-            result |= ITarnevelClient::setTarnevelIntParam(&ctx.holder, med::VIDEO_ENCODER[channel], med::PARAM_BITRATE,
-                                                           saved);
+            result |=
+                ITarnevelClient::setTarnevelIntParam(&holder, med::VIDEO_ENCODER[channel], med::PARAM_BITRATE, saved);
     }
     return result | clearChannelParametersBackup(rowId);
 }
@@ -117,12 +117,12 @@ Fcodes ChannelRows::restoreChannelParameters(const std::string& rowId) {
 Fcodes ChannelRows::clearChannelParametersBackup(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE})
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, 0, rowId);
+        result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, 0, rowId);
     return result;
 }
 
 std::vector<std::string> ChannelRows::channelRows() {
     std::vector<std::string> rows;
-    ctx.holder.getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
+    holder.getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
     return rows;
 }

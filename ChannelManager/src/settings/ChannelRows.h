@@ -4,15 +4,18 @@
 #include <vector>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+
+namespace datacom {
+class DataHolder;
+}
 
 // The row and name mappings of the channel data: which rows belong to a
 // channel (targets, audio rows), which mediator branch serves a channel's
 // protocol and back, the channel rows "ALL" stands for, and the bitrate
-// backup a stop restores. Reads and writes the channel dataset only.
+// backup a stop restores. Needs the holder only.
 class ChannelRows {
 public:
-    explicit ChannelRows(ChannelContext& ctx) : ctx(ctx) {}
+    explicit ChannelRows(datacom::DataHolder& holder) : holder(holder) {}
 
     datacom::Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
     datacom::Fcodes getRowId(const std::string& branch, std::string& rowId);
@@ -34,5 +37,5 @@ public:
     std::vector<std::string> channelRows();
 
 private:
-    ChannelContext& ctx;
+    datacom::DataHolder& holder;
 };

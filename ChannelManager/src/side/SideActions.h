@@ -20,7 +20,7 @@ public:
     // link's request): rowId, total, max; the pipeline above carries it out.
     using BitrateChange = std::function<datacom::Fcodes(const std::string&, int, int)>;
 
-    explicit SideActions(ChannelContext& ctx) : ctx(ctx), rows(ctx) {}
+    explicit SideActions(ChannelContext& ctx) : ctx(ctx), rows(ctx.holder) {}
 
     // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
     datacom::Fcodes sapAction(const std::string& rowId);
