@@ -57,11 +57,13 @@ void PipelineConfigurator::configEncodingResolution(PipelineRun& run) {
         run.put(encoder, "Aspect Ratio X", x);
         run.put(encoder, "Aspect Ratio Y", y);
     } else {
+        // The appliance's own text, trailing blank included, kept letter for letter.
         run.unknown("Aspect Ratio or Aspect Ratio ", run.aspectRatio);
     }
     if (run.level == "Auto" || inList(pipeline::LEVELS, run.level))
         run.put(encoder, prop::LEVEL, run.level);
     else
+        // The appliance's own text, kept letter for letter.
         run.unknown("Level or Level", run.level);
 }
 
