@@ -25,11 +25,8 @@ TEST_F(OnTheFlyBitrate, OnTheFlyKeepsTheHevcMinimum) {
     EXPECT_EQ((std::vector<std::string>{"Video Encoder CH1/Bitrate=23900", "Video Encoder CH1/Bitrate Margin=0",
                                         "Video Encoder CH1/Apply On The Fly Bitrate=1"}),
               h.writes({"Video Encoder CH1/"}));
-    auto events = h.recorder.events();
-    ASSERT_EQ(1u, events.size());
-    EXPECT_EQ(ev::BITRATE_RECALCULATED, events[0].id);
-    EXPECT_EQ(row::HEVC, events[0].rowId);
-    EXPECT_EQ("prev: 5000000 new: 355481", events[0].description);
+    ASSERT_EQ(std::vector<std::string>{"Bitrate Recalculated HEVC"}, h.recorder.names());
+    EXPECT_EQ("prev: 5000000 new: 355481", h.recorder.events()[0].description);
     EXPECT_EQ(355481, h.number(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, row::HEVC))
         << "updateChannel refreshes the summary";
 
