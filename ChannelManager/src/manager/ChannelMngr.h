@@ -13,10 +13,10 @@
 #include <thread>
 #include <vector>
 
-#include "channel/ChannelRunBook.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 #include "datacom/Mutex.h"
+#include "settings/ChannelRunBook.h"
+#include "settings/IChannelEvents.h"
 
 namespace datacom {
 class MessageCommand;

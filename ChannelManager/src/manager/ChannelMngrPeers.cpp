@@ -14,12 +14,12 @@
 
 #include <algorithm>
 
-#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
 #include "manager/ChannelMngr.h"
+#include "settings/ChannelRunBook.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
