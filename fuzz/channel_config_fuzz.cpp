@@ -64,15 +64,6 @@ struct Peers {
     std::string params;
 };
 
-std::string commandText(const char* id, const MessageParams::ParamMap& params) {
-    MessageCommand command;
-    command.setId(id);
-    command.params = params;
-    std::string text;
-    command.toString(text);
-    return text;
-}
-
 // Every result carries "OK"'s bit; failures are further bits.
 Fcodes checked(Fcodes code, const char* what) {
     fuzz::check((static_cast<uint32_t>(code) & FC_OK) == FC_OK, what);
@@ -91,24 +82,22 @@ Fcodes streamEvent(ConfigChannelTarnevel& channel, const char* id, const std::st
 
 void runChannel(ConfigChannelTarnevel& channel, const std::string& row, const std::string& total,
                 const std::string& max) {
-    std::string response;
     checked(channel.configChannel(row), "configChannel");
     checked(channel.updateChannel(row), "updateChannel");
     checked(channel.playChannel(row), "playChannel");
-    checked(channel.execute(commandText(cmd::CHANGE_ON_THE_FLY, {{cmd::PARAM_ROW_ID, row},
-                                                                 {cmd::PARAM_TOTAL_BITRATE, total},
-                                                                 {cmd::PARAM_MAX_BITRATE, max}}),
-                            response),
+    checked(channel.execute(makeCommand(
+                cmd::CHANGE_ON_THE_FLY,
+                {{cmd::PARAM_ROW_ID, row}, {cmd::PARAM_TOTAL_BITRATE, total}, {cmd::PARAM_MAX_BITRATE, max}})),
             "Change on-the-fly");
     std::vector<std::string> targets;
     channel.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, row, targets);
     for (size_t i = 0; i < targets.size() && i < 4; ++i)
         for (const char* update : {cmd::UPDATE_ZIXI_STATISTICS, cmd::UPDATE_SRT_STATISTICS})
-            checked(channel.execute(commandText(update, {{cmd::PARAM_ROW_ID, targets[i]}}), response), update);
+            checked(channel.execute(makeCommand(update, {{cmd::PARAM_ROW_ID, targets[i]}})), update);
     checked(streamEvent(channel, ev::DATA_STREAM, row, state::ALARM_ON, total), "Data Stream ON");
     checked(streamEvent(channel, ev::ZIXI_CHANGE_BITRATE_REQUEST, row, state::ALARM_ON, total), "Zixi bitrate");
     checked(streamEvent(channel, ev::DATA_STREAM, row, state::ALARM_OFF, total), "Data Stream OFF");
-    checked(channel.execute(commandText(cmd::STOP, {{cmd::PARAM_ROW_ID, row}}), response), "Stop");
+    checked(channel.execute(makeCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, row}})), "Stop");
 }
 
 }  // namespace

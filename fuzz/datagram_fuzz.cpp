@@ -102,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string body;
     LocalAddress sender;
     sender.clearForReceive();
-    if (isOk(engine.readMsg(peer.fds[1], header, body, sender.get(), &sender.length(), wire::NO_WAIT, 0)))
+    if (isOk(engine.readMsg(peer.fds[1], header, body, sender.get(), &sender.length(), wire::NO_WAIT)))
         treat(engine, header, body);
 
     // The worker first, so that nothing it runs overlaps the roll-back.

@@ -24,13 +24,9 @@ using namespace vocab;
 
 namespace {
 
-std::string command(const char* id) {
-    MessageCommand command;
-    command.setId(id);
-    command.addParam(cmd::PARAM_ROW_ID, row::H264);
-    std::string text;
-    command.toString(text);
-    return text;
+// The command as the manager hands it on, parsed.
+MessageCommand command(const char* id) {
+    return makeCommand(id, {{cmd::PARAM_ROW_ID, row::H264}});
 }
 
 struct Stats {
@@ -68,19 +64,18 @@ int main(int argc, char** argv) {
     h.holder->initBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, true, "H.264 Target2");
     h.holder->initTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, value::UDP_TS, "H.264 Target2");
 
-    const std::string play = command(cmd::PLAY), stop = command(cmd::STOP);
+    const MessageCommand play = command(cmd::PLAY), stop = command(cmd::STOP);
     Stats played, stopped;
     for (int round = 0; round < rounds; ++round) {
-        for (auto [text, stats] : {std::make_pair(&play, &played), std::make_pair(&stop, &stopped)}) {
+        for (auto [request, stats] : {std::make_pair(&play, &played), std::make_pair(&stop, &stopped)}) {
             transcript.mark();
-            std::string response;
             const auto start = std::chrono::steady_clock::now();
-            const Fcodes code = h.channel().execute(*text, response);
+            const Fcodes code = h.channel().execute(*request);
             const auto end = std::chrono::steady_clock::now();
             stats->micros.push_back(std::chrono::duration<double, std::micro>(end - start).count());
             if (round == rounds - 1) {
                 stats->requests = transcript.requests();
-                std::fprintf(stderr, "%s answered 0x%x\n", text == &play ? "Play" : "Stop",
+                std::fprintf(stderr, "%s answered 0x%x\n", request == &play ? "Play" : "Stop",
                              static_cast<unsigned>(code));
             }
         }

@@ -156,7 +156,7 @@ void SimService::serveLoop() {
         if (stopping)
             break;
         Fcodes read =
-            engine.readMsg(sock, header, body, reinterpret_cast<sockaddr*>(&from), &fromLength, wire::NO_WAIT, 0);
+            engine.readMsg(sock, header, body, reinterpret_cast<sockaddr*>(&from), &fromLength, wire::NO_WAIT);
         if (stopping)
             break;
         if (!isOk(read) || header.Type.empty())

@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
     const std::string receiveSocket = options.action == ChanctlAction::Listen
                                           ? stableSocketName("chanctl-listen", "")
                                           : "/tmp/chanctl-" + std::to_string(getpid());
-    const std::string sendSocket = receiveSocket + "-send";
+    const std::string sendSocket = sendSocketName(receiveSocket);
     std::snprintf(gReceivePath, sizeof gReceivePath, "%s", sysmgtPath(receiveSocket).c_str());
     std::snprintf(gSendPath, sizeof gSendPath, "%s", sysmgtPath(sendSocket).c_str());
     installSignalHandlers();

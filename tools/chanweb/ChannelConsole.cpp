@@ -10,10 +10,15 @@
 
 #include "ChanctlCommands.h"
 #include "ChanctlJson.h"
+#include "ToolSocket.h"
 #include "datacom/MessageEvent.h"
 #include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
+#include "vocab/ChannelWireTexts.h"
+#include "vocab/DatasetNames.h"
 
 using namespace datacom;
+using namespace vocab;
 
 namespace {
 
@@ -54,7 +59,7 @@ ChannelConsole::~ChannelConsole() {
 
 void ChannelConsole::start(const std::string& name) {
     socketName = name;
-    engine.init(this, socketName, socketName + "-send", "tChanweb");
+    engine.init(this, socketName, sendSocketName(socketName), "tChanweb");
     engine.start();
     refresher = std::thread([this] { refreshLoop(); });
     watcher = std::thread([this] { watchLoop(); });
@@ -71,6 +76,11 @@ void ChannelConsole::stop() {
     if (watcher.joinable())
         watcher.join();
     engine.stop();
+    if (!socketName.empty()) {
+        unlink(sysmgtPath(socketName).c_str());
+        unlink(sysmgtPath(sendSocketName(socketName)).c_str());
+        socketName.clear();  // a second stop must not remove a later owner's
+    }
 }
 
 Fcodes ChannelConsole::handle(MessageEvent* event) {
@@ -122,15 +132,15 @@ void ChannelConsole::watchLoop() {
 ChannelConsole::Press ChannelConsole::press(const std::string& action, const std::string& row, std::string& answer) {
     std::string id;
     std::vector<std::pair<std::string, std::string>> params;
-    if ((action == "play" || action == "stop") && (row == "H.264" || row == "HEVC")) {
-        id = action == "play" ? "Play" : "Stop";
-        params = {{"RowID", row}};
+    if ((action == "play" || action == "stop") && isChannelRow(row)) {
+        id = action == "play" ? cmd::PLAY : cmd::STOP;
+        params = {{cmd::PARAM_ROW_ID, row}};
     } else if (action == "load") {
-        id = "LOAD_CHANNELS";
-        params = {{"File", "Default"}};
+        id = cmd::LOAD_CHANNELS;
+        params = {{cmd::PARAM_FILE, cmd::FILE_DEFAULT}};
     } else if (action == "store") {
-        id = "STORE_CHANNELS";
-        params = {{"File", STORE_FILE}};
+        id = cmd::STORE_CHANNELS;
+        params = {{cmd::PARAM_FILE, STORE_FILE}};
     } else {
         return Press::Unknown;
     }
@@ -167,8 +177,8 @@ void ChannelConsole::refreshLoop() {
                 // The engine's own subscribe waits 10 s three times; this one is bounded like the rest.
                 std::string reply;
                 timed([&] {
-                    return sendServiceCommand(engine, managerSocket, "SUBSCRIBE", {{"SockName", socketName}}, reply,
-                                              READ_TIMEOUT_SEC);
+                    return sendServiceCommand(engine, managerSocket, wire::CMD_SUBSCRIBE,
+                                              {{wire::PARAM_SOCK_NAME, socketName}}, reply, READ_TIMEOUT_SEC);
                 });
                 lastSubscribe = now;
             }
@@ -197,8 +207,8 @@ void ChannelConsole::refresh() {
         if (view.loaded && view.channels.size() == 2) {
             Sample sample{now, {-1, -1}};
             for (size_t i = 0; i < 2; ++i)
-                if (cell(view, i, "State") == "Playing")
-                    sample.bitrate[i] = std::atof(cell(view, i, "Total Bit Rate").c_str());
+                if (cell(view, i, prop::STATE) == state::PLAYING)
+                    sample.bitrate[i] = std::atof(cell(view, i, prop::TOTAL_BIT_RATE).c_str());
             history.push_back(sample);
         }
         while (!history.empty() && history.front().timeMs < now - int64_t{HISTORY_SEC} * 1000)
@@ -210,8 +220,8 @@ void ChannelConsole::refresh() {
             second.append(sample.bitrate[1] < 0 ? Json::Value() : Json::Value(sample.bitrate[1]));
         }
         chart["t"] = times;
-        chart["H.264"] = first;
-        chart["HEVC"] = second;
+        chart[row::H264] = first;
+        chart[row::HEVC] = second;
     }
     status["chart"] = chart;
     Json::StreamWriterBuilder builder;

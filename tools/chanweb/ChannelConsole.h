@@ -35,8 +35,10 @@ public:
     ChannelConsole(ConsoleFeed& feed, std::string managerSocket);
     ~ChannelConsole() override;  // stops the refresher, then the engine
 
-    // Binds the engine on `socketName`[-send] and starts serving and refreshing.
+    // Binds the engine on `socketName` and its send socket (sendSocketName)
+    // and starts serving and refreshing.
     void start(const std::string& socketName);
+    // Ends the threads and the engine and removes the sockets start made.
     void stop();
     // Called on the engine's server thread for each event of the manager.
     datacom::Fcodes handle(datacom::MessageEvent* event) override;

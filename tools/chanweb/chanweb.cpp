@@ -225,8 +225,6 @@ int main(int argc, char** argv) {
     feed.close();
     server.stop();
     serving.join();
-    console.stop();
-    unlink(sysmgtPath(socketName).c_str());
-    unlink(sysmgtPath(socketName + "-send").c_str());
+    console.stop();  // removes its sockets too
     return 0;
 }

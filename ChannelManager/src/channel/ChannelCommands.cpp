@@ -1,11 +1,9 @@
 #include <cstdlib>
-#include <mutex>
 
-#include "channel/ChannelRunBook.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
+#include "channel/ChannelCommands.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/IChannelEvents.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -13,10 +11,10 @@ using namespace datacom;
 
 using namespace vocab;
 
-// The channel commands the manager forwards: "ACTIVATE_ROW", "Change
-// on-the-fly", "Play", "Stop" and the two statistics commands, addressed by
-// "RowID" to one channel or to "ALL" ("0" meaning "ALL"); the statistics
-// commands name a target row instead.
+// The channel commands the manager forwards, parsed once by the manager:
+// "ACTIVATE_ROW", "Change on-the-fly", "Play", "Stop" and the two statistics
+// commands, addressed by "RowID" to one channel or to "ALL" ("0" meaning
+// "ALL"); the statistics commands name a target row instead.
 
 namespace {
 
@@ -27,12 +25,7 @@ int toNumber(const std::string& text) {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::string&) {
-    MessageCommand command;
-    if (!isOk(command.initFromString(commandText))) {
-        DBG(DBG_ERROR) << "execute: Not found tags in:\n" << commandText;
-        return FC_BODY_ERROR;
-    }
+Fcodes ChannelCommands::execute(const MessageCommand& command) {
     const std::string& name = command.getId();
     std::string rowId = row::ALL;
     command.getParam(cmd::PARAM_ROW_ID, rowId);
@@ -44,8 +37,8 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
     // the named row; "ALL" runs its `all`, or without one `one` on every
     // channel. A statistics command runs on a target row only and answers
     // "OK" whatever the update gives; on a channel or "ALL" it does nothing.
-    using OneRow = Fcodes (ConfigChannelTarnevel::*)(const std::string&, const MessageCommand&);
-    using AllRows = Fcodes (ConfigChannelTarnevel::*)();
+    using OneRow = Fcodes (ChannelCommands::*)(const std::string&, const MessageCommand&);
+    using AllRows = Fcodes (ChannelCommands::*)();
     struct Route {
         const char* id;
         bool onTarget;  // "RowID" names a target row, not a channel
@@ -53,13 +46,12 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
         AllRows all;
     };
     static const Route kRoutes[] = {
-        {cmd::ACTIVATE_ROW, false, &ConfigChannelTarnevel::activateRow, nullptr},
-        {cmd::CHANGE_ON_THE_FLY, false, &ConfigChannelTarnevel::changeOnTheFly,
-         &ConfigChannelTarnevel::changeOnTheFlyAll},
-        {cmd::PLAY, false, &ConfigChannelTarnevel::play, nullptr},
-        {cmd::STOP, false, &ConfigChannelTarnevel::stop, &ConfigChannelTarnevel::stopAll},
-        {cmd::UPDATE_ZIXI_STATISTICS, true, &ConfigChannelTarnevel::zixiStatistics, nullptr},
-        {cmd::UPDATE_SRT_STATISTICS, true, &ConfigChannelTarnevel::srtStatistics, nullptr},
+        {cmd::ACTIVATE_ROW, false, &ChannelCommands::activateRow, nullptr},
+        {cmd::CHANGE_ON_THE_FLY, false, &ChannelCommands::changeOnTheFly, &ChannelCommands::changeOnTheFlyAll},
+        {cmd::PLAY, false, &ChannelCommands::play, nullptr},
+        {cmd::STOP, false, &ChannelCommands::stop, &ChannelCommands::stopAll},
+        {cmd::UPDATE_ZIXI_STATISTICS, true, &ChannelCommands::zixiStatistics, nullptr},
+        {cmd::UPDATE_SRT_STATISTICS, true, &ChannelCommands::srtStatistics, nullptr},
     };
     const Route* route = nullptr;
     for (const Route& candidate : kRoutes)
@@ -84,37 +76,31 @@ Fcodes ConfigChannelTarnevel::execute(const std::string& commandText, std::strin
     if (route->all != nullptr)
         return (this->*route->all)();
     Fcodes result = FC_OK;
-    for (const std::string& channel : channelRows())
+    for (const std::string& channel : rows.channelRows())
         result |= (this->*route->one)(channel, command);
     return result;
 }
 
-std::vector<std::string> ConfigChannelTarnevel::channelRows() {
-    std::vector<std::string> rows;
-    holder.getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
-    return rows;
-}
-
-Fcodes ConfigChannelTarnevel::activateRow(const std::string& rowId, const MessageCommand&) {
+Fcodes ChannelCommands::activateRow(const std::string& rowId, const MessageCommand&) {
     DBG(DBG_INFO) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
-    Fcodes result = holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
-    const Fcodes configured = configChannel(rowId);
+    Fcodes result = ctx.holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
+    const Fcodes configured = pipeline.configChannel(rowId);
     DBG(DBG_INFO) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
                   << static_cast<uint32_t>(configured);
-    const Fcodes updated = updateChannel(rowId);
+    const Fcodes updated = pipeline.updateChannel(rowId);
     DBG(DBG_INFO) << "execute: updateChannel rowId=" << rowId << " fcode=0x" << std::hex
                   << static_cast<uint32_t>(updated);
     result |= configured | updated;
     if (!isOk(result))
         return result;
-    events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
-    testConnectionToTarget(rowId);
+    ctx.events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+    side.testConnectionToTarget(rowId);
     return FC_OK;
 }
 
 // Only a request that names both bitrates changes anything; a request equal
 // to the current settings is answered without touching the encoder.
-Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const MessageCommand& command) {
+Fcodes ChannelCommands::changeOnTheFly(const std::string& rowId, const MessageCommand& command) {
     std::string totalText, maxText;
     if (command.getParam(cmd::PARAM_TOTAL_BITRATE, totalText) == 0 ||
         command.getParam(cmd::PARAM_MAX_BITRATE, maxText) == 0 || totalText.empty() || maxText.empty())
@@ -122,8 +108,9 @@ Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const Mes
     const int total = toNumber(totalText);
     const int max = toNumber(maxText);
     int currentTotal = 0, currentMax = 0;
-    const Fcodes reads = holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, currentTotal, rowId) |
-                         holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
+    const Fcodes reads =
+        ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, currentTotal, rowId) |
+        ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
     if (isOk(reads) && currentTotal == total && currentMax == max)
         return FC_OK;
     DBG(DBG_INFO) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
@@ -132,50 +119,36 @@ Fcodes ConfigChannelTarnevel::changeOnTheFly(const std::string& rowId, const Mes
     // the operator set is the channel's bitrate from now on, so the next stop
     // keeps it instead of restoring the values from before the Zixi request.
     // (A Zixi request after this one saves these values as its backup.)
-    const Fcodes changed = changeBitrateOnTheFly(rowId, total, max);
-    return isOk(changed) ? changed | clearChannelParametersBackup(rowId) : changed;
+    const Fcodes changed = pipeline.changeBitrateOnTheFly(rowId, total, max);
+    return isOk(changed) ? changed | rows.clearChannelParametersBackup(rowId) : changed;
 }
 
-Fcodes ConfigChannelTarnevel::play(const std::string& rowId, const MessageCommand&) {
-    const Fcodes result = playChannel(rowId) | FC_OK;
-    testConnectionToTarget(rowId);
+Fcodes ChannelCommands::play(const std::string& rowId, const MessageCommand&) {
+    const Fcodes result = lifecycle.playChannel(rowId) | FC_OK;
+    side.testConnectionToTarget(rowId);
     return result;
 }
 
 // An on-the-fly change acts on one channel only: for "ALL" (also a missing
 // "RowID") it answers "OK" and does nothing, as changeBitrateOnTheFly does
 // for a row that is no channel.
-Fcodes ConfigChannelTarnevel::changeOnTheFlyAll() {
+Fcodes ChannelCommands::changeOnTheFlyAll() {
     DBG(DBG_WARN) << "execute: " << cmd::CHANGE_ON_THE_FLY << " needs one channel, rowId=" << row::ALL << " ignored";
     return FC_OK;
 }
 
-Fcodes ConfigChannelTarnevel::stop(const std::string& rowId, const MessageCommand&) {
-    return forcedStop(rowId);
+Fcodes ChannelCommands::stop(const std::string& rowId, const MessageCommand&) {
+    return lifecycle.forcedStop(rowId);
 }
 
-Fcodes ConfigChannelTarnevel::zixiStatistics(const std::string& targetRowId, const MessageCommand&) {
-    return updateZixiStatistics(targetRowId);
+Fcodes ChannelCommands::zixiStatistics(const std::string& targetRowId, const MessageCommand&) {
+    return side.updateZixiStatistics(targetRowId);
 }
 
-Fcodes ConfigChannelTarnevel::srtStatistics(const std::string& targetRowId, const MessageCommand&) {
-    return updateSrtStatistics(targetRowId);
+Fcodes ChannelCommands::srtStatistics(const std::string& targetRowId, const MessageCommand&) {
+    return side.updateSrtStatistics(targetRowId);
 }
 
-Fcodes ConfigChannelTarnevel::forcedStop(const std::string& rowId) {
-    std::lock_guard<DataHolder> guard(holder);
-    // The operator's stop: a valid input coming back no longer resumes it.
-    events.runBook().setStoppedByInput(rowId, false);
-    DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
-    Fcodes result =
-        holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
-    result |= stopChannel(rowId);
-    return result | FC_OK;
-}
-
-Fcodes ConfigChannelTarnevel::stopAll() {
-    Fcodes result = FC_OK;
-    for (const std::string& channel : channelRows())
-        result |= forcedStop(channel);
-    return result | events.sapStopAll();
+Fcodes ChannelCommands::stopAll() {
+    return lifecycle.stopAll();
 }

@@ -3,11 +3,12 @@
 #include <mutex>
 #include <thread>
 
-#include "channel/ChannelRunBook.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
+#include "channel/ChannelLifecycle.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/ChannelRunBook.h"
+#include "settings/IChannelEvents.h"
+#include "settings/InputFormatValidation.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -40,38 +41,38 @@ const std::string ZIXI_PREFIX = "ZIXI ";  // the Zixi branches, "ZIXI CH0" ...
 
 }  // namespace
 
-void ConfigChannelTarnevel::startTargets(const std::string& rowId, const std::vector<std::string>& targets,
-                                         Fcodes& result, bool& failed) {
+void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<std::string>& targets, Fcodes& result,
+                                    bool& failed) {
     failed = false;
     for (const std::string& target : targets) {
         // Deliberately only the last target's code survives the loop.
         result = FC_OK;
         bool enabled = false;
         std::string protocol;
-        result |= holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
-        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
         if (!enabled)
             continue;
         std::string branch, branchState;
-        const Fcodes lookup = getBranch(rowId, protocol, branch);
+        const Fcodes lookup = rows.getBranch(rowId, protocol, branch);
         result |= lookup;
         // A target without a branch has nothing to ask the mediator about.
         if (!isOk(lookup))
             continue;
-        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
         result |= stateRead;
         if (isOk(stateRead) && branchState == state::BRANCH_RUN)
-            events.runBook().addBranch(rowId, branch);  // running for this channel: its stop stops it
+            ctx.events.runBook().addBranch(rowId, branch);  // running for this channel: its stop stops it
         if (!isOk(stateRead) || branchState != state::BRANCH_STOP)
             continue;
-        const Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, START_TIMEOUT_SEC);
+        const Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, START_TIMEOUT_SEC);
         if (isOk(started))
-            events.runBook().addBranch(rowId, branch);
+            ctx.events.runBook().addBranch(rowId, branch);
         if (!isOk(started)) {
             DBG(DBG_ERROR) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(started) << std::dec << " rowId=" << rowId;
-            events.sendEvent(ev::CHANNEL_PLAY_ERROR, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
-                             "");
+            ctx.events.sendEvent(ev::CHANNEL_PLAY_ERROR, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
+                                 "");
             stopChannel(rowId);
             result = started;
             failed = true;
@@ -80,14 +81,14 @@ void ConfigChannelTarnevel::startTargets(const std::string& rowId, const std::ve
     }
 }
 
-Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
-    std::lock_guard<DataHolder> guard(holder);
+Fcodes ChannelLifecycle::playChannel(const std::string& rowId) {
+    std::lock_guard<DataHolder> guard(ctx.holder);
     // Whoever plays the channel, it no longer stands stopped for its input.
-    events.runBook().setStoppedByInput(rowId, false);
-    Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
+    ctx.events.runBook().setStoppedByInput(rowId, false);
+    Fcodes result = ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
 
     std::vector<std::string> targets;
-    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     Fcodes lastTarget = FC_OK;
     bool failed = false;
     startTargets(rowId, targets, lastTarget, failed);
@@ -95,55 +96,57 @@ Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
         return lastTarget;
     result |= lastTarget;
 
-    result |= sapAction(rowId);
-    result |= klvAction(rowId);
-    result |= updateAutomaticParams(rowId);
+    result |= side.sapAction(rowId);
+    result |= side.klvAction(rowId);
+    result |= pipeline.updateAutomaticParams(rowId);
 
-    result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, rowId);
-    result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-    result |= holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
-    events.sendEvent(ev::CHANNEL_PLAYED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
-    events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, rowId);
+    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
+    ctx.events.sendEvent(ev::CHANNEL_PLAYED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+    ctx.events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
 
     // The running format ("Input Resolution") is recorded once the branches
     // are started, whatever the side actions answered: it is what the encoder
     // runs, and a later detection of the same format must not look like a
     // change because SAP or KLV failed.
     std::string source, inputDetected;
-    Fcodes inputRead = holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
-    inputRead |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
+    Fcodes inputRead = ctx.holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
+    inputRead |=
+        ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
     result |= inputRead;
     if (isOk(inputRead))
-        result |= holder.initTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputDetected, rowId);
+        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputDetected, rowId);
     if (isOk(result)) {
         result |= updateChannelStatus(rowId);
-        result |= updateStreamAndErrorLeds();
+        result |= side.updateStreamAndErrorLeds();
     }
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::stopTargets(const std::string& rowId, const std::vector<std::string>& branches, bool zixi,
-                                          bool& stopFailed) {
+Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector<std::string>& branches, bool zixi,
+                                     bool& stopFailed) {
     Fcodes result = FC_OK;
     for (const std::string& branch : branches) {
         if ((branch.compare(0, ZIXI_PREFIX.size(), ZIXI_PREFIX) == 0) != zixi)
             continue;
         std::string branchState;
-        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
         result |= stateRead;
         if (branchState != state::BRANCH_RUN) {
             DBG(DBG_INFO) << "stopChannel: branch=" << branch << " is not RUN fcode=0x" << std::hex
                           << static_cast<uint32_t>(stateRead) << std::dec << " rowId=" << rowId;
             // Unread, it may still run: kept for the next stop.
             if (isOk(stateRead))
-                events.runBook().removeBranch(rowId, branch);
+                ctx.events.runBook().removeBranch(rowId, branch);
             continue;
         }
-        const Fcodes stopped = zixi ? ITarnevelClient::stopTarnevelBranch(&holder, branch, false, ZIXI_STOP_TIMEOUT_SEC)
-                                    : ITarnevelClient::stopTarnevelBranch(&holder, branch, true, STOP_TIMEOUT_SEC);
+        const Fcodes stopped =
+            zixi ? ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, false, ZIXI_STOP_TIMEOUT_SEC)
+                 : ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, STOP_TIMEOUT_SEC);
         result |= stopped;
         if (isOk(stopped)) {
-            events.runBook().removeBranch(rowId, branch);
+            ctx.events.runBook().removeBranch(rowId, branch);
         } else {
             DBG(DBG_ERROR) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(stopped) << std::dec << " rowId=" << rowId;
@@ -156,18 +159,18 @@ Fcodes ConfigChannelTarnevel::stopTargets(const std::string& rowId, const std::v
 // What a stop stops: the branches the channel started, then those of its
 // enabled targets as its configuration names them now (a branch left
 // running by an earlier run of the daemon), each once.
-Fcodes ConfigChannelTarnevel::branchesToStop(const std::string& rowId, std::vector<std::string>& branches) {
-    branches = events.runBook().branches(rowId);
+Fcodes ChannelLifecycle::branchesToStop(const std::string& rowId, std::vector<std::string>& branches) {
+    branches = ctx.events.runBook().branches(rowId);
     std::vector<std::string> targets;
-    Fcodes result = getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    Fcodes result = rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, branch;
-        result |= holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
-        result |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
         if (!enabled)
             continue;
-        const Fcodes lookup = getBranch(rowId, protocol, branch);
+        const Fcodes lookup = rows.getBranch(rowId, protocol, branch);
         result |= lookup;
         if (isOk(lookup) && std::find(branches.begin(), branches.end(), branch) == branches.end())
             branches.push_back(branch);
@@ -175,17 +178,17 @@ Fcodes ConfigChannelTarnevel::branchesToStop(const std::string& rowId, std::vect
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
-    std::lock_guard<DataHolder> guard(holder);
+Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
+    std::lock_guard<DataHolder> guard(ctx.holder);
     std::string chanState;
     int fcode = 0;
-    const Fcodes reads = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
-                         holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
+    const Fcodes reads = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
+                         ctx.holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
     if (!isOk(reads))
         return reads;
     if (chanState == state::STOPPING || chanState == state::STOPPED) {
         // Stopped already; only a branch whose stop was refused is tried again.
-        const std::vector<std::string> left = events.runBook().branches(rowId);
+        const std::vector<std::string> left = ctx.events.runBook().branches(rowId);
         bool stopFailed = false;
         Fcodes retried = reads;
         if (!left.empty()) {
@@ -196,9 +199,9 @@ Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
     }
 
     DBG(DBG_INFO) << "stopChannel: setting chanState=Stopping";
-    Fcodes result = holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
-    result |= klvAction(rowId);
-    result |= sapAction(rowId);
+    Fcodes result = ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
+    result |= side.klvAction(rowId);
+    result |= side.sapAction(rowId);
 
     // Zixi first and without waiting, so that the feeder is released before
     // the waited stops of the other branches.
@@ -211,31 +214,31 @@ Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
     // A channel stopped by a data-stream condition or a format change stays
     // "Stopping" until it is played again.
     if (!holds(fcode, cond::ZIXI_CONNECTION) && !holds(fcode, cond::DATA_STREAM) && !holds(fcode, cond::FORMAT_CHANGED))
-        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
-    result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-    result |= updateStreamAndErrorLeds();
-    result |= restoreChannelParameters(rowId);
+        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
+    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+    result |= side.updateStreamAndErrorLeds();
+    result |= rows.restoreChannelParameters(rowId);
 
-    events.sendEvent(ev::CHANNEL_STOPPED, rowId, stopFailed ? FC_UNAVAILABLE : cond::INFO, state::ALARM_NONE,
-                     state::SEVERITY_INFO, "");
-    events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+    ctx.events.sendEvent(ev::CHANNEL_STOPPED, rowId, stopFailed ? FC_UNAVAILABLE : cond::INFO, state::ALARM_NONE,
+                         state::SEVERITY_INFO, "");
+    ctx.events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::updateChannelStatus(const std::string& rowId) {
+Fcodes ChannelLifecycle::updateChannelStatus(const std::string& rowId) {
     std::string source;
     bool encodeVideo = false;
-    Fcodes result = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
-    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+    Fcodes result = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
+    result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
 
     bool embeddedAudio = false;
     std::vector<std::string> audioRows;
-    result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, rowId, audioRows);
+    result |= rows.getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, rowId, audioRows);
     for (const std::string& audioRow : audioRows) {
         bool enabled = false;
         std::string audioSource;
-        result |= holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRow);
-        result |= holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioSource, audioRow);
+        result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRow);
+        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioSource, audioRow);
         if (enabled && (audioSource == value::AUDIO_SDI_EMBEDDED || audioSource == value::AUDIO_HDMI_EMBEDDED))
             embeddedAudio = true;
     }
@@ -244,11 +247,11 @@ Fcodes ConfigChannelTarnevel::updateChannelStatus(const std::string& rowId) {
 
     std::string chanState;
     bool connected = false;
-    result |= holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
-    result |= holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+    result |= ctx.holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
     if (!connected && chanState == state::PLAYING) {
-        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_ERROR, rowId);
-        events.sendEvent(ev::CHANNEL_ERROR, rowId, cond::CHANNEL_ERROR, state::ALARM_ON, state::SEVERITY_INFO, "");
+        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_ERROR, rowId);
+        ctx.events.sendEvent(ev::CHANNEL_ERROR, rowId, cond::CHANNEL_ERROR, state::ALARM_ON, state::SEVERITY_INFO, "");
     }
     return result;
 }
@@ -257,24 +260,26 @@ Fcodes ConfigChannelTarnevel::updateChannelStatus(const std::string& rowId) {
 // restart. The validation decides the replay only: a misfit input is the
 // channel's condition, not a failure of the start-up, so its code is not in
 // the result.
-Fcodes ConfigChannelTarnevel::configChannels() {
+Fcodes ChannelLifecycle::configChannels() {
     Fcodes result = FC_OK;
     std::vector<std::string> replay;
-    for (const std::string& rowId : channelRows()) {
+    for (const std::string& rowId : rows.channelRows()) {
         std::string previous;
-        result |= holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, previous, rowId);
-        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
-        result |= holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-        result |= holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
-        result |= holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
+        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, previous, rowId);
+        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
+        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
+        result |= ctx.holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
         DBG(DBG_INFO) << "configChannels: configuring channel=" << rowId;
-        const Fcodes configured = configChannel(rowId) | updateChannel(rowId);
+        const Fcodes configured = pipeline.configChannel(rowId) | pipeline.updateChannel(rowId);
         if (isOk(configured))
-            events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+            ctx.events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                                 "");
         else
-            events.sendEvent(ev::CHANNEL_CONFIG_ERROR, rowId, configured, state::ALARM_NONE, state::SEVERITY_INFO, "");
+            ctx.events.sendEvent(ev::CHANNEL_CONFIG_ERROR, rowId, configured, state::ALARM_NONE, state::SEVERITY_INFO,
+                                 "");
         result |= configured;
-        if (previous == state::PLAYING && isOk(validateInputFormat(rowId)))
+        if (previous == state::PLAYING && isOk(validateInputFormat(ctx.holder, rowId)))
             replay.push_back(rowId);
     }
     for (const std::string& rowId : replay)
@@ -282,50 +287,68 @@ Fcodes ConfigChannelTarnevel::configChannels() {
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::reconfigChannelFormat(const std::string& rowId) {
-    return configChannel(rowId) | FC_OK;
+Fcodes ChannelLifecycle::reconfigChannelFormat(const std::string& rowId) {
+    return pipeline.configChannel(rowId) | FC_OK;
 }
 
-Fcodes ConfigChannelTarnevel::waitWhileInTransition(const std::string& branch, const std::string& wantedState,
-                                                    int timeoutMs) {
+Fcodes ChannelLifecycle::waitWhileInTransition(const std::string& branch, const std::string& wantedState,
+                                               int timeoutMs) {
     std::string branchState;
-    Fcodes result = FC_OK | ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+    Fcodes result = FC_OK | ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
     int remaining = timeoutMs;
     int mismatches = 0;
     while (branchState != wantedState && remaining >= 1) {
         ++mismatches;
         std::this_thread::sleep_for(std::chrono::milliseconds(POLL_MS));
         remaining -= POLL_MS;
-        result |= ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        result |= ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
     }
     DBG(DBG_INFO) << "waitWhileInTransition: branch=" << branch << " state=" << branchState
                   << " transitiontime(ms)=" << POLL_MS * mismatches;
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::handleTarnevelBranchEvent(MessageEvent* event) {
+Fcodes ChannelLifecycle::handleTarnevelBranchEvent(MessageEvent* event) {
     if (event == nullptr)
         return FC_BAD_VALUE;
-    std::lock_guard<DataHolder> guard(holder);
+    std::lock_guard<DataHolder> guard(ctx.holder);
     const std::string& name = event->id;
     const std::string& branch = event->source;
     DBG(DBG_INFO) << "handleTarnevelBranchEvent: ev=" << name << " branch=" << branch;
     std::string rowId;
-    const Fcodes found = getRowId(branch, rowId);
+    const Fcodes found = rows.getRowId(branch, rowId);
     if (!isOk(found))
         return found;
 
     std::string chanState, status;
     int fcode = 0;
     bool formatAsDetected = false;
-    Fcodes result = holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
-    result |= holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, status, rowId);
-    result |= holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
-    result |= holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, formatAsDetected, rowId);
+    Fcodes result = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, status, rowId);
+    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
+    result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, formatAsDetected, rowId);
     // Only the two contradictions are worth a line; nothing is changed.
     if (name == ev::BRANCH_STOPPED && chanState == state::PLAYED)
         DBG(DBG_ERROR) << "handleTarnevelBranchEvent: chan is in stopped state after being played rowId=" << rowId;
     else if (name == ev::BRANCH_STARTED && chanState == state::STOPPING)
         DBG(DBG_ERROR) << "handleTarnevelBranchEvent: chan is in playing state after stop rowId=" << rowId;
     return result;
+}
+
+Fcodes ChannelLifecycle::forcedStop(const std::string& rowId) {
+    std::lock_guard<DataHolder> guard(ctx.holder);
+    // The operator's stop: a valid input coming back no longer resumes it.
+    ctx.events.runBook().setStoppedByInput(rowId, false);
+    DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
+    Fcodes result =
+        ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
+    result |= stopChannel(rowId);
+    return result | FC_OK;
+}
+
+Fcodes ChannelLifecycle::stopAll() {
+    Fcodes result = FC_OK;
+    for (const std::string& channel : rows.channelRows())
+        result |= forcedStop(channel);
+    return result | ctx.events.sapStopAll();
 }

@@ -2,11 +2,12 @@
 #include <string>
 #include <vector>
 
-#include "channel/ChannelRunBook.h"
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
+#include "channel/VideoSourceTracker.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/ChannelRunBook.h"
+#include "settings/IChannelEvents.h"
+#include "settings/InputFormatValidation.h"
 #include "side/SideActionSupport.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
@@ -73,18 +74,18 @@ uint32_t withoutCondition(uint32_t fcode, uint32_t condition) {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) {
+Fcodes VideoSourceTracker::updateVideoSource(const std::string& videoSource) {
     if (videoSource.empty()) {
         DBG(DBG_ERROR) << "updateVideoSource: Error: Empty src=" << videoSource;
         return FC_BAD_VALUE;
     }
     const char* receiver = med::receiverOf(videoSource);
-    if (receiver == nullptr || !holder.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, videoSource)) {
+    if (receiver == nullptr || !ctx.holder.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, videoSource)) {
         DBG(DBG_ERROR) << "updateVideoSource: Couldn't find either a row of videoSource=" << videoSource;
         return FC_NO_SUCH_NAME;
     }
     std::string format;
-    Fcodes read = ITarnevelClient::getTarnevelTextParam(&holder, receiver, med::VIDEO_FORMAT, format);
+    Fcodes read = ITarnevelClient::getTarnevelTextParam(&ctx.holder, receiver, med::VIDEO_FORMAT, format);
     if (!isOk(read)) {
         // The previous detected state stays: an unanswered question is no lost input.
         DBG(DBG_ERROR) << "updateVideoSource: Error: param=" << med::VIDEO_FORMAT << " comp=" << receiver << " fcode=0x"
@@ -94,7 +95,7 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) 
     return applyDetectedInput(videoSource, format);
 }
 
-Fcodes ConfigChannelTarnevel::updateVideoSource(MessageEvent* event) {
+Fcodes VideoSourceTracker::updateVideoSource(MessageEvent* event) {
     if (event == nullptr)
         return FC_BAD_VALUE;
     std::string format;
@@ -104,60 +105,62 @@ Fcodes ConfigChannelTarnevel::updateVideoSource(MessageEvent* event) {
         DBG(DBG_ERROR) << "updateVideoSource: Error: Empty src=" << event->source;
         return FC_BAD_VALUE;
     }
-    if (!holder.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, event->source)) {
+    if (!ctx.holder.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, event->source)) {
         DBG(DBG_ERROR) << "updateVideoSource: Couldn't find either a row of videoSource=" << event->source;
         return FC_NO_SUCH_NAME;
     }
     return applyDetectedInput(event->source, format);
 }
 
-Fcodes ConfigChannelTarnevel::applyDetectedInput(const std::string& videoSource, const std::string& format) {
+Fcodes VideoSourceTracker::applyDetectedInput(const std::string& videoSource, const std::string& format) {
     const bool connected = !isNoSignal(format);
     const std::string detected = connected ? format : std::string(state::INPUT_NONE);
     DBG(DBG_INFO) << "updateVideoSource: src=" << videoSource << " " << prop::INPUT_DETECTED << "=" << detected;
     Fcodes result =
-        FC_OK | holder.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
-        holder.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource);
+        FC_OK |
+        ctx.holder.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
+        ctx.holder.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource);
     result |= triggerVideoSource(videoSource);
-    events.sendSourceEvent(videoSource, !connected, detected);
+    ctx.events.sendSourceEvent(videoSource, !connected, detected);
     return result;
 }
 
-Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource) {
+Fcodes VideoSourceTracker::triggerVideoSource(const std::string& videoSource) {
     std::vector<std::string> channels;
     Fcodes result =
-        FC_OK | holder.getInstancesByParameter(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, videoSource, channels);
+        FC_OK | ctx.holder.getInstancesByParameter(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, videoSource, channels);
     for (const std::string& rowId : channels) {
         if (!isChannelRow(rowId))
             continue;
-        std::lock_guard<DataHolder> guard(holder);
+        std::lock_guard<DataHolder> guard(ctx.holder);
         result |= followInput(rowId, videoSource);
     }
     return result;
 }
 
 // One channel on the source follows its input; caller holds the holder lock.
-Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::string& videoSource) {
+Fcodes VideoSourceTracker::followInput(const std::string& rowId, const std::string& videoSource) {
     const char* ds = ds::CHANNEL;
     std::string detected, state, running, status;
     bool connected = false, asDetected = false;
     int fcodeValue = 0;
     Fcodes result =
-        FC_OK | holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
-        holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource) |
-        holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
-        holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
-        holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
-        holder.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
-        holder.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
+        FC_OK |
+        ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
+        ctx.holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource) |
+        ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+        ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+        ctx.holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
+        ctx.holder.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
+        ctx.holder.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
     if (!isOk(result))
         return result;
     const uint32_t fcode = static_cast<uint32_t>(fcodeValue);
     auto setFcode = [&](uint32_t code) {
-        return holder.initIntParam(ds, tbl::CHANNELS, prop::FCODE, static_cast<int>(code), rowId);
+        return ctx.holder.initIntParam(ds, tbl::CHANNELS, prop::FCODE, static_cast<int>(code), rowId);
     };
     auto setFormatChanged = [&](bool changed) {
-        return holder.initBoolParam(ds, tbl::SOURCE, prop::FORMAT_CHANGED, changed, rowId);
+        return ctx.holder.initBoolParam(ds, tbl::SOURCE, prop::FORMAT_CHANGED, changed, rowId);
     };
 
     if (!connected || isNoSignal(detected)) {
@@ -165,17 +168,17 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
             return result;
         DBG(DBG_WARN) << "updateVideoSource: input lost rowId=" << rowId << " src=" << videoSource;
         result |= setFcode(fcode | cond::CHANNEL_ERROR);
-        result |= updateChannelStatus(rowId);
-        return result | updateStreamAndErrorLeds();
+        result |= lifecycle.updateChannelStatus(rowId);
+        return result | side.updateStreamAndErrorLeds();
     }
 
     if (state == state::PLAYING) {
         if (status == state::STATUS_ERROR || holds(fcode, cond::CHANNEL_ERROR)) {
             DBG(DBG_INFO) << "updateVideoSource: input back rowId=" << rowId << " src=" << videoSource;
             result |= setFcode(withoutCondition(fcode, cond::CHANNEL_ERROR));
-            result |= holder.initTextParam(ds, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-            events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
-            result |= updateStreamAndErrorLeds();
+            result |= ctx.holder.initTextParam(ds, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+            ctx.events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+            result |= side.updateStreamAndErrorLeds();
         }
         if (detected == running)
             return result;
@@ -184,36 +187,36 @@ Fcodes ConfigChannelTarnevel::followInput(const std::string& rowId, const std::s
         result |= setFormatChanged(true);
         if (asDetected) {
             result |= setFcode(cond::FORMAT_CHANGED);
-            result |= stopChannel(rowId);
-            events.runBook().setStoppedByInput(rowId, true);
-            result |= reconfigChannelFormat(rowId);
-            if (isOk(validateInputFormat(rowId)))
-                result |= playChannel(rowId);
+            result |= lifecycle.stopChannel(rowId);
+            ctx.events.runBook().setStoppedByInput(rowId, true);
+            result |= lifecycle.reconfigChannelFormat(rowId);
+            if (isOk(validateInputFormat(ctx.holder, rowId)))
+                result |= lifecycle.playChannel(rowId);
             return result;
         }
-        if (isOk(validateInputFormat(rowId))) {
+        if (isOk(validateInputFormat(ctx.holder, rowId))) {
             // The channel can be made from the new format: it becomes the running one.
-            result |= holder.initTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, detected, rowId);
-            return result | holder.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
+            result |= ctx.holder.initTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, detected, rowId);
+            return result | ctx.holder.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
         }
         result |= setFcode(cond::FORMAT_CHANGED);
-        result |= stopChannel(rowId);
-        events.runBook().setStoppedByInput(rowId, true);
+        result |= lifecycle.stopChannel(rowId);
+        ctx.events.runBook().setStoppedByInput(rowId, true);
         return result;
     }
 
-    if ((state == state::STOPPING || state == state::STOPPED) && events.runBook().stoppedByInput(rowId)) {
+    if ((state == state::STOPPING || state == state::STOPPED) && ctx.events.runBook().stoppedByInput(rowId)) {
         // A format that follows the input is set before the validation;
         // otherwise only a channel about to play is configured again.
         if (asDetected)
-            result |= reconfigChannelFormat(rowId);
-        if (!isOk(validateInputFormat(rowId)))
+            result |= lifecycle.reconfigChannelFormat(rowId);
+        if (!isOk(validateInputFormat(ctx.holder, rowId)))
             return result;
         if (!asDetected)
-            result |= reconfigChannelFormat(rowId);
+            result |= lifecycle.reconfigChannelFormat(rowId);
         DBG(DBG_INFO) << "updateVideoSource: valid input back, replaying rowId=" << rowId << " format=" << detected;
         result |= setFormatChanged(false);
-        result |= playChannel(rowId);
+        result |= lifecycle.playChannel(rowId);
     }
     return result;
 }

@@ -11,7 +11,6 @@
 
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
-#include "datacom/MessageCommand.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
 #include "vocab/ChannelWireTexts.h"
@@ -133,15 +132,9 @@ Fcodes ChannelMngr::acceptChanges() {
 }
 
 Fcodes ChannelMngr::loadChannels(const std::string& path) {
-    MessageCommand stop;
-    stop.setId(cmd::STOP);
-    stop.addParam(cmd::PARAM_ROW_ID, row::ALL);
-    std::string stopText, response;
-    stop.toString(stopText);
-    {
-        ConfigChannelTarnevel channel(*this, *this);
-        channel.execute(stopText, response);
-    }
+    // The loaded data replaces the channels: both stop first, as a "Stop" of
+    // "ALL" would stop them.
+    ConfigChannelTarnevel(*this, *this).stopAll();
 
     DBG(DBG_SYS) << "loadChannels: Loading " << path;
     Fcodes result = loadDataSet(path);

@@ -8,15 +8,15 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
-#include "channel/ChannelRunBook.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
+#include "datacom/Mutex.h"
+#include "settings/ChannelRunBook.h"
+#include "settings/IChannelEvents.h"
 
 namespace datacom {
 class MessageCommand;
@@ -94,10 +94,11 @@ public:
     // ---- Peers that come late or come back (manager/ChannelMngrPeers.cpp) ----
 
     // Ends the peer watcher; idempotent. A derived manager calls it in its
-    // own destructor, as stopTimer.
-    void stopPeerWatch();
+    // own destructor, as stopTimer. Not with the holder lock held: the
+    // watcher takes it to configure the mediator again.
+    void stopPeerWatch() DATACOM_EXCLUDES(watchMutex, this);
     // How often the watcher looks at the peers' sockets (1 s unless changed).
-    void setPeerWatchPeriod(std::chrono::milliseconds period);
+    void setPeerWatchPeriod(std::chrono::milliseconds period) DATACOM_EXCLUDES(watchMutex);
     // What tells one process's socket from the next one's.
     struct SocketIdentity {
         uint64_t device = 0, inode = 0;
@@ -115,8 +116,9 @@ public:
     int startTimer();
     // Deletes the timer and ends the refresh thread; idempotent. A derived
     // manager calls it in its own destructor, before its members go, since a
-    // refresh may be running through its overrides.
-    void stopTimer();
+    // refresh may be running through its overrides. Not with the holder lock
+    // held: a refresh takes it.
+    void stopTimer() DATACOM_EXCLUDES(this);
     // The SIGRTMIN handler. Runs in signal context, so it only wakes the
     // refresh thread (an async-signal-safe semaphore post).
     static void timerTicked(int signo, siginfo_t* info, void* context);
@@ -128,7 +130,7 @@ protected:
     ChannelMngr() = default;
     // The KLV-ingest reconfiguration's action on one channel: configChannel.
     // A seam, so that tests can watch which channels are reconfigured.
-    virtual datacom::Fcodes reconfigureChannel(const std::string& rowId);
+    virtual datacom::Fcodes reconfigureChannel(const std::string& rowId) DATACOM_REQUIRES(this);
     // Period of the source refresh timer.
     std::chrono::milliseconds timerPeriod{30000};
 
@@ -197,7 +199,9 @@ private:
     };
     // Started by init with the results of its two subscriptions.
     void startPeerWatch(datacom::Fcodes mediatorSubscribed, datacom::Fcodes deviceSubscribed);
-    void peerWatchLoop();
+    void peerWatchLoop() DATACOM_EXCLUDES(watchMutex);
+    // Sleeps one watch period; false once the watch is to stop.
+    bool awaitPeerWatchTurn() DATACOM_EXCLUDES(watchMutex);
     void watchPeer(WatchedPeer& peer);
     datacom::Fcodes subscribeTo(const char* peer);
     void configureMediatorAgain();
@@ -217,8 +221,8 @@ private:
     ChannelRunBook book;
     std::vector<WatchedPeer> peers;  // the watcher's alone once it runs
     std::thread watchThread;
-    std::mutex watchMutex;
+    datacom::Mutex watchMutex;
     std::condition_variable watchWake;
-    bool watchStopping = false;                       // guarded by watchMutex
-    std::chrono::milliseconds peerWatchPeriod{1000};  // guarded by watchMutex
+    bool watchStopping DATACOM_GUARDED_BY(watchMutex) = false;
+    std::chrono::milliseconds peerWatchPeriod DATACOM_GUARDED_BY(watchMutex){1000};
 };

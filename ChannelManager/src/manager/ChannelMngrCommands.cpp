@@ -160,10 +160,10 @@ Fcodes ChannelMngr::runStoreChannels(const MessageCommand& command, const std::s
     return result;
 }
 
-Fcodes ChannelMngr::runChannelCommand(const MessageCommand& command, const std::string& text, std::string& result) {
+Fcodes ChannelMngr::runChannelCommand(const MessageCommand& command, const std::string&, std::string&) {
     DBG(DBG_INFO) << "execute: command=" << command.getId();
     ConfigChannelTarnevel channel(*this, *this);
-    return channel.execute(text, result) | FC_OK;
+    return channel.execute(command) | FC_OK;
 }
 
 Fcodes ChannelMngr::runUpdateSource(const MessageCommand& command, const std::string& text, std::string&) {
@@ -200,7 +200,7 @@ Fcodes ChannelMngr::acceptIgnoredParameter(const MessageCommand& command, const 
     return FC_OK;
 }
 
-Fcodes ChannelMngr::runStatistics(const MessageCommand&, const std::string& text, std::string& result) {
+Fcodes ChannelMngr::runStatistics(const MessageCommand& command, const std::string&, std::string&) {
     ConfigChannelTarnevel channel(*this, *this);
-    return channel.execute(text, result) | FC_OK;
+    return channel.execute(command) | FC_OK;
 }

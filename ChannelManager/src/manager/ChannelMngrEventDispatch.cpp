@@ -3,7 +3,6 @@
 // other event is ignored. Runs on the worker thread, one event at a time.
 #include <cstdlib>
 #include <ctime>
-#include <mutex>
 #include <vector>
 
 #include "channel/ConfigChannelTarnevel.h"
@@ -115,7 +114,7 @@ Fcodes ChannelMngr::reconfigureKlvIngest(const std::string& transport) {
     getInstances(ds::CHANNEL, tbl::CHANNELS, channels);
     Fcodes merged = FC_OK;
     for (const std::string& rowId : channels) {
-        std::lock_guard<DataHolder> guard(*this);
+        ScopedLock<DataHolder> guard(*this);
         std::string klv, klv2;
         merged |= getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, klv, rowId);
         merged |= getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, klv2, rowId);

@@ -14,12 +14,12 @@
 
 #include <algorithm>
 
-#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
 #include "manager/ChannelMngr.h"
+#include "settings/ChannelRunBook.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -56,13 +56,16 @@ void ChannelMngr::startPeerWatch(Fcodes mediatorSubscribed, Fcodes deviceSubscri
         peer.identity = peer.seen = socketIdentity(peer.socket);
         peer.nextTry = std::chrono::steady_clock::now();
     }
-    watchStopping = false;
+    {
+        ScopedLock<Mutex> guard(watchMutex);
+        watchStopping = false;
+    }
     watchThread = std::thread(&ChannelMngr::peerWatchLoop, this);
 }
 
 void ChannelMngr::stopPeerWatch() {
     {
-        std::lock_guard<std::mutex> guard(watchMutex);
+        ScopedLock<Mutex> guard(watchMutex);
         watchStopping = true;
     }
     watchWake.notify_all();
@@ -72,7 +75,7 @@ void ChannelMngr::stopPeerWatch() {
 
 void ChannelMngr::setPeerWatchPeriod(std::chrono::milliseconds period) {
     {
-        std::lock_guard<std::mutex> guard(watchMutex);
+        ScopedLock<Mutex> guard(watchMutex);
         peerWatchPeriod = period;
     }
     watchWake.notify_all();
@@ -80,16 +83,17 @@ void ChannelMngr::setPeerWatchPeriod(std::chrono::milliseconds period) {
 
 void ChannelMngr::peerWatchLoop() {
     setTaskName(pthread_self(), "tChPeers");
-    std::unique_lock<std::mutex> lock(watchMutex);
-    while (!watchStopping) {
-        watchWake.wait_for(lock, peerWatchPeriod);
-        if (watchStopping)
-            break;
-        lock.unlock();
+    while (awaitPeerWatchTurn())
         for (WatchedPeer& peer : peers)
             watchPeer(peer);
-        lock.lock();
-    }
+}
+
+bool ChannelMngr::awaitPeerWatchTurn() {
+    ScopedLock<Mutex> guard(watchMutex);
+    if (watchStopping)
+        return false;
+    watchMutex.waitFor(watchWake, peerWatchPeriod);
+    return !watchStopping;
 }
 
 void ChannelMngr::watchPeer(WatchedPeer& peer) {
@@ -148,7 +152,7 @@ void ChannelMngr::configureMediatorAgain() {
     std::vector<std::string> rows, replay;
     getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
     for (const std::string& rowId : rows) {
-        std::lock_guard<DataHolder> guard(*this);
+        ScopedLock<DataHolder> guard(*this);
         std::string chanState;
         getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
         ConfigChannelTarnevel channel(*this, *this);

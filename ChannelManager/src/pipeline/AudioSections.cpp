@@ -1,9 +1,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -53,7 +53,7 @@ std::string stream(size_t index) {
 }  // namespace
 
 // Section 6.
-void ConfigChannelTarnevel::configAudioInput(PipelineRun& run) {
+void PipelineConfigurator::configAudioInput(PipelineRun& run) {
     for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
         const PipelineRun::Audio& a = run.audio[i];
         if (!a.enabled)
@@ -68,7 +68,7 @@ void ConfigChannelTarnevel::configAudioInput(PipelineRun& run) {
 }
 
 // Section 10.
-void ConfigChannelTarnevel::configAudioSampleRate(PipelineRun& run) {
+void PipelineConfigurator::configAudioSampleRate(PipelineRun& run) {
     for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
         const PipelineRun::Audio& a = run.audio[i];
         if (!a.enabled)
@@ -86,7 +86,7 @@ void ConfigChannelTarnevel::configAudioSampleRate(PipelineRun& run) {
 // sides of every encoded stream; otherwise the generators stand by
 // ("Automatic") and fill a lost input with bars and silence. A mono stream
 // leaves the side it does not carry disabled.
-void ConfigChannelTarnevel::configTestPatterns(PipelineRun& run) {
+void PipelineConfigurator::configTestPatterns(PipelineRun& run) {
     const bool bars = run.flag(tbl::SOURCE, prop::FORCE_COLOR_BAR, run.rowId);
     run.put(run.comp("VFW_"), "State", bars ? "Enable" : "Automatic");
     run.put(run.comp("VFW_"), "Type", "Color Bar");
@@ -107,7 +107,7 @@ void ConfigChannelTarnevel::configTestPatterns(PipelineRun& run) {
 // audio streams embedded: mux 0 carries stream 0, mux 1 stream 1. A side is
 // muted when its stream is disabled or mono on the other side. A non-SDI
 // source goes through the frame buffer to be re-timed to the SDI clock.
-void ConfigChannelTarnevel::configSdiOutput(PipelineRun& run) {
+void PipelineConfigurator::configSdiOutput(PipelineRun& run) {
     if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, run.rowId))
         return;
     const char* receiver = med::receiverOf(run.source);
@@ -142,7 +142,7 @@ void ConfigChannelTarnevel::configSdiOutput(PipelineRun& run) {
 // stream 0 takes the low-delay path: its own capture, a capture buffer of
 // one codec frame ("AAC-ELD" 480 samples, "PCM" 240), and the low-delay AAC
 // encoder or PCM converter, selected by the stream's audio switch.
-void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
+void PipelineConfigurator::configAudioEncoding(PipelineRun& run) {
     const bool lowDelay = run.channel == 1 && run.ultraLowLatency();
     for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
         const PipelineRun::Audio& a = run.audio[i];
@@ -192,15 +192,16 @@ void ConfigChannelTarnevel::configAudioEncoding(PipelineRun& run) {
 // per stream). Digital and embedded audio pass at unity; their rows are
 // accepted and nothing is written. When accepting, the row's pending values
 // (source, enabling and gain alike) are the ones applied.
-Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, bool pending) {
-    PipelineRun run(holder, row::H264, "configAudioGain");
+Fcodes PipelineConfigurator::configAudioGain(const std::string& audioRowId, bool pending) {
+    PipelineRun run(ctx.holder, row::H264, "configAudioGain");
     std::string source;
     bool enabled = false;
     int gain = 0;
     if (pending) {
-        run.result |= holder.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
-                      holder.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
-                      holder.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
+        run.result |=
+            ctx.holder.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
+            ctx.holder.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
+            ctx.holder.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
     } else {
         source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
         enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);

@@ -2,10 +2,12 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
+#include "settings/BitrateModel.h"
+#include "settings/ChannelSettings.h"
+#include "settings/IChannelEvents.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
@@ -29,7 +31,7 @@ bool inList(const std::vector<const char*>& list, const std::string& text) {
 }  // namespace
 
 // Section 14. The encoder scales to the configured size ("Custom").
-void ConfigChannelTarnevel::configEncodingResolution(PipelineRun& run) {
+void PipelineConfigurator::configEncodingResolution(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     int w = 0, h = 0;
     char scan = 'x';
@@ -55,32 +57,38 @@ void ConfigChannelTarnevel::configEncodingResolution(PipelineRun& run) {
         run.put(encoder, "Aspect Ratio X", x);
         run.put(encoder, "Aspect Ratio Y", y);
     } else {
+        // The appliance's own text, trailing blank included, kept letter for letter.
         run.unknown("Aspect Ratio or Aspect Ratio ", run.aspectRatio);
     }
     if (run.level == "Auto" || inList(pipeline::LEVELS, run.level))
         run.put(encoder, prop::LEVEL, run.level);
     else
+        // The appliance's own text, kept letter for letter.
         run.unknown("Level or Level", run.level);
 }
 
 // Section 15: the video bitrate that fits the configured total, with the
-// same per-channel floors as an on-the-fly change (applyBitrateFloors).
-void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
+// same per-channel floors as an on-the-fly change, from the settings the run
+// read (the device manager asked once for the KLV bitrates).
+void PipelineConfigurator::configBitrates(PipelineRun& run) {
+    run.bitrates = run.bitrateSettings();
+    run.result |= finishChannelSettings(ctx.holder, run.bitrates);
     const bool pcrOnVideo = run.pcrPid == run.videoPid;
     const float rate = static_cast<float>(run.frameSampling);
     int total = run.totalBitrate, video = 0, audio = 0, klv = 0;
-    run.result |= calcBitrates(run.rowId, total, video, rate, audio, klv, pcrOnVideo);
+    bitrate::calcBitrates(run.bitrates, total, video, rate, audio, klv, pcrOnVideo);
     if (run.encodeVideo) {
         const int previousMax = run.maxBitrate;
         bool totalRaised = false, maxRaised = false;
-        run.result |= applyBitrateFloors("configChannel", run.rowId, rate, pcrOnVideo, video, run.totalBitrate,
-                                         run.maxBitrate, totalRaised, maxRaised);
+        bitrate::applyBitrateFloors("configChannel", run.bitrates, rate, pcrOnVideo, video, run.totalBitrate,
+                                    run.maxBitrate, totalRaised, maxRaised);
         if (totalRaised)
             run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, run.totalBitrate);
         if (maxRaised) {
             run.initInt(tbl::PROCESSING, prop::MAX_BITRATE, run.rowId, run.maxBitrate);
-            events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
-                             "prev: " + std::to_string(previousMax) + " new: " + std::to_string(run.maxBitrate));
+            ctx.events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE,
+                                 state::SEVERITY_INFO,
+                                 "prev: " + std::to_string(previousMax) + " new: " + std::to_string(run.maxBitrate));
         }
     }
     run.videoBitrate = video;
@@ -92,7 +100,7 @@ void ConfigChannelTarnevel::configBitrates(PipelineRun& run) {
 // "Capped VBR" when any enabled target carries one; an elementary stream
 // ("RTP ES", "RTMP") may use plain VBR. The margin is that of an on-the-fly
 // change (encoderMargin).
-void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
+void PipelineConfigurator::configRateControl(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     bool transport = false;
     for (const PipelineRun::Target& t : run.targets)
@@ -104,10 +112,8 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
     else
         run.put(encoder, "Rate Control Mode", transport && run.rateControl == VBR ? value::CAPPED_VBR : mode);
 
-    int margin = 0;
-    run.result |=
-        encoderMargin("configChannel", run.rowId, run.rateControl, run.encodeVideo, run.videoBitrate, run.maxBitrate,
-                      static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid, margin);
+    const int margin = bitrate::encoderMargin("configChannel", run.bitrates, run.videoBitrate, run.maxBitrate,
+                                              static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid);
     if (run.rateControl == value::CAPPED_VBR && run.encodeVideo && run.videoBitrate != 0) {
         run.muxOverheadPercent = margin;
         run.initInt(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, run.rowId, margin);
@@ -117,7 +123,7 @@ void ConfigChannelTarnevel::configRateControl(PipelineRun& run) {
 
 // Section 17. The timestamp generator of the channel inserts the MISB
 // timestamps that "Timestamps" asks for.
-void ConfigChannelTarnevel::configGopAndCoding(PipelineRun& run) {
+void PipelineConfigurator::configGopAndCoding(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
     run.put(encoder, prop::CLOSED_GOP, run.closedGop);
     run.put(encoder, prop::INSERT_AU_DELIMITERS, run.auDelimiters);
@@ -128,7 +134,7 @@ void ConfigChannelTarnevel::configGopAndCoding(PipelineRun& run) {
     run.put("TIMESTAMP_GENERATOR_" + std::to_string(run.channel), "MISB Timestamps", run.timestamps);
 }
 
-void ConfigChannelTarnevel::configCodingH264(PipelineRun& run) {
+void PipelineConfigurator::configCodingH264(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[0];
     if (const char* profile = pipeline::lookup(pipeline::H264_PROFILE, run.videoCodecProfile))
         run.put(encoder, prop::VIDEO_CODEC_PROFILE, profile);
@@ -160,7 +166,7 @@ void ConfigChannelTarnevel::configCodingH264(PipelineRun& run) {
     run.put(encoder, prop::MAXIMUM_DELAY, run.maximumDelay);
 }
 
-void ConfigChannelTarnevel::configCodingHevc(PipelineRun& run) {
+void PipelineConfigurator::configCodingHevc(PipelineRun& run) {
     const std::string encoder = med::VIDEO_ENCODER[1];
     const char* chroma = pipeline::lookup(pipeline::HEVC_CHROMA, run.videoCodecProfile);
     const char* depth = pipeline::lookup(pipeline::HEVC_BIT_DEPTH, run.videoCodecProfile);

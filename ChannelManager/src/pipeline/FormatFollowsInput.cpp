@@ -1,11 +1,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/VideoFormatTables.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
+#include "settings/VideoFormatTables.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/PeerNames.h"
 
@@ -94,7 +94,7 @@ int pipeline::gopSizeRough(int frameSampling, const std::string& gopStructure) {
     return rough > 0 ? rough : subGop;
 }
 
-void ConfigChannelTarnevel::configFormatChange(PipelineRun& run) {
+void PipelineConfigurator::configFormatChange(PipelineRun& run) {
     if (!run.inputParsed || !run.formatAsDetected)
         return;
     pipeline::FormatChoice choice;
@@ -130,7 +130,7 @@ void ConfigChannelTarnevel::configFormatChange(PipelineRun& run) {
     const char* receiver = med::receiverOf(run.source);
     if (receiver) {
         std::string format;
-        run.result |= ITarnevelClient::getTarnevelTextParam(&holder, receiver, med::VIDEO_FORMAT, format);
+        run.result |= ITarnevelClient::getTarnevelTextParam(&ctx.holder, receiver, med::VIDEO_FORMAT, format);
         DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " src=" << run.source << " Got val=" << format;
     }
 }

@@ -1,10 +1,10 @@
 #include <cstdint>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
 #include "vocab/PeerNames.h"
 
@@ -47,7 +47,7 @@ int cropFactor(const PipelineRun& run, int cropped, int input) {
 // Section 22. The chosen filter parses the UAS local set ("UAS LDS") and
 // updates its keys when the picture is cropped; otherwise it passes the
 // metadata through ("Simple").
-void ConfigChannelTarnevel::configKlvIngest(PipelineRun& run) {
+void PipelineConfigurator::configKlvIngest(PipelineRun& run) {
     for (int k = 0; k < 2; ++k) {
         const std::string& ingest = k == 0 ? run.ingestKlv : run.ingestKlv2;
         const std::string klvSwitch = (k == 0 ? "KLV Switch " : "KLV Switch_2 ") + run.suffix;
@@ -93,7 +93,7 @@ void ConfigChannelTarnevel::configKlvIngest(PipelineRun& run) {
 
 // Section 23. The device manager routes the SDI input's KLV to the channel
 // that ingests it; the channel drops the embedded KLV it does not ingest.
-void ConfigChannelTarnevel::configKlvOverSdi(PipelineRun& run) {
+void PipelineConfigurator::configKlvOverSdi(PipelineRun& run) {
     const auto fromSdi = [](const std::string& ingest) {
         return ingest == value::KLV_SDI || ingest == value::KLV_SDI_SYNC;
     };
@@ -104,7 +104,7 @@ void ConfigChannelTarnevel::configKlvOverSdi(PipelineRun& run) {
     command.addParam(cmd::PARAM_KLV_CHANNEL_ID, run.rowId);
     std::string text, reply;
     command.toString(text);
-    const Fcodes code = holder.requestCommand(wire::SOCK_DEV, text, reply, kDeviceTimeoutSec, kDeviceTries) | FC_OK;
+    const Fcodes code = ctx.holder.requestCommand(wire::SOCK_DEV, text, reply, kDeviceTimeoutSec, kDeviceTries) | FC_OK;
     if (!isOk(code)) {
         DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: val=" << (sdi ? "true" : "false")
                        << " param=KLV Source comp=" << cmd::TOGGLE_KLVOSDI_INPUT << " fcode=0x" << std::hex
@@ -116,7 +116,7 @@ void ConfigChannelTarnevel::configKlvOverSdi(PipelineRun& run) {
 
 // Section 24. Without "Encryption", and for the SRT modes that the SRT
 // sender applies itself, the stream passes through unencrypted here.
-void ConfigChannelTarnevel::configEncryption(PipelineRun& run) {
+void PipelineConfigurator::configEncryption(PipelineRun& run) {
     const std::string aes = run.comp("AES Encrypt ");
     const bool srtMode = run.aesMode == "128-bit (SRT)" || run.aesMode == "256-bit (SRT)";
     if (!run.encryption || srtMode) {

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "channel/ConfigChannelTarnevel.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
 #include "vocab/PeerNames.h"
 
@@ -31,7 +31,7 @@ int pipeline::outputGranularity(int udpPacketSize, bool ultraLowLatency) {
     return packets > kMaxPacketsPerDatagram ? kMaxPacketsPerDatagram : packets;
 }
 
-void ConfigChannelTarnevel::configMultiplexer(PipelineRun& run) {
+void PipelineConfigurator::configMultiplexer(PipelineRun& run) {
     const std::string mux = med::TS_MULTIPLEXER[run.channel];
     const bool klv1 = run.ingestKlv != value::KLV_NONE;
     const bool klv2 = run.ingestKlv2 != value::KLV_NONE;

@@ -1,8 +1,8 @@
 #include "pipeline/PipelineRun.h"
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
@@ -137,12 +137,34 @@ bool PipelineRun::ultraLowLatency() const {
 // The sections run in this order whatever fails: a partly valid
 // configuration reaches the mediator as far as it can, and the result tells
 // which kinds of failure occurred.
-Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {
+ChannelSettings PipelineRun::bitrateSettings() const {
+    ChannelSettings s;
+    s.rowId = rowId;
+    s.rateControl = rateControl;
+    s.encodingFormat = encodingFormat;
+    s.ingestKlv = ingestKlv;
+    s.ingestKlv2 = ingestKlv2;
+    s.encodeVideo = encodeVideo;
+    s.frameSampling = frameSampling;
+    s.totalBitrate = totalBitrate;
+    s.maxBitrate = maxBitrate;
+    s.overheadPercent = muxOverheadPercent;
+    s.videoPid = videoPid;
+    s.pcrPid = pcrPid;
+    s.hasTarget = !targets.empty();
+    if (s.hasTarget)
+        s.protocol = targets.front().protocol;
+    for (const Audio& a : audio)
+        s.audio.push_back({a.encodeSetting, a.bitrate, a.format, a.sampling});
+    return s;
+}
+
+Fcodes PipelineConfigurator::configChannel(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
         DBG(DBG_ERROR) << "configChannel: Unexpected rowId=" << rowId;
         return FC_BAD_VALUE;
     }
-    PipelineRun run(holder, rowId);
+    PipelineRun run(ctx.holder, rowId);
     configPrologue(run);
     configInputFormat(run);
     configSharedInput(run);
@@ -176,14 +198,14 @@ Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {
 
 // Section 1. The assembly is read here once; every assembly-checked write of
 // the run searches this text.
-void ConfigChannelTarnevel::configPrologue(PipelineRun& run) {
+void PipelineConfigurator::configPrologue(PipelineRun& run) {
     run.status = run.text(tbl::CHANNELS, prop::STATUS, run.rowId, state::STATUS_OK);
     run.integer(tbl::CHANNELS, prop::FCODE, run.rowId);
     DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId;
     run.readAssembly();
     // The channel's targets, in document order ("...Target1" first).
     std::vector<std::string> ids;
-    run.result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, run.rowId, ids);
+    run.result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, run.rowId, ids);
     for (const std::string& id : ids) {
         PipelineRun::Target t;
         t.id = id;
@@ -204,9 +226,9 @@ void ConfigChannelTarnevel::configPrologue(PipelineRun& run) {
 // "...Audio2"), read after section 3: where the input is shared, the H.264
 // rows are then the copies of the HEVC rows, and sections 6, 10, 11, 12 and
 // 19/20 send what the rows hold.
-void ConfigChannelTarnevel::readAudioRows(PipelineRun& run) {
+void PipelineConfigurator::readAudioRows(PipelineRun& run) {
     std::vector<std::string> ids;
-    run.result |= getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, run.rowId, ids);
+    run.result |= rows.getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, run.rowId, ids);
     for (const std::string& id : ids) {
         PipelineRun::Audio a;
         a.id = id;
@@ -215,7 +237,8 @@ void ConfigChannelTarnevel::readAudioRows(PipelineRun& run) {
         a.track = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_TRACK, id);
         a.sampling = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SAMPLING, id);
         a.gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, id);
-        a.encode = run.flag(tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, id) && a.enabled;
+        a.encodeSetting = run.flag(tbl::AUDIO_PROCESSING, prop::ENCODE_AUDIO, id);
+        a.encode = a.encodeSetting && a.enabled;
         a.bitrate = run.integer(tbl::AUDIO_PROCESSING, prop::AUDIO_BITRATE, id);
         a.format = run.text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, id);
         a.channelMode = run.text(tbl::AUDIO_PROCESSING, prop::CHANNEL_MODE, id);
@@ -226,7 +249,7 @@ void ConfigChannelTarnevel::readAudioRows(PipelineRun& run) {
 
 // Section 7: the processing, encoder and transport settings the later
 // sections need, read once.
-void ConfigChannelTarnevel::readProcessingSettings(PipelineRun& run) {
+void PipelineConfigurator::readProcessingSettings(PipelineRun& run) {
     const std::string& r = run.rowId;
     run.streamProfile = run.text(tbl::PROCESSING, prop::STREAM_PROFILE, r);
     run.rateControl = run.text(tbl::PROCESSING, prop::RATE_CONTROL, r);

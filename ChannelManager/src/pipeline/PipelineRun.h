@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "datacom/Fcodes.h"
+#include "settings/ChannelSettings.h"
 
 namespace datacom {
 class DataHolder;
@@ -101,6 +102,7 @@ struct PipelineRun {
     struct Audio {
         std::string id;
         bool enabled = false, encode = false;
+        bool encodeSetting = false;  // "Encode Audio" as set, enabled or not
         std::string source, track, sampling, format, channelMode;
         int bitrate = 0, pid = 0, gain = 0;
     };
@@ -114,8 +116,16 @@ struct PipelineRun {
         int port = 0, ttl = 0, packetSize = 0;
     };
     std::vector<Target> targets;
+    // What the bitrate model works from (section 15), made of the values above
+    // and used again by section 16.
+    ChannelSettings bitrates;
 
     bool ultraLowLatency() const;
+    // The bitrate settings as this run read them: its processing and
+    // transport values, the first target's protocol, its audio rows (those of
+    // "Audio Source Table", which "Audio Processing" extends row by row). The
+    // KLV bitrates are left to finishChannelSettings.
+    ChannelSettings bitrateSettings() const;
     // True when a stream of the channel is encoded.
     bool audioEncoded(size_t stream) const { return stream < audio.size() && audio[stream].encode; }
 };

@@ -1,7 +1,7 @@
 #include <cstdint>
 #include <string>
 
-#include "channel/ConfigChannelTarnevel.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
@@ -38,7 +38,7 @@ std::string pipeline::fecText(const std::string& protocol, const std::string& fe
     return "None";
 }
 
-void ConfigChannelTarnevel::configSummary(PipelineRun& run) {
+void PipelineConfigurator::configSummary(PipelineRun& run) {
     const std::string& r = run.rowId;
     std::string audio;
     for (const PipelineRun::Audio& a : run.audio)

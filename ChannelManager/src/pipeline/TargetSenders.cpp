@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
 #include "vocab/PeerNames.h"
 
@@ -79,7 +79,7 @@ std::string pipeline::liveUris(bool audio1, bool audio2) {
     return std::string("1") + (audio1 ? ",2" : "") + (audio2 ? ",3" : "");
 }
 
-void ConfigChannelTarnevel::configTargets(PipelineRun& run) {
+void PipelineConfigurator::configTargets(PipelineRun& run) {
     for (size_t i = 0; i < run.targets.size() && i < 2; ++i) {
         const PipelineRun::Target& t = run.targets[i];
         if (!t.enabled)
@@ -99,7 +99,7 @@ void ConfigChannelTarnevel::configTargets(PipelineRun& run) {
     }
 }
 
-void ConfigChannelTarnevel::configUdpSender(PipelineRun& run, size_t target) {
+void PipelineConfigurator::configUdpSender(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = (target == 0 ? med::UDP_SENDER : med::UDP_SENDER_2)[run.channel];
     run.enable(s);
@@ -143,7 +143,7 @@ void ConfigChannelTarnevel::configUdpSender(PipelineRun& run, size_t target) {
     run.put(s, "Sync processing", run.ultraLowLatency());
 }
 
-void ConfigChannelTarnevel::configRtspServer(PipelineRun& run, size_t target) {
+void PipelineConfigurator::configRtspServer(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = med::RTSP_SERVER[run.channel];
     if (!makeDirectories(SDP_DIR))
@@ -159,7 +159,7 @@ void ConfigChannelTarnevel::configRtspServer(PipelineRun& run, size_t target) {
         run.unknown("Network Interface", t.interface);
 }
 
-void ConfigChannelTarnevel::configZixiFeeder(PipelineRun& run, size_t target) {
+void PipelineConfigurator::configZixiFeeder(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = (target == 0 ? med::ZIXI_FEEDER : med::ZIXI_FEEDER_2)[run.channel];
     const char* z = tbl::ZIXI_FEEDER;
@@ -191,7 +191,7 @@ void ConfigChannelTarnevel::configZixiFeeder(PipelineRun& run, size_t target) {
     run.put(s, "Failover Broadcaster Port", run.integer(z, prop::FAILOVER_PORT, t.id));
 }
 
-void ConfigChannelTarnevel::configSrtSender(PipelineRun& run, size_t target) {
+void PipelineConfigurator::configSrtSender(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = (target == 0 ? med::SRT_SENDER : med::SRT_SENDER_2)[run.channel];
     const char* st = tbl::SRT_SETTINGS;
@@ -226,7 +226,7 @@ void ConfigChannelTarnevel::configSrtSender(PipelineRun& run, size_t target) {
 
 // Only channel 0's assembly has an RTMP server; on a build without one the
 // writes are skipped by the assembly check.
-void ConfigChannelTarnevel::configRtmpServer(PipelineRun& run, size_t target) {
+void PipelineConfigurator::configRtmpServer(PipelineRun& run, size_t target) {
     const PipelineRun::Target& t = run.targets[target];
     const std::string s = run.comp("Rtmp Server ");
     const char* r = tbl::RTMP_SETTINGS;

@@ -1,8 +1,8 @@
 #include <string>
 #include <vector>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
@@ -37,7 +37,7 @@ const char* otherRow(int channel) {
 }
 }  // namespace
 
-void ConfigChannelTarnevel::configUnusedComponents(PipelineRun& run) {
+void PipelineConfigurator::configUnusedComponents(PipelineRun& run) {
     const int ch = run.channel;
     std::vector<std::string> candidates = {
         med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch], med::ZIXI_FEEDER_2[ch],
@@ -69,10 +69,10 @@ void ConfigChannelTarnevel::configUnusedComponents(PipelineRun& run) {
         if (run.enabled.count(component) != 0 || !run.present(component))
             continue;
         int on = 1;
-        if (isOk(ITarnevelClient::getTarnevelIntParam(&holder, component, "Enable", &on)) && on == 0)
+        if (isOk(ITarnevelClient::getTarnevelIntParam(&ctx.holder, component, "Enable", &on)) && on == 0)
             continue;
         run.put(component, "Enable", false);
     }
     // The KLV branch of a playing channel whose ingest changed.
-    run.result |= klvFollowSettings(run.rowId);
+    run.result |= side.klvFollowSettings(run.rowId);
 }

@@ -1,11 +1,11 @@
 #include <cstdio>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
-#include "channel/VideoFormatTables.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "pipeline/PipelineRun.h"
+#include "settings/IChannelEvents.h"
+#include "settings/VideoFormatTables.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
@@ -24,11 +24,11 @@ const char* otherRow(int channel) {
 }  // namespace
 
 // Section 2.
-void ConfigChannelTarnevel::configInputFormat(PipelineRun& run) {
+void PipelineConfigurator::configInputFormat(PipelineRun& run) {
     run.source = run.text(tbl::SOURCE, prop::SOURCE, run.rowId);
     run.inputDetected = state::INPUT_NONE;
-    run.result |=
-        holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, run.inputDetected, run.source);
+    run.result |= ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, run.inputDetected,
+                                          run.source);
     if (run.inputDetected != state::INPUT_NONE && run.inputDetected != state::NO_SIGNAL) {
         run.inputParsed = std::sscanf(run.inputDetected.c_str(), "%dx%d%c @ %f", &run.inputWidth, &run.inputHeight,
                                       &run.inputScan, &run.inputRate) == 4;
@@ -47,7 +47,7 @@ void ConfigChannelTarnevel::configInputFormat(PipelineRun& run) {
 // mirrored into the H.264 rows whose source is the same embedded audio, so
 // the two channels never ask different things of one de-embedder. A playing
 // other channel is told that its configuration changed.
-void ConfigChannelTarnevel::configSharedInput(PipelineRun& run) {
+void PipelineConfigurator::configSharedInput(PipelineRun& run) {
     const std::string other = otherRow(run.channel);
     const std::string otherSource = run.text(tbl::SOURCE, prop::SOURCE, other);
     for (const char* r : {row::H264, row::HEVC}) {
@@ -75,7 +75,7 @@ void ConfigChannelTarnevel::configSharedInput(PipelineRun& run) {
     }
     const std::string otherState = run.text(tbl::CHANNELS, prop::STATE, other);
     if (otherState == state::PLAYING || otherState == state::PLAYED)
-        events.sendEvent(ev::CHANNEL_CONFIGURED, other, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
+        ctx.events.sendEvent(ev::CHANNEL_CONFIGURED, other, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
 }
 
 // Section 4, for both channels: the encoders of a shared input must agree
@@ -88,7 +88,7 @@ void ConfigChannelTarnevel::configSharedInput(PipelineRun& run) {
 // chooses the format and this same ratio together (the encoder's own limit
 // may lower the rate there), so "Format as Detected" keeps the operator's
 // choice and is applied with the ratio rather than rewritten.
-void ConfigChannelTarnevel::configFrameRateRatio(PipelineRun& run) {
+void PipelineConfigurator::configFrameRateRatio(PipelineRun& run) {
     for (const char* r : {row::H264, row::HEVC}) {
         const bool half = run.text(tbl::PROCESSING, prop::FRAME_RATE_RATIO, r) == "Half of Input";
         run.put(med::VIDEO_ENCODER[channelIndex(r)], prop::FRAME_RATE_RATIO, half ? "Input 1/2" : "Input Full");
@@ -106,7 +106,7 @@ void ConfigChannelTarnevel::configFrameRateRatio(PipelineRun& run) {
 }
 
 // Section 5.
-void ConfigChannelTarnevel::configVideoInput(PipelineRun& run) {
+void PipelineConfigurator::configVideoInput(PipelineRun& run) {
     const char* receiver = med::receiverOf(run.source);
     if (!receiver) {
         run.unknown("source", run.source);
@@ -116,7 +116,7 @@ void ConfigChannelTarnevel::configVideoInput(PipelineRun& run) {
 }
 
 // Section 9. Without a signal the genlock keeps its default.
-void ConfigChannelTarnevel::configGenlock(PipelineRun& run) {
+void PipelineConfigurator::configGenlock(PipelineRun& run) {
     if (!run.inputParsed)
         return;
     std::string genlock;
@@ -130,7 +130,7 @@ void ConfigChannelTarnevel::configGenlock(PipelineRun& run) {
 // Section 13. Closed captions travel in line 21 (CEA-608) of NTSC standard
 // definition and as CEA-708 in the ancillary data of digital SDI; the
 // computer inputs carry none.
-void ConfigChannelTarnevel::configVideoProcessing(PipelineRun& run) {
+void PipelineConfigurator::configVideoProcessing(PipelineRun& run) {
     const bool filter = run.flag(tbl::PROCESSING, prop::VIDEO_FILTER_ENABLED, run.rowId);
     const int strength = run.integer(tbl::PROCESSING, prop::VIDEO_FILTER_STRENGTH, run.rowId);
     const std::string encoder = med::VIDEO_ENCODER[run.channel];
@@ -156,7 +156,7 @@ void ConfigChannelTarnevel::configVideoProcessing(PipelineRun& run) {
 }
 
 // Section 18: the capture crops channel 0 only.
-void ConfigChannelTarnevel::configCrop(PipelineRun& run) {
+void PipelineConfigurator::configCrop(PipelineRun& run) {
     if (run.channel != 0)
         return;
     const char* capture = "Video Full Capture CH0";
@@ -168,7 +168,7 @@ void ConfigChannelTarnevel::configCrop(PipelineRun& run) {
 }
 
 // Section 21.
-void ConfigChannelTarnevel::configVideoSwitch(PipelineRun& run) {
+void PipelineConfigurator::configVideoSwitch(PipelineRun& run) {
     run.put(run.comp("Video Switch "), "Enable", run.encodeVideo);
 }
 
@@ -176,14 +176,14 @@ void ConfigChannelTarnevel::configVideoSwitch(PipelineRun& run) {
 // that two channels on one input keep their own settings. Called by
 // configChannel and, with the values being accepted, when the settings are
 // accepted (before the commit).
-Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId, bool pending) {
+Fcodes PipelineConfigurator::configAVSettings(const std::string& rowId, bool pending) {
     if (!isChannelRow(rowId))
         return FC_BAD_VALUE;
-    PipelineRun run(holder, rowId, "configAVSettings");
+    PipelineRun run(ctx.holder, rowId, "configAVSettings");
     for (const char* p : {prop::BRIGHTNESS, prop::CONTRAST, prop::SATURATION, prop::HUE}) {
         int value = 0;
-        const Fcodes read = pending ? holder.getNewIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId)
-                                    : holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
+        const Fcodes read = pending ? ctx.holder.getNewIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId)
+                                    : ctx.holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
         run.result |= read;
         if (isOk(read))
             run.put(run.comp("VIDEO_MIXER_"), p, value);

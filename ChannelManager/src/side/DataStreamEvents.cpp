@@ -2,11 +2,11 @@
 #include <mutex>
 #include <string>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/IChannelEvents.h"
 #include "side/SideActionSupport.h"
+#include "side/SideActions.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -19,7 +19,7 @@ using namespace vocab;
 // The mediator's data-stream events of a channel. They change the channel's
 // "Fcode" (read by the stop to decide between "Stopped" and "Stopping") and
 // never its state; a bitrate request of the Zixi link changes the bitrates on
-// the fly; a new SRT client re-divides what the SRT senders may still send.
+// the fly (through the change the caller passes in); a new SRT client re-divides what the SRT senders may still send.
 
 namespace {
 
@@ -46,17 +46,17 @@ Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t co
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent* event) {
+Fcodes SideActions::handleDataStreamEvent(MessageEvent* event, const BitrateChange& changeBitrate) {
     if (event == nullptr)
         return FC_BAD_VALUE;
-    std::lock_guard<DataHolder> guard(holder);
+    std::lock_guard<DataHolder> guard(ctx.holder);
     const std::string& name = event->id;
     if (name == ev::DATA_STREAM)
-        return applyCondition(holder, *event, cond::DATA_STREAM, "TARNEVEL_DATA_STREAM_EVENT");
+        return applyCondition(ctx.holder, *event, cond::DATA_STREAM, "TARNEVEL_DATA_STREAM_EVENT");
     if (name == ev::ZIXI_CONNECTION_FAILED)
-        return applyCondition(holder, *event, cond::ZIXI_CONNECTION, "TARNEVEL_ZIXI_CONNECTION_FAILED_EVENT");
+        return applyCondition(ctx.holder, *event, cond::ZIXI_CONNECTION, "TARNEVEL_ZIXI_CONNECTION_FAILED_EVENT");
     if (name == ev::ZIXI_CHANGE_BITRATE_REQUEST)
-        return zixiChangeBitrate(*event);
+        return zixiChangeBitrate(*event, changeBitrate);
     if (name == ev::SRT_NEW_CLIENT_REQUEST)
         return srtNewClient();
     return FC_OK;
@@ -66,7 +66,7 @@ Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent* event) {
 // saved once, before the first change, and only when no backup is held yet:
 // a series of requests thus still returns to the configured values at the
 // next stop, not to those of an earlier request.
-Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
+Fcodes SideActions::zixiChangeBitrate(const MessageEvent& event, const BitrateChange& changeBitrate) {
     const std::string& rowId = event.source;
     std::string text;
     if (event.getParam(cmd::PARAM_TOTAL_BITRATE, text) == 0 || text.empty()) {
@@ -77,9 +77,9 @@ Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
     const char* ds = ds::CHANNEL;
     const char* processing = tbl::PROCESSING;
     int total = 0, maximum = 0, video = 0;
-    Fcodes result = FC_OK | holder.getIntParam(ds, processing, prop::TOTAL_BITRATE, total, rowId) |
-                    holder.getIntParam(ds, processing, prop::MAX_BITRATE, maximum, rowId) |
-                    holder.getIntParam(ds, processing, prop::VIDEO_BITRATE, video, rowId);
+    Fcodes result = FC_OK | ctx.holder.getIntParam(ds, processing, prop::TOTAL_BITRATE, total, rowId) |
+                    ctx.holder.getIntParam(ds, processing, prop::MAX_BITRATE, maximum, rowId) |
+                    ctx.holder.getIntParam(ds, processing, prop::VIDEO_BITRATE, video, rowId);
     if (!isOk(result))
         return result;
     if (requested == total)
@@ -87,18 +87,18 @@ Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
 
     DBG(DBG_INFO) << "handleDataStreamEvent: arrived event=" << event.id << " src=" << rowId
                   << " desc=" << event.description << " param=Total Bitrate val=" << requested;
-    events.sendEvent(event.id, rowId, event.fcode, event.status, event.severity,
-                     "bitrate: " + std::to_string(requested) + " bps");
+    ctx.events.sendEvent(event.id, rowId, event.fcode, event.status, event.severity,
+                         "bitrate: " + std::to_string(requested) + " bps");
 
     const char* backup = tbl::PROCESSING_BACKUP;
     int saved = 0;
-    result |= holder.getIntParam(ds, backup, prop::TOTAL_BITRATE, saved, rowId) | FC_OK;
+    result |= ctx.holder.getIntParam(ds, backup, prop::TOTAL_BITRATE, saved, rowId) | FC_OK;
     if (isOk(result) && saved == 0) {
-        result |= holder.initIntParam(ds, backup, prop::TOTAL_BITRATE, total, rowId) |
-                  holder.initIntParam(ds, backup, prop::MAX_BITRATE, maximum, rowId) |
-                  holder.initIntParam(ds, backup, prop::VIDEO_BITRATE, video, rowId);
+        result |= ctx.holder.initIntParam(ds, backup, prop::TOTAL_BITRATE, total, rowId) |
+                  ctx.holder.initIntParam(ds, backup, prop::MAX_BITRATE, maximum, rowId) |
+                  ctx.holder.initIntParam(ds, backup, prop::VIDEO_BITRATE, video, rowId);
     }
-    return result | changeBitrateOnTheFly(rowId, requested, maximum);
+    return result | changeBitrate(rowId, requested, maximum);
 }
 
 // A new SRT client joined. Each SRT sender is told how much it may still
@@ -106,14 +106,14 @@ Fcodes ConfigChannelTarnevel::zixiChangeBitrate(const MessageEvent& event) {
 // ("Stat: Bitrate (mbps)" in bit/s), never below 0. A sender whose figure
 // cannot be read counts as sending nothing, so it is offered the whole
 // channel bitrate.
-Fcodes ConfigChannelTarnevel::srtNewClient() {
+Fcodes SideActions::srtNewClient() {
     const char* channels[] = {row::H264, row::HEVC};
     int totals[2] = {0, 0};
     Fcodes result = FC_OK;
     for (int channel = 0; channel < 2; ++channel)
-        result |=
-            holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totals[channel], channels[channel]) |
-            FC_OK;
+        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totals[channel],
+                                         channels[channel]) |
+                  FC_OK;
     DBG(DBG_INFO) << "handleDataStreamEvent: Srt total bitrate: " << channels[0] << "=" << totals[0] << " "
                   << channels[1] << "=" << totals[1];
 
@@ -121,13 +121,13 @@ Fcodes ConfigChannelTarnevel::srtNewClient() {
         for (const char* sender : {med::SRT_SENDER[channel], med::SRT_SENDER_2[channel]}) {
             std::string mbps;
             long long sending = 0;
-            if (isOk(ITarnevelClient::getTarnevelTextParam(&holder, sender, med::PARAM_STAT_BITRATE_MBPS, mbps)))
+            if (isOk(ITarnevelClient::getTarnevelTextParam(&ctx.holder, sender, med::PARAM_STAT_BITRATE_MBPS, mbps)))
                 sending = static_cast<long long>(std::strtod(mbps.c_str(), nullptr) * 1000000.0 + 0.5);
             long long remaining = static_cast<long long>(totals[channel]) - sending;
             if (remaining < 0)
                 remaining = 0;
             const int value = side::clampToInt(static_cast<unsigned long long>(remaining));
-            Fcodes set = ITarnevelClient::setTarnevelIntParam(&holder, sender, REMAINING_OUTPUT_BITRATE, value);
+            Fcodes set = ITarnevelClient::setTarnevelIntParam(&ctx.holder, sender, REMAINING_OUTPUT_BITRATE, value);
             if (!isOk(set))
                 DBG(DBG_ERROR) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
                                << " param=" << REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x" << std::hex

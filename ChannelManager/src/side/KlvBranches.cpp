@@ -1,12 +1,12 @@
 #include <string>
 #include <vector>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
 #include "side/SideActionSupport.h"
+#include "side/SideActions.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -115,41 +115,42 @@ Fcodes deviceCommand(DataHolder& holder, const char* id) {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
+Fcodes SideActions::klvAction(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_BAD_VALUE;
     std::string state;
-    Fcodes result = FC_OK | holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
+    Fcodes result = FC_OK | ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
     if (!isOk(result))
         return result;
     std::vector<std::string> branches;
     std::vector<const char*> resets;
-    result |= klvBranches(holder, rowId, branches, resets);
+    result |= klvBranches(ctx.holder, rowId, branches, resets);
 
     // The other channel's branches, to keep shared branches running for it.
     const std::string other = channel == 0 ? row::HEVC : row::H264;
     std::string otherState;
     std::vector<std::string> otherBranches;
     std::vector<const char*> unused;
-    if (!isPlaying(state) && isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
+    if (!isPlaying(state) &&
+        isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
         isPlaying(otherState))
-        result |= klvBranches(holder, other, otherBranches, unused);
+        result |= klvBranches(ctx.holder, other, otherBranches, unused);
 
     for (size_t i = 0; i < branches.size(); ++i) {
         const std::string& branch = branches[i];
         std::string branchState;
-        Fcodes read = ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState);
+        Fcodes read = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
         result |= read;
         if (!isOk(read))
             continue;
         if (isPlaying(state)) {
             if (branchState != state::BRANCH_STOP)
                 continue;
-            Fcodes started = ITarnevelClient::startTarnevelBranch(&holder, branch, true, 20);
+            Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, 20);
             if (isOk(started)) {
                 DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
-                result |= deviceCommand(holder, resets[i]);
+                result |= deviceCommand(ctx.holder, resets[i]);
             } else {
                 DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                                << static_cast<uint32_t>(started);
@@ -162,7 +163,7 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
             shared = shared || used == branch;
         if (shared || branchState != state::BRANCH_RUN)
             continue;
-        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
+        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, 20);
         if (isOk(stopped))
             DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
         else
@@ -179,19 +180,20 @@ Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
 // each KLV branch this channel can start that runs but is no longer named is
 // stopped here, unless the other playing channel uses it; then the named
 // ones are started as a play starts them.
-Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
+Fcodes SideActions::klvFollowSettings(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     std::string state;
-    if (channel < 0 || !isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
+    if (channel < 0 || !isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
         !isPlaying(state))
         return FC_OK;
     std::vector<std::string> named, otherNamed;
     std::vector<const char*> resets;
-    Fcodes result = FC_OK | klvBranches(holder, rowId, named, resets);
+    Fcodes result = FC_OK | klvBranches(ctx.holder, rowId, named, resets);
     const std::string other = channel == 0 ? row::HEVC : row::H264;
     std::string otherState;
-    if (isOk(holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) && isPlaying(otherState))
-        result |= klvBranches(holder, other, otherNamed, resets);
+    if (isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
+        isPlaying(otherState))
+        result |= klvBranches(ctx.holder, other, otherNamed, resets);
 
     const std::string candidates[] = {KLV_O_SERIAL, RAW_KLV_O_SERIAL,   KLV_O_IP,
                                       RAW_KLV_O_IP, KLV_O_SDI[channel], KLV_O_SDI_ASYNC};
@@ -202,10 +204,10 @@ Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
         for (const std::string& b : otherNamed)
             used = used || b == branch;
         std::string branchState;
-        if (used || !isOk(ITarnevelClient::getTarnevelBranchState(&holder, branch, branchState)) ||
+        if (used || !isOk(ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState)) ||
             branchState != state::BRANCH_RUN)
             continue;
-        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&holder, branch, true, 20);
+        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, 20);
         if (isOk(stopped))
             DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
         else

@@ -2,12 +2,12 @@
 #include <string>
 #include <vector>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
 #include "side/SideActionSupport.h"
+#include "side/SideActions.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -78,29 +78,30 @@ Fcodes sendToAnnouncer(DataHolder& holder, const MessageCommand& command) {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
+Fcodes SideActions::sapAction(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_BAD_VALUE;
     const char* ds = ds::CHANNEL;
     std::string state, status, source, detected = state::INPUT_NONE;
     int fcode = 0;
-    Fcodes result = FC_OK | holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
-                    holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
-                    holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcode, rowId) |
-                    holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
-    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source) | FC_OK;
+    Fcodes result = FC_OK | ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+                    ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+                    ctx.holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcode, rowId) |
+                    ctx.holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
+    result |=
+        ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source) | FC_OK;
     const bool announce = state == state::PLAYING || state == state::PLAYED;
 
     std::vector<std::string> targets;
-    result |= getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
+    result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     for (const std::string& target : targets) {
         bool enabled = false, sap = false;
-        Fcodes read = FC_OK | holder.getBoolParam(ds, tbl::TARGET, prop::ENABLED, enabled, target) |
-                      holder.getBoolParam(ds, tbl::TARGET, prop::SAP, sap, target);
+        Fcodes read = FC_OK | ctx.holder.getBoolParam(ds, tbl::TARGET, prop::ENABLED, enabled, target) |
+                      ctx.holder.getBoolParam(ds, tbl::TARGET, prop::SAP, sap, target);
         TargetSettings settings;
         if (isOk(read) && enabled && sap)
-            read |= readTarget(holder, target, settings);
+            read |= readTarget(ctx.holder, target, settings);
         result |= read;
         // A target whose settings cannot be read cannot be named to the announcer.
         if (!isOk(read) || !enabled || !sap)
@@ -112,18 +113,19 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
         command.addParam(P_DESTINATION_PORT, std::to_string(settings.port));
         if (!announce) {
             command.setId(cmd::STOP_SAP);
-            result |= sendToAnnouncer(holder, command);
+            result |= sendToAnnouncer(ctx.holder, command);
             continue;
         }
         std::string ifAddress;
-        result |= holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE, IP_ADDRESS,
-                                             ifAddress, settings.interface) |
+        result |= ctx.holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE, IP_ADDRESS,
+                                                 ifAddress, settings.interface) |
                   FC_OK;
         std::string sdpFile;
         if (settings.protocol == value::RTP_ES) {
             const char* server = med::RTSP_SERVER[channel];
             std::string directory;
-            Fcodes sdp = ITarnevelClient::getTarnevelTextParam(&holder, server, med::PARAM_SDP_DIRECTORY, directory);
+            Fcodes sdp =
+                ITarnevelClient::getTarnevelTextParam(&ctx.holder, server, med::PARAM_SDP_DIRECTORY, directory);
             if (isOk(sdp))
                 sdpFile = sdpFileName(directory, target);
             else
@@ -142,7 +144,7 @@ Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
         std::ostringstream code;  // lower-case hex without "0x", as in a header
         code << std::hex << static_cast<uint32_t>(fcode);
         command.addParam(P_FCODE, code.str());
-        result |= sendToAnnouncer(holder, command);
+        result |= sendToAnnouncer(ctx.holder, command);
     }
     return result;
 }

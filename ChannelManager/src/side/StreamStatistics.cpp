@@ -2,10 +2,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "side/SideActionSupport.h"
+#include "side/SideActions.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/PeerNames.h"
 
@@ -119,7 +119,7 @@ Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, c
 
 // Naive by design: the first occurrence of the key decides, and the number
 // is whatever stands between the last comma before it and the key.
-uint64_t ConfigChannelTarnevel::parseZixiStat(const std::string& text, const std::string& key) {
+uint64_t SideActions::parseZixiStat(const std::string& text, const std::string& key) {
     const std::string::size_type position = text.find(key);
     if (position == std::string::npos || key.empty())
         return 0;
@@ -141,7 +141,7 @@ static uint64_t packetLossPercent(uint64_t dropped, uint64_t total) {
     return (dropped * 100 + total / 2) / total;
 }
 
-Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowId) {
+Fcodes SideActions::updateZixiStatistics(const std::string& targetRowId) {
     const TargetSender* sender = senderOf(targetRowId);
     if (sender == nullptr) {
         DBG(DBG_ERROR) << "updateZixiStatistics: no Zixi feeder for rowId=" << targetRowId;
@@ -149,35 +149,36 @@ Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowI
     }
     const std::string feeder = sender->zixiFeeder;
     const char* dataSet = ds::ZIXI_STAT;
-    Fcodes result = FC_OK | requestUpdate(holder, "updateZixiStatistics: ", targetRowId, feeder);
+    Fcodes result = FC_OK | requestUpdate(ctx.holder, "updateZixiStatistics: ", targetRowId, feeder);
 
     std::string text;
-    Fcodes read = readStatText(holder, targetRowId, feeder, NETWORK_STATS, text);
+    Fcodes read = readStatText(ctx.holder, targetRowId, feeder, NETWORK_STATS, text);
     result |= read;
     if (isOk(read)) {
         for (const ZixiKey& key : kNetworkKeys)
-            result |= publish(holder, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
+            result |=
+                publish(ctx.holder, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
         result |=
-            publish(holder, dataSet, tbl::ZIXI_QOS, prop::PACKET_LOSS,
+            publish(ctx.holder, dataSet, tbl::ZIXI_QOS, prop::PACKET_LOSS,
                     packetLossPercent(parseZixiStat(text, " dropped"), parseZixiStat(text, " packets")), targetRowId);
     }
 
     text.clear();
-    read = readStatText(holder, targetRowId, feeder, ERROR_CORRECTION_STATS, text);
+    read = readStatText(ctx.holder, targetRowId, feeder, ERROR_CORRECTION_STATS, text);
     result |= read;
     if (isOk(read)) {
         const uint64_t recovered = parseZixiStat(text, " arq_recovered") + parseZixiStat(text, " fec_recovered");
-        result |= publish(holder, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
-        result |= publish(holder, dataSet, tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS,
+        result |= publish(ctx.holder, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
+        result |= publish(ctx.holder, dataSet, tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS,
                           parseZixiStat(text, " not_recovered"), targetRowId);
     }
 
     text.clear();
-    read = readStatText(holder, targetRowId, feeder, CONNECTION_STATS, text);
+    read = readStatText(ctx.holder, targetRowId, feeder, CONNECTION_STATS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(holder, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION, parseZixiStat(text, " reconnections"),
-                          targetRowId);
+        result |= publish(ctx.holder, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION,
+                          parseZixiStat(text, " reconnections"), targetRowId);
     return result;
 }
 
@@ -188,7 +189,7 @@ static uint64_t mbpsToKbps(const std::string& text) {
     return kbps >= 1 ? (kbps < 9e18 ? static_cast<uint64_t>(kbps) : UINT64_MAX) : 0;
 }
 
-Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId) {
+Fcodes SideActions::updateSrtStatistics(const std::string& targetRowId) {
     const TargetSender* sender = senderOf(targetRowId);
     if (sender == nullptr) {
         DBG(DBG_ERROR) << "updateSrtStatistics: no SRT sender for rowId=" << targetRowId;
@@ -196,26 +197,26 @@ Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId
     }
     const std::string component = sender->srtSender;
     const char* dataSet = ds::SRT_STAT;
-    Fcodes result = FC_OK | requestUpdate(holder, "updateSrtStatistics: ", targetRowId, component);
+    Fcodes result = FC_OK | requestUpdate(ctx.holder, "updateSrtStatistics: ", targetRowId, component);
 
     std::string text;
-    Fcodes read = readStatText(holder, targetRowId, component, SRT_BITRATE_MBPS, text);
+    Fcodes read = readStatText(ctx.holder, targetRowId, component, SRT_BITRATE_MBPS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(holder, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text), targetRowId);
+        result |= publish(ctx.holder, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text), targetRowId);
     for (const SrtStat& stat : kSrtStats) {
         text.clear();
-        read = readStatText(holder, targetRowId, component, stat.parameter, text);
+        read = readStatText(ctx.holder, targetRowId, component, stat.parameter, text);
         result |= read;
         if (isOk(read))
-            result |= publish(holder, dataSet, stat.component, stat.property, std::strtoull(text.c_str(), nullptr, 0),
-                              targetRowId);
+            result |= publish(ctx.holder, dataSet, stat.component, stat.property,
+                              std::strtoull(text.c_str(), nullptr, 0), targetRowId);
     }
 
     int latency = 0;
-    read = holder.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) | FC_OK;
+    read = ctx.holder.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) | FC_OK;
     result |= read;
     if (isOk(read))
-        result |= holder.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) | FC_OK;
+        result |= ctx.holder.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) | FC_OK;
     return result;
 }

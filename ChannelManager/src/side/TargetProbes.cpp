@@ -5,13 +5,13 @@
 #include <thread>
 #include <vector>
 
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/IChannelEvents.h"
 #include "side/BoundedCommand.h"
 #include "side/ProbeRegistry.h"
 #include "side/SideActionSupport.h"
+#include "side/SideActions.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -59,19 +59,19 @@ bool isMulticast(const in_addr& address) {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
+Fcodes SideActions::testConnectionToTarget(const std::string& rowId) {
     std::vector<std::string> targets;
-    Fcodes result = getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets) | FC_OK;
+    Fcodes result = rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets) | FC_OK;
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, address;
-        Fcodes read = FC_OK | holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        Fcodes read = FC_OK | ctx.holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
         if (!isOk(read) || !enabled) {
             result |= read;
             continue;
         }
-        read |= holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target) |
-                holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
+        read |= ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target) |
+                ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
         result |= read;
         if (!isOk(read))
             continue;
@@ -90,12 +90,13 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
         if (isMulticast(ipv4))
             continue;
 
-        DataHolder* probeHolder = &holder;
-        IChannelEvents* sink = &events;
+        DataHolder* probeHolder = &ctx.holder;
+        IChannelEvents* sink = &ctx.events;
         ProbeRegistry::instance().begin();
         try {
             std::thread([probeHolder, sink, rowId, address] {
-                ConfigChannelTarnevel(*probeHolder, *sink).traceroute(rowId, address);
+                ChannelContext probe{*probeHolder, *sink};
+                SideActions(probe).traceroute(rowId, address);
                 ProbeRegistry::instance().end();
             }).detach();
         } catch (const std::system_error& error) {
@@ -109,7 +110,7 @@ Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
 
 // Only a valid IPv4 address reaches the shell line, so nothing but an
 // address can be slipped into the commands.
-void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::string& address) {
+void SideActions::traceroute(const std::string& rowId, const std::string& address) {
     in_addr ipv4{};
     if (addressKind(address, ipv4) != 1) {
         DBG(DBG_ERROR) << "traceroute: Illegal IP Address=" << address;
@@ -120,8 +121,8 @@ void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::stri
     const BoundedRun pinged = runBounded(ping, PING_LIMIT_MS, 0);
     DBG(DBG_INFO) << "traceroute: ping rc=" << pinged.status;
     if (pinged.started && pinged.status == 0) {
-        events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
-                         "ping " + address + " OK");
+        ctx.events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                             "ping " + address + " OK");
         return;
     }
     const std::string trace = "traceroute -I " + address;
@@ -130,6 +131,6 @@ void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::stri
     if (!traced.started || traced.output.empty())
         return;
     // A failed probe carries "Unavailable" as its code, as a failed play does.
-    events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
-                     traced.output);
+    ctx.events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
+                         traced.output);
 }

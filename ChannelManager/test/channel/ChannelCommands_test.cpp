@@ -26,8 +26,7 @@ TEST(ChannelCommands, ChangeOnTheFlyCommand) {
         Params params = {{cmd::PARAM_ROW_ID, row::H264}, {cmd::PARAM_TOTAL_BITRATE, r.total}};
         if (r.max)
             params.push_back({cmd::PARAM_MAX_BITRATE, r.max});
-        std::string response;
-        EXPECT_EQ(FC_OK, h.channel().execute(commandText(cmd::CHANGE_ON_THE_FLY, params), response)) << r.total;
+        EXPECT_EQ(FC_OK, h.channelCommand(cmd::CHANGE_ON_THE_FLY, params)) << r.total;
         EXPECT_EQ(r.totalAfter, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264)) << r.total;
         EXPECT_EQ(r.maxAfter, h.number(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, row::H264)) << r.total;
         EXPECT_EQ(r.event == nullptr, h.writes().empty()) << r.total;

@@ -58,10 +58,7 @@ struct Transition {
 };
 
 std::function<Fcodes(ChannelHarness&)> command(const char* id, const char* rowId) {
-    return [id, rowId](ChannelHarness& h) {
-        std::string response;
-        return h.channel().execute(commandText(id, {{cmd::PARAM_ROW_ID, rowId}}), response);
-    };
+    return [id, rowId](ChannelHarness& h) { return h.channelCommand(id, {{cmd::PARAM_ROW_ID, rowId}}); };
 }
 
 std::function<Fcodes(ChannelHarness&)> stopChannel(const char* rowId) {
@@ -205,15 +202,12 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
 TEST(PlayStop, ForcedStopCodeAndPlayClearsIt) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
-    std::string response;
-    EXPECT_EQ(FC_OK, h.channel().execute(commandText(cmd::STOP, {{cmd::PARAM_ROW_ID, H}}), response));
+    EXPECT_EQ(FC_OK, h.channelCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, H}}));
     EXPECT_EQ(static_cast<int>(cond::FORCED_STOP), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H));
     EXPECT_EQ(static_cast<int>(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, V));
     h.channel().playChannel(H);
     EXPECT_EQ(static_cast<int>(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H));
     EXPECT_EQ(state::STATUS_OK, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, H));
-
-    EXPECT_EQ(FC_BODY_ERROR, h.channel().execute("no tags here", response));
 }
 
 // Branch events are checked against the channel and change nothing; an SRT

@@ -15,8 +15,7 @@ const char* const VALID = "1280x720p @ 50";   // what the HEVC channel's 1280x72
 const char* const UNFIT = "2048x1080p @ 24";  // what it cannot be made from
 
 Fcodes run(ChannelHarness& h, const std::string& id, const std::string& rowId) {
-    std::string response;
-    return h.channel().execute(commandText(id, {{cmd::PARAM_ROW_ID, rowId}}), response);
+    return h.channelCommand(id, {{cmd::PARAM_ROW_ID, rowId}});
 }
 
 void detect(ChannelHarness& h, const char* format) {
@@ -107,11 +106,8 @@ TEST(DaysOfUse, AResumedChannelRunsTheBitrateItShows) {
     EXPECT_EQ(std::to_string(shown), lastWrite(h, "Video Encoder CH1/Bitrate="));
 
     dataStream(h, mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::HEVC, "ON", {{"Total Bitrate", "2000000"}}));
-    std::string response;
-    h.channel().execute(
-        commandText(cmd::CHANGE_ON_THE_FLY,
-                    {{cmd::PARAM_ROW_ID, row::HEVC}, {"Total Bitrate", "3000000"}, {"Max Bitrate", "4000000"}}),
-        response);
+    h.channelCommand(cmd::CHANGE_ON_THE_FLY,
+                     {{cmd::PARAM_ROW_ID, row::HEVC}, {"Total Bitrate", "3000000"}, {"Max Bitrate", "4000000"}});
     run(h, cmd::STOP, row::HEVC);
     EXPECT_EQ(3000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
     // The operator's own play after a Zixi request and a stop: the encoder went back with the stop.

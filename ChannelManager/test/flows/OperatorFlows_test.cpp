@@ -25,8 +25,7 @@ namespace {
 using RowChange = std::function<void(PipelineBench&)>;
 
 Fcodes command(ChannelHarness& h, const std::string& id, const Params& params) {
-    std::string response;
-    return h.channel().execute(commandText(id, params), response);
+    return h.channelCommand(id, params);
 }
 
 Fcodes activate(ChannelHarness& h, const std::string& rowId) {
@@ -367,18 +366,21 @@ TEST(OperatorFlows, AConfigurationAppliesTheBitrateFloorsAndMargin) {
     const struct {
         const char* rowId;
         const char* rateControl;
-        int total, max;
+        int overheadPercent, total, max;
         int totalAfter, maxAfter;
         std::vector<std::string> writes;
         const char* event;  // description of "Bitrate Recalculated", or nullptr
         // clang-format off
     } rows[] = {
-        {row::H264, "CBR", 150000, 150000, 410553, 420770,
+        {row::H264, "CBR", 0, 150000, 150000, 410553, 420770,
          {"Video Encoder CH0/Bitrate=100000", "Video Encoder CH0/Bitrate Margin=25"}, "prev: 150000 new: 420770"},
-        {row::HEVC, "CBR", 100000, 100000, 355481, 357923,
+        {row::HEVC, "CBR", 0, 100000, 100000, 355481, 357923,
          {"Video Encoder CH1/Bitrate=23900", "Video Encoder CH1/Bitrate Margin=0"}, "prev: 100000 new: 357923"},
-        {row::H264, "Capped VBR", 5000000, 6000000, 5000000, 6000000,
+        {row::H264, "Capped VBR", 0, 5000000, 6000000, 5000000, 6000000,
          {"Video Encoder CH0/Bitrate=4591798", "Video Encoder CH0/Bitrate Margin=21"}, nullptr},
+        // The CBR overhead shrinks the video share: 4714303 * 18400 / (110 * 188) - 22200.
+        {row::H264, "CBR", 10, 5000000, 6000000, 5000000, 6000000,
+         {"Video Encoder CH0/Bitrate=4172344", "Video Encoder CH0/Bitrate Margin=25"}, nullptr},
     };
     // clang-format on
     for (const auto& r : rows) {
@@ -387,7 +389,8 @@ TEST(OperatorFlows, AConfigurationAppliesTheBitrateFloorsAndMargin) {
         PipelineBench b(h);
         b.text(tbl::PROCESSING, prop::RATE_CONTROL, r.rowId, r.rateControl)
             .integer(tbl::PROCESSING, prop::TOTAL_BITRATE, r.rowId, r.total)
-            .integer(tbl::PROCESSING, prop::MAX_BITRATE, r.rowId, r.max);
+            .integer(tbl::PROCESSING, prop::MAX_BITRATE, r.rowId, r.max)
+            .integer(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, r.rowId, r.overheadPercent);
         ASSERT_TRUE(b.ok);
         h.mediator.model().clearRecords();
         EXPECT_TRUE(noWriteFailed(activate(h, r.rowId))) << r.rowId;

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "channel/VideoFormatTables.h"
 #include "pipeline/PipelineRun.h"
+#include "settings/VideoFormatTables.h"
 #include "support/ChannelPipelineSupport.h"
 
 using namespace datacom;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "side/SideActions.h"
 #include "support/ChannelHarness.h"
 
 using namespace datacom;
@@ -29,7 +30,7 @@ TEST(StreamStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
         {"99999999999999999999 packets", " packets", UINT64_MAX},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(ConfigChannelTarnevel::parseZixiStat(row.text, row.key), row.expected)
+        EXPECT_EQ(SideActions::parseZixiStat(row.text, row.key), row.expected)
             << "text=\"" << row.text << "\" key=\"" << row.key << "\"";
 }
 

@@ -16,13 +16,13 @@
 #include "SimServices.h"
 #include "TestRoot.h"
 #include "TrafficLog.h"
-#include "channel/ChannelRunBook.h"
 #include "channel/ConfigChannelTarnevel.h"
-#include "channel/IChannelEvents.h"
 #include "datacom/DataHolder.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
 #include "manager/ChannelMngr.h"
+#include "settings/ChannelRunBook.h"
+#include "settings/IChannelEvents.h"
 #include "side/ProbeRegistry.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
@@ -43,14 +43,19 @@ inline const char* const kFactoryFiles[] = {"channel_data_set_vex.json", "vsrc_d
 // Command and event parameters in order, e.g. {{"RowID", "HEVC"}}.
 using Params = std::vector<std::pair<std::string, std::string>>;
 
-// A command's text as the engine hands it to execute, e.g. commandText("Play", {{"RowID", "HEVC"}}).
-inline std::string commandText(const std::string& id, const Params& params = {}) {
+// A parsed command, e.g. makeCommand("Play", {{"RowID", "HEVC"}}).
+inline datacom::MessageCommand makeCommand(const std::string& id, const Params& params = {}) {
     datacom::MessageCommand command;
     command.setId(id);
     for (const auto& [name, value] : params)
         command.addParam(name, value);
+    return command;
+}
+
+// A command's text as the engine hands it to execute.
+inline std::string commandText(const std::string& id, const Params& params = {}) {
     std::string text;
-    command.toString(text);
+    makeCommand(id, params).toString(text);
     return text;
 }
 
@@ -180,6 +185,10 @@ public:
     // True when the simulator and the datasets are all up.
     bool ready() const { return started && datacom::isOk(simLoaded) && (!holder || datacom::isOk(holder->loaded)); }
     ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(*holder, recorder); }
+    // A channel command as the manager hands it on, parsed.
+    datacom::Fcodes channelCommand(const std::string& id, const Params& params = {}) {
+        return channel().execute(makeCommand(id, params));
+    }
 
     // The next `Sim Fail` rule of the mediator: the next request of
     // `commandId` fails ("Unavailable" unless `extra` names an Fcode, a Count or a Mode).

@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,6 +17,7 @@
 #include "datacom/Fcodes.h"
 #include "datacom/MessageEvent.h"
 #include "datacom/MessageHeader.h"
+#include "datacom/Mutex.h"
 
 namespace datacom {
 
@@ -65,9 +65,14 @@ public:
     /// keeps the process's own). Set before init, from one thread.
     static void setSocketAccess(mode_t mode, gid_t group);
     /// Waits for and reads one message. `body` receives the whole BODY element,
-    /// only when the header's Size is at least 1. `spare` is not used.
+    /// only when the header's Size is at least 1.
     Fcodes readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
-                   unsigned timeoutSec, unsigned spare);
+                   unsigned timeoutSec);
+    /// The form with a last argument that was never read. Kept, deprecated,
+    /// only so that libdatacom.so.1 keeps its symbol; it goes when the SONAME next changes.
+    [[deprecated("the last argument is not used: call readMsg without it")]] Fcodes readMsg(
+        int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen, unsigned timeoutSec,
+        unsigned spare);
     /// Sends header text plus `body` (the caller's BODY element, or nothing) as
     /// one datagram. Each try waits for room in the peer's queue up to the
     /// socket's send time-out; a try that times out is followed by a `delaySec`
@@ -76,8 +81,11 @@ public:
     Fcodes sendMessage(int sock, MessageHeader& header, const std::string& body, const sockaddr* to, socklen_t toLen,
                        unsigned delaySec, unsigned tries);
     /// The older event send: header and body as two datagrams, one try. Peers
-    /// read one datagram per message, so nothing here uses it.
-    Fcodes sendEvent(const std::string& peer, MessageHeader& header, const std::string& body);
+    /// read one datagram per message, so nothing uses it: events go out through
+    /// requestEvent. Kept, deprecated, only so that libdatacom.so.1 keeps its
+    /// symbol; it goes when the SONAME next changes.
+    [[deprecated("peers read one datagram per message: send events with requestEvent")]] Fcodes sendEvent(
+        const std::string& peer, MessageHeader& header, const std::string& body);
     /// Reads a stream descriptor byte by byte up to a newline (not appended).
     Fcodes readline(int sock, std::string& line, unsigned timeoutSec);
 
@@ -98,7 +106,7 @@ public:
     /// tests do. Not called on the server thread.
     void stop();
     /// Appends a subscriber's receive-socket path, moving a repeated one to the end.
-    void subscribe(const std::string& subscriber);
+    void subscribe(const std::string& subscriber) DATACOM_EXCLUDES(observersMutex);
     /// Stamps the event with the local time and sends it to every subscriber,
     /// one try each and no reply awaited. A subscriber whose queue is full holds
     /// the send up to the send socket's 1-second time-out, so one a little
@@ -106,11 +114,13 @@ public:
     /// event, one whose socket is gone nothing. Either loses the event and stays
     /// subscribed; one WARN names it at its first loss, none after until an
     /// event reaches it again.
-    void notify(MessageEvent& event);
+    void notify(MessageEvent& event) DATACOM_EXCLUDES(observersMutex);
     /// A copy of the subscribers, in order.
-    std::vector<std::string> getObservers() const;
+    std::vector<std::string> getObservers() const DATACOM_EXCLUDES(observersMutex);
 
-    /// The response history: at most HISTORY_LIMIT replies by ID (see storeResponse).
+    /// The response history: at most HISTORY_LIMIT replies by ID (see
+    /// storeResponse). Both take the history's lock, which is re-entrant: a
+    /// request holds it for a whole try and looks up parked replies meanwhile.
     void storeResponse(int id, const std::string& header, const std::string& body, const std::string& sender);
     /// Copies out the texts kept for `id`; true when a header was kept.
     bool getResponse(int id, std::string& header, std::string& body, std::string& sender);
@@ -174,17 +184,18 @@ private:
     IEngineHooks* dataHolder = nullptr;
 
     /// Response history: IDs oldest first, and the reply texts by ID.
-    std::recursive_mutex historyMutex;
-    std::deque<int> historyOrder;
-    std::map<int, std::string> historyHeaders;
-    std::map<int, std::string> historyBodies;
-    std::map<int, std::string> historySenders;
+    RecursiveMutex historyMutex;
+    std::deque<int> historyOrder DATACOM_GUARDED_BY(historyMutex);
+    std::map<int, std::string> historyHeaders DATACOM_GUARDED_BY(historyMutex);
+    std::map<int, std::string> historyBodies DATACOM_GUARDED_BY(historyMutex);
+    std::map<int, std::string> historySenders DATACOM_GUARDED_BY(historyMutex);
 
     /// Subscribers. Changed by the server thread, read by any notifying thread:
     /// guarded by a mutex of its own (notify sends from a copy, outside it).
-    mutable std::mutex observersMutex;
-    std::vector<std::string> observers;
-    std::set<std::string> failingObservers;  ///< their last event was lost (warned once)
+    mutable Mutex observersMutex;
+    std::vector<std::string> observers DATACOM_GUARDED_BY(observersMutex);
+    /// Their last event was lost (warned once).
+    std::set<std::string> failingObservers DATACOM_GUARDED_BY(observersMutex);
 
     /// Both sockets have their 1-second receive time-out (set by init).
     bool receivesBounded = false;

@@ -20,6 +20,8 @@
 #include "datacom/IDataHolder.h"
 #include "datacom/IDataSets.h"
 #include "datacom/MessageEvent.h"
+#include "datacom/Mutex.h"
+#include "datacom/ThreadSafety.h"
 
 namespace datacom {
 
@@ -56,7 +58,7 @@ struct DATACOM_API event_type {
 /// queued, then lets the worker finish what is queued, ends it and joins it.
 /// A derived service whose hooks use its own members calls shutdown() in its
 /// own destructor, before those members go.
-class DATACOM_API DataHolder : public IDataHolder {
+class DATACOM_API DATACOM_CAPABILITY("mutex") DataHolder : public IDataHolder {
 public:
     DataHolder() = default;
     /// Runs shutdown(); frees what is still queued, the data sets and the store.
@@ -86,8 +88,13 @@ public:
     Fcodes acceptChanges() override;
     /// Every tabular data set rolled back, in name order; always FC_OK.
     Fcodes rollbackChanges() override;
-    void lock() { mutex.lock(); }
-    void unlock() { mutex.unlock(); }
+    /// The holder's own lock, re-entrant, taken through datacom::ScopedLock.
+    /// The analysis sees a plain lock (re-entry is not modelled) and what it
+    /// guards lives in the stores, out of its sight: so functions say
+    /// DATACOM_REQUIRES(this) where they need it held, and DATACOM_EXCLUDES(this)
+    /// only where they wait for a thread that takes it.
+    void lock() DATACOM_ACQUIRE() DATACOM_NO_THREAD_SAFETY_ANALYSIS { mutex.lock(); }
+    void unlock() DATACOM_RELEASE() DATACOM_NO_THREAD_SAFETY_ANALYSIS { mutex.unlock(); }
     DataCommunicator* getDataCommunicator() { return &communicator; }
     const std::string& getName() const { return name; }
 
@@ -277,7 +284,7 @@ protected:
 private:
     static void* work(void* self);
     /// Appends under the queue mutex and posts; `op` names the log line.
-    void enqueue(event_type item, const char* op);
+    void enqueue(event_type item, const char* op) DATACOM_EXCLUDES(queueMutex);
     /// Runs one dequeued item and frees it.
     void dispatch(event_type& item);
     /// Finds the table, row and item and runs `access` on the item under the
@@ -298,9 +305,9 @@ private:
     sem_t semaphore{};
     bool semaphoreReady = false;
     std::string name;
-    std::deque<event_type> queue;
-    std::mutex queueMutex;
-    std::recursive_mutex mutex;
+    std::deque<event_type> queue DATACOM_GUARDED_BY(queueMutex);
+    Mutex queueMutex;
+    std::recursive_mutex mutex;  ///< behind lock()/unlock(): the holder itself is the capability
 
     pthread_t worker{};
     bool workerRunning = false;

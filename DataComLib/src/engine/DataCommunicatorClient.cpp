@@ -36,7 +36,7 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
 
         // Held until the try ends, reads included: a reply read here for
         // another request is parked before that request looks for it.
-        std::lock_guard<std::recursive_mutex> guard(historyMutex);
+        ScopedLock<RecursiveMutex> guard(historyMutex);
         // A parked reply answers this try only when the addressed peer sent
         // it: another peer's reply that happens to carry this ID (IDs come
         // from each requester's own counter) stays parked.
@@ -55,7 +55,7 @@ Fcodes DataCommunicator::sendRequest(const std::string& peer, MessageHeader& req
                 break;
             }
             sender.clearForReceive();
-            Fcodes read = readMsg(sendSocket, reply, replyBody, sender.get(), &sender.length(), timeoutSec, tries);
+            Fcodes read = readMsg(sendSocket, reply, replyBody, sender.get(), &sender.length(), timeoutSec);
             if (!isOk(read)) {
                 if (parkedFromPeer()) {
                     result = reply.initFromString(storedHeader);

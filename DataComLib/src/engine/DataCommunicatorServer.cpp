@@ -178,13 +178,13 @@ Fcodes DataCommunicator::treatEventMsg(MessageHeader& header, const std::string&
 
 void DataCommunicator::subscribe(const std::string& subscriber) {
     DBG(DBG_INFO) << "subscribe: subscribing observer sockName=" << subscriber;
-    std::lock_guard<std::mutex> guard(observersMutex);
+    ScopedLock<Mutex> guard(observersMutex);
     observers.erase(std::remove(observers.begin(), observers.end(), subscriber), observers.end());
     observers.push_back(subscriber);
 }
 
 std::vector<std::string> DataCommunicator::getObservers() const {
-    std::lock_guard<std::mutex> guard(observersMutex);
+    ScopedLock<Mutex> guard(observersMutex);
     return observers;
 }
 
@@ -200,15 +200,17 @@ void DataCommunicator::notify(MessageEvent& event) {
     for (const std::string& observer : getObservers()) {
         DBG(DBG_INFO) << "notify: event=" << event.id << " to observer=" << observer;
         const bool delivered = isOk(requestEvent(observer, event, wire::NO_WAIT, 1));
-        std::unique_lock<std::mutex> guard(observersMutex);
-        const bool wasFailing = failingObservers.count(observer) != 0;
-        if (delivered == !wasFailing)
+        bool changed = false;
+        {
+            ScopedLock<Mutex> guard(observersMutex);
+            changed = delivered == (failingObservers.count(observer) != 0);
+            if (changed && delivered)
+                failingObservers.erase(observer);
+            else if (changed)
+                failingObservers.insert(observer);
+        }
+        if (!changed)
             continue;
-        if (delivered)
-            failingObservers.erase(observer);
-        else
-            failingObservers.insert(observer);
-        guard.unlock();
         if (delivered)
             DBG(DBG_INFO) << "notify: observer=" << observer << " receives events again";
         else
@@ -219,7 +221,7 @@ void DataCommunicator::notify(MessageEvent& event) {
 
 void DataCommunicator::storeResponse(int id, const std::string& header, const std::string& body,
                                      const std::string& sender) {
-    std::lock_guard<std::recursive_mutex> guard(historyMutex);
+    ScopedLock<RecursiveMutex> guard(historyMutex);
     historyOrder.push_back(id);
     historyHeaders[id] = header;
     historyBodies[id] = body;
@@ -238,7 +240,7 @@ void DataCommunicator::storeResponse(int id, const std::string& header, const st
 }
 
 bool DataCommunicator::getResponse(int id, std::string& header, std::string& body, std::string& sender) {
-    std::lock_guard<std::recursive_mutex> guard(historyMutex);
+    ScopedLock<RecursiveMutex> guard(historyMutex);
     auto foundBody = historyBodies.find(id);
     if (foundBody != historyBodies.end())
         body = foundBody->second;

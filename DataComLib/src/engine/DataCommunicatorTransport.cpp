@@ -92,6 +92,11 @@ void DataCommunicator::init(IEngineHooks* holder, const std::string& receivePath
 
 Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
                                  unsigned timeoutSec, unsigned /*spare*/) {
+    return readMsg(sock, header, body, from, fromLen, timeoutSec);
+}
+
+Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
+                                 unsigned timeoutSec) {
     ssize_t readSize = -1;
     const bool ownSocket = sock == sendSocket || sock == receiveSocket;
     switch (receiveWithin(sock, from, fromLen, timeoutSec, ownSocket && receivesBounded, readSize)) {

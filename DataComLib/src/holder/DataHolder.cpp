@@ -82,7 +82,7 @@ void DataHolder::doWork() {
         }
         event_type item{0, 0, {nullptr, deleteCommand}};
         {
-            std::lock_guard<std::mutex> guard(queueMutex);
+            ScopedLock<Mutex> guard(queueMutex);
             if (queue.empty()) {
                 // Only shutdown's extra post wakes an empty queue for good;
                 // what was queued before it has been run by then.
@@ -112,7 +112,7 @@ void DataHolder::dispatch(event_type& item) {
 
 void DataHolder::enqueue(event_type item, const char* op) {
     {
-        std::lock_guard<std::mutex> guard(queueMutex);
+        ScopedLock<Mutex> guard(queueMutex);
         queue.push_back(std::move(item));
     }
     // A failed post leaves the item queued; the next post runs it. FC_OK all the same.

@@ -155,7 +155,7 @@ TEST(DataCommunicatorServer, SubscriptionsAndNotifyUnderBursts) {
     MessageHeader header;
     std::string body;
     LocalAddress from;
-    ASSERT_EQ(other.readMsg(other.getReceiveSocket(), header, body, from.get(), &from.length(), 2, 0), FC_OK);
+    ASSERT_EQ(other.readMsg(other.getReceiveSocket(), header, body, from.get(), &from.length(), 2), FC_OK);
     EXPECT_EQ(header.Type, "EVENT");
     EXPECT_NE(body.find("<Event ID=\"Channel Played\""), std::string::npos) << body;
     EXPECT_EQ(event.time, "29-Feb-40  12:34:56");

@@ -12,6 +12,17 @@ using namespace datacom;
 
 namespace {
 
+// Runs `work` with the holder's lock taken twice, as a service re-enters it.
+// Clang's analysis does not follow re-entry, so it is off here.
+template <typename Work>
+void underNestedHolderLock(DataHolder& holder, Work work) DATACOM_NO_THREAD_SAFETY_ANALYSIS {
+    holder.lock();
+    holder.lock();
+    work();
+    holder.unlock();
+    holder.unlock();
+}
+
 // 200 of the items are events: the worker destroys each after doHandle, so a
 // leak here fails the sanitizer leg.
 TEST(DataHolder, WorkerRunsItemsInArrivalOrderFromSeveralProducers) {
@@ -52,14 +63,12 @@ TEST(DataHolder, WorkerRunsItemsInArrivalOrderFromSeveralProducers) {
 
     // Shutdown runs what is queued before the worker ends, and the holder's
     // own re-entrant mutex is never taken by the worker.
-    holder.lock();
-    holder.lock();
-    std::string result;
-    for (int i = 0; i < 20; ++i)
-        holder.execute("Rollback Changes", result);
-    holder.shutdown();
-    holder.unlock();
-    holder.unlock();
+    underNestedHolderLock(holder, [&holder] {
+        std::string result;
+        for (int i = 0; i < 20; ++i)
+            holder.execute("Rollback Changes", result);
+        holder.shutdown();
+    });
     EXPECT_EQ(holder.waitFor(0, std::chrono::seconds(0)).size(), record.size() + 20);
     holder.shutdown();  // a second time does nothing
 }

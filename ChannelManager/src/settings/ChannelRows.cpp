@@ -1,4 +1,4 @@
-#include "channel/ConfigChannelTarnevel.h"
+#include "settings/ChannelRows.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "tarnevel/ITarnevelClient.h"
@@ -43,7 +43,7 @@ const BranchRow kBranchRows[] = {
 
 }  // namespace
 
-Fcodes ConfigChannelTarnevel::getBranch(const std::string& rowId, const std::string& protocol, std::string& branch) {
+Fcodes ChannelRows::getBranch(const std::string& rowId, const std::string& protocol, std::string& branch) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_UNAVAILABLE;
@@ -63,7 +63,7 @@ Fcodes ConfigChannelTarnevel::getBranch(const std::string& rowId, const std::str
     return FC_UNAVAILABLE;
 }
 
-Fcodes ConfigChannelTarnevel::getRowId(const std::string& branch, std::string& rowId) {
+Fcodes ChannelRows::getRowId(const std::string& branch, std::string& rowId) {
     for (const BranchRow& entry : kBranchRows)
         if (branch == entry.branch) {
             rowId = entry.rowId;
@@ -72,20 +72,20 @@ Fcodes ConfigChannelTarnevel::getRowId(const std::string& branch, std::string& r
     return FC_UNAVAILABLE;
 }
 
-Fcodes ConfigChannelTarnevel::getChildInstances(const std::string& dataSet, const std::string& component,
-                                                const std::string& keyProperty, const std::string& keyValue,
-                                                std::vector<std::string>& instances) {
+Fcodes ChannelRows::getChildInstances(const std::string& dataSet, const std::string& component,
+                                      const std::string& keyProperty, const std::string& keyValue,
+                                      std::vector<std::string>& instances) {
     instances.clear();
     return holder.getInstancesByParameter(dataSet, component, keyProperty, keyValue, instances);
 }
 
-int ConfigChannelTarnevel::getFirstChildRowId(const std::string& dataSet, const std::string& component,
-                                              const std::string& keyProperty, const std::string& keyValue) {
+int ChannelRows::getFirstChildRowId(const std::string& dataSet, const std::string& component,
+                                    const std::string& keyProperty, const std::string& keyValue) {
     return getNextChildRowId(dataSet, component, keyProperty, keyValue, -1);
 }
 
-int ConfigChannelTarnevel::getNextChildRowId(const std::string& dataSet, const std::string& component,
-                                             const std::string& keyProperty, const std::string& keyValue, int index) {
+int ChannelRows::getNextChildRowId(const std::string& dataSet, const std::string& component,
+                                   const std::string& keyProperty, const std::string& keyValue, int index) {
     for (int next = index + 1; holder.hasInstance(dataSet, component, next); ++next) {
         std::string text;
         if (isOk(holder.getTextParam(dataSet, component, keyProperty, text, next)) && text == keyValue)
@@ -99,7 +99,7 @@ int ConfigChannelTarnevel::getNextChildRowId(const std::string& dataSet, const s
 // to it too, so that a later play (the operator's, which sends no
 // configuration) runs what the channel shows. Where the operator's on-the-fly
 // change wins: see changeOnTheFly, which drops the backup.
-Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId) {
+Fcodes ChannelRows::restoreChannelParameters(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE}) {
         int saved = 0;
@@ -114,9 +114,15 @@ Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId)
     return result | clearChannelParametersBackup(rowId);
 }
 
-Fcodes ConfigChannelTarnevel::clearChannelParametersBackup(const std::string& rowId) {
+Fcodes ChannelRows::clearChannelParametersBackup(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE})
         result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, 0, rowId);
     return result;
+}
+
+std::vector<std::string> ChannelRows::channelRows() {
+    std::vector<std::string> rows;
+    holder.getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
+    return rows;
 }

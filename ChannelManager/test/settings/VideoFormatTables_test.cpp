@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "channel/VideoFormatTables.h"
+#include "settings/VideoFormatTables.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "channel/ConfigChannelTarnevel.h"
-#include "channel/VideoFormatTables.h"
+#include "settings/InputFormatValidation.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/VideoFormatTables.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -21,7 +21,7 @@ bool isHevcCrashInput(const std::string& input) {
 // A failure replaces the result with "Unavailable" instead of OR-ing it in:
 // once the format is known not to fit, earlier read failures no longer matter
 // to the caller, which only asks whether the channel may run.
-Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
+Fcodes validateInputFormat(DataHolder& holder, const std::string& rowId) {
     std::string source, streamProfile, inputDetected, gop;
     Fcodes result = FC_OK;
     result |= holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);

@@ -1,4 +1,4 @@
-#include "channel/VideoFormatTables.h"
+#include "settings/VideoFormatTables.h"
 
 #include <map>
 

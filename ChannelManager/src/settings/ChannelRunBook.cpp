@@ -1,4 +1,4 @@
-#include "channel/ChannelRunBook.h"
+#include "settings/ChannelRunBook.h"
 
 #include <algorithm>
 
