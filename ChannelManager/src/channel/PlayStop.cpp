@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <chrono>
-#include <mutex>
 #include <thread>
 
 #include "channel/ChannelLifecycle.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "datacom/Mutex.h"
 #include "settings/ChannelRunBook.h"
 #include "settings/IChannelEvents.h"
 #include "settings/InputFormatValidation.h"
@@ -82,7 +82,7 @@ void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<
 }
 
 Fcodes ChannelLifecycle::playChannel(const std::string& rowId) {
-    std::lock_guard<DataHolder> guard(ctx.holder);
+    ScopedLock<DataHolder> guard(ctx.holder);
     // Whoever plays the channel, it no longer stands stopped for its input.
     ctx.events.runBook().setStoppedByInput(rowId, false);
     Fcodes result = ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
@@ -179,7 +179,7 @@ Fcodes ChannelLifecycle::branchesToStop(const std::string& rowId, std::vector<st
 }
 
 Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
-    std::lock_guard<DataHolder> guard(ctx.holder);
+    ScopedLock<DataHolder> guard(ctx.holder);
     std::string chanState;
     int fcode = 0;
     const Fcodes reads = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
@@ -311,7 +311,7 @@ Fcodes ChannelLifecycle::waitWhileInTransition(const std::string& branch, const 
 Fcodes ChannelLifecycle::handleTarnevelBranchEvent(MessageEvent* event) {
     if (event == nullptr)
         return FC_BAD_VALUE;
-    std::lock_guard<DataHolder> guard(ctx.holder);
+    ScopedLock<DataHolder> guard(ctx.holder);
     const std::string& name = event->id;
     const std::string& branch = event->source;
     DBG(DBG_INFO) << "handleTarnevelBranchEvent: ev=" << name << " branch=" << branch;
@@ -336,7 +336,7 @@ Fcodes ChannelLifecycle::handleTarnevelBranchEvent(MessageEvent* event) {
 }
 
 Fcodes ChannelLifecycle::forcedStop(const std::string& rowId) {
-    std::lock_guard<DataHolder> guard(ctx.holder);
+    ScopedLock<DataHolder> guard(ctx.holder);
     // The operator's stop: a valid input coming back no longer resumes it.
     ctx.events.runBook().setStoppedByInput(rowId, false);
     DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;

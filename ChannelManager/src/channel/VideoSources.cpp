@@ -1,10 +1,10 @@
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "channel/VideoSourceTracker.h"
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "datacom/Mutex.h"
 #include "settings/ChannelRunBook.h"
 #include "settings/IChannelEvents.h"
 #include "settings/InputFormatValidation.h"
@@ -132,7 +132,7 @@ Fcodes VideoSourceTracker::triggerVideoSource(const std::string& videoSource) {
     for (const std::string& rowId : channels) {
         if (!isChannelRow(rowId))
             continue;
-        std::lock_guard<DataHolder> guard(ctx.holder);
+        ScopedLock<DataHolder> guard(ctx.holder);
         result |= followInput(rowId, videoSource);
     }
     return result;

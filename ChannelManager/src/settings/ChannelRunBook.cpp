@@ -2,37 +2,40 @@
 
 #include <algorithm>
 
+using datacom::Mutex;
+using datacom::ScopedLock;
+
 void ChannelRunBook::addBranch(const std::string& rowId, const std::string& branch) {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     std::vector<std::string>& list = started[rowId];
     if (std::find(list.begin(), list.end(), branch) == list.end())
         list.push_back(branch);
 }
 
 void ChannelRunBook::removeBranch(const std::string& rowId, const std::string& branch) {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     std::vector<std::string>& list = started[rowId];
     list.erase(std::remove(list.begin(), list.end(), branch), list.end());
 }
 
 std::vector<std::string> ChannelRunBook::branches(const std::string& rowId) const {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     const auto found = started.find(rowId);
     return found == started.end() ? std::vector<std::string>() : found->second;
 }
 
 void ChannelRunBook::forgetBranches() {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     started.clear();
 }
 
 void ChannelRunBook::setStoppedByInput(const std::string& rowId, bool stopped) {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     inputStopped[rowId] = stopped;
 }
 
 bool ChannelRunBook::stoppedByInput(const std::string& rowId) const {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     const auto found = inputStopped.find(rowId);
     return found != inputStopped.end() && found->second;
 }

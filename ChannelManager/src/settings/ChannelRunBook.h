@@ -1,9 +1,10 @@
 #pragma once
 
 #include <map>
-#include <mutex>
 #include <string>
 #include <vector>
+
+#include "datacom/Mutex.h"
 
 // What the channel logic must remember between its working objects, because
 // the channel rows cannot tell it: the mediator branches each channel
@@ -30,7 +31,7 @@ public:
     bool stoppedByInput(const std::string& rowId) const;
 
 private:
-    mutable std::mutex mutex;
-    std::map<std::string, std::vector<std::string>> started;
-    std::map<std::string, bool> inputStopped;
+    mutable datacom::Mutex mutex;
+    std::map<std::string, std::vector<std::string>> started DATACOM_GUARDED_BY(mutex);
+    std::map<std::string, bool> inputStopped DATACOM_GUARDED_BY(mutex);
 };

@@ -1,9 +1,9 @@
 #include <cstdlib>
-#include <mutex>
 #include <string>
 
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "datacom/Mutex.h"
 #include "settings/IChannelEvents.h"
 #include "side/SideActionSupport.h"
 #include "side/SideActions.h"
@@ -49,7 +49,7 @@ Fcodes applyCondition(DataHolder& holder, const MessageEvent& event, uint32_t co
 Fcodes SideActions::handleDataStreamEvent(MessageEvent* event, const BitrateChange& changeBitrate) {
     if (event == nullptr)
         return FC_BAD_VALUE;
-    std::lock_guard<DataHolder> guard(ctx.holder);
+    ScopedLock<DataHolder> guard(ctx.holder);
     const std::string& name = event->id;
     if (name == ev::DATA_STREAM)
         return applyCondition(ctx.holder, *event, cond::DATA_STREAM, "TARNEVEL_DATA_STREAM_EVENT");

@@ -1,5 +1,8 @@
 #include "side/ProbeRegistry.h"
 
+using datacom::Mutex;
+using datacom::ScopedLock;
+
 ProbeRegistry& ProbeRegistry::instance() {
     // Never destroyed: a detached probe may still end after main returned.
     static ProbeRegistry* registry = new ProbeRegistry();
@@ -7,22 +10,29 @@ ProbeRegistry& ProbeRegistry::instance() {
 }
 
 void ProbeRegistry::begin() {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     ++count;
 }
 
 void ProbeRegistry::end() {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     if (--count == 0)
         idle.notify_all();
 }
 
 int ProbeRegistry::running() const {
-    std::lock_guard<std::mutex> guard(mutex);
+    ScopedLock<Mutex> guard(mutex);
     return count;
 }
 
 bool ProbeRegistry::waitIdle(std::chrono::milliseconds limit) {
-    std::unique_lock<std::mutex> lock(mutex);
-    return idle.wait_for(lock, limit, [this] { return count == 0; });
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    ScopedLock<Mutex> guard(mutex);
+    while (count != 0) {
+        const auto left = deadline - std::chrono::steady_clock::now();
+        if (left <= left.zero())
+            return false;
+        mutex.waitFor(idle, left);
+    }
+    return true;
 }

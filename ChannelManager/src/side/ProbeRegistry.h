@@ -2,7 +2,8 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <mutex>
+
+#include "datacom/Mutex.h"
 
 // Counts the target probes (detached threads of testConnectionToTarget) that
 // are still running, so that the owner of the event sink they report to can
@@ -24,7 +25,7 @@ public:
 
 private:
     ProbeRegistry() = default;
-    mutable std::mutex mutex;
+    mutable datacom::Mutex mutex;
     std::condition_variable idle;
-    int count = 0;
+    int count DATACOM_GUARDED_BY(mutex) = 0;
 };
