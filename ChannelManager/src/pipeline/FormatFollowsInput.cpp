@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
@@ -57,7 +58,7 @@ bool pipeline::chooseEncoding(int channel, const std::string& input, const std::
     const bool ull = streamProfile == value::PROFILE_ULL;
     const bool fast1080p = w == 1920 && h == 1080 && scan == 'p' && rate >= 49;
     choice.encodingFormat = std::to_string(w) + "x" + std::to_string(h) + scan;
-    choice.frameSampling = static_cast<int>((halfRate ? rate / 2 : rate) + 0.5f);
+    choice.frameSampling = static_cast<int>(std::lround(halfRate ? rate / 2 : rate));
     if (choice.frameSampling > kMaxRate)
         choice.frameSampling = kMaxRate;
     choice.gopStructure = gopStructure;

@@ -22,7 +22,7 @@ using namespace vocab;
 
 std::string pipeline::targetAddressText(const std::string& protocol, const std::string& address, int port,
                                         const std::string& srtMode, const std::string& rtmpUrl) {
-    const std::string hostPort = address + " : " + std::to_string(port);
+    std::string hostPort = address + " : " + std::to_string(port);
     if (protocol == value::RTMP)
         return rtmpUrl;
     if (protocol == value::SRT)

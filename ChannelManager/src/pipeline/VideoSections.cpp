@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdio>
 
 #include "datacom/DataHolder.h"
@@ -96,7 +97,7 @@ void PipelineConfigurator::configFrameRateRatio(PipelineRun& run) {
     if (!run.inputParsed || run.inputRate <= 0 || run.flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, run.rowId))
         return;
     const bool half = run.frameRateRatio == "Half of Input";
-    int sampling = static_cast<int>((half ? run.inputRate / 2 : run.inputRate) + 0.5f);
+    int sampling = static_cast<int>(std::lround(half ? run.inputRate / 2 : run.inputRate));
     int limit = 60;
     videoformat::maxInputFrameRate(run.inputDetected, limit);
     if (sampling > limit)

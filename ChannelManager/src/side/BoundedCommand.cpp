@@ -14,8 +14,6 @@
 
 using namespace datacom;
 
-extern char** environ;
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -52,7 +50,7 @@ pid_t spawnShell(const std::string& line, int writeEnd) {
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
     std::string shell = "sh", option = "-c", command = line;
-    char* argv[] = {&shell[0], &option[0], &command[0], nullptr};
+    char* argv[] = {shell.data(), option.data(), command.data(), nullptr};
     pid_t pid = -1;
     // The child gets a copy of the environment: taken under the environment
     // lock, so that a "TZ" update on another thread cannot move it meanwhile.

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdlib>
 #include <string>
 
@@ -122,7 +123,7 @@ Fcodes SideActions::srtNewClient() {
             std::string mbps;
             long long sending = 0;
             if (isOk(ITarnevelClient::getTarnevelTextParam(&ctx.holder, sender, med::PARAM_STAT_BITRATE_MBPS, mbps)))
-                sending = static_cast<long long>(std::strtod(mbps.c_str(), nullptr) * 1000000.0 + 0.5);
+                sending = std::llround(std::strtod(mbps.c_str(), nullptr) * 1000000.0);
             long long remaining = static_cast<long long>(totals[channel]) - sending;
             if (remaining < 0)
                 remaining = 0;

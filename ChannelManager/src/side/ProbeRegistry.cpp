@@ -30,7 +30,7 @@ bool ProbeRegistry::waitIdle(std::chrono::milliseconds limit) {
     ScopedLock<Mutex> guard(mutex);
     while (count != 0) {
         const auto left = deadline - std::chrono::steady_clock::now();
-        if (left <= left.zero())
+        if (left <= std::chrono::steady_clock::duration::zero())
             return false;
         mutex.waitFor(idle, left);
     }
