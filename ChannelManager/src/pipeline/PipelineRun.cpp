@@ -132,11 +132,7 @@ bool PipelineRun::ultraLowLatency() const {
     return streamProfile == value::PROFILE_ULL;
 }
 
-// ---- configChannel ----
-
-// The sections run in this order whatever fails: a partly valid
-// configuration reaches the mediator as far as it can, and the result tells
-// which kinds of failure occurred.
+// What the bitrate model needs, taken from what the run has already read.
 ChannelSettings PipelineRun::bitrateSettings() const {
     ChannelSettings s;
     s.rowId = rowId;
@@ -159,6 +155,11 @@ ChannelSettings PipelineRun::bitrateSettings() const {
     return s;
 }
 
+// ---- configChannel ----
+
+// The sections run in this order whatever fails: a partly valid
+// configuration reaches the mediator as far as it can, and the result tells
+// which kinds of failure occurred.
 Fcodes PipelineConfigurator::configChannel(const std::string& rowId) {
     if (!isChannelRow(rowId)) {
         DBG(DBG_ERROR) << "configChannel: Unexpected rowId=" << rowId;

@@ -8,9 +8,9 @@
 //
 // Seeded and bounded: SYSMGT_SEQUENCE_SEED (default 1, 2, 3), each
 // SYSMGT_SEQUENCE_STEPS steps long (default 40). SYSMGT_SEQUENCE_MINUTES runs
-// consecutive seeds for that many minutes (the fuzz leg's long run). On a
-// broken invariant the report names its seed and a reduced list of steps that
-// still breaks it (steps dropped one by one while the fault stays).
+// consecutive seeds for that many minutes (the fuzz leg's long run). A failed
+// check names the seed to run again and the steps the failure still needs
+// (steps dropped one by one while the fault stays).
 #include <gtest/gtest.h>
 
 #include <chrono>
