@@ -12,8 +12,6 @@ using namespace datacom;
 
 namespace {
 
-const std::string MEDIATOR = "--socket /tmp/sockTarnevelMediator ";
-
 // One value of the daemon's channel data, "" when it cannot be read.
 std::string channelValue(const std::string& component, const std::string& property, const std::string& row) {
     ToolRun run = chanctl("get ChannelDataSet " + component + " '" + property + "' '" + row + "'");
@@ -21,7 +19,7 @@ std::string channelValue(const std::string& component, const std::string& proper
 }
 
 std::string branchState(const std::string& branch) {
-    ToolRun run = chanctl(MEDIATOR + "command 'Tarnevel Get Branch State' 'Branch=" + branch + "'");
+    ToolRun run = chanctl(AT_MEDIATOR + "command 'Tarnevel Get Branch State' 'Branch=" + branch + "'");
     const size_t at = run.output.find("Branch State=");
     return at == std::string::npos ? "" : run.output.substr(at + 13, run.output.find('\n', at) - at - 13);
 }
@@ -106,8 +104,8 @@ TEST(ChannelManagerChannels, APlayingChannelPlaysAgainAfterARestartAndTheStoredF
 
     // A power cut; the mediator restarts with its branches stopped.
     session.killDaemon();
-    ASSERT_EQ(0,
-              chanctl(MEDIATOR + "command 'Tarnevel Stop Branch' 'Branch=UDP CH1' Sync=true 'Timeout sec=5'").status);
+    ASSERT_EQ(
+        0, chanctl(AT_MEDIATOR + "command 'Tarnevel Stop Branch' 'Branch=UDP CH1' Sync=true 'Timeout sec=5'").status);
     ASSERT_EQ("STOP", branchState("UDP CH1"));
     session.startDaemon();
     ASSERT_TRUE(session.ready()) << session.everything();
@@ -135,8 +133,8 @@ TEST(ChannelManagerChannels, MediatorFaultsDuringAPlayAnswerInTimeAndTheDaemonSe
     MessageEvent event;
 
     // The mediator refuses the start: the play fails, the channel is stopped again.
-    ASSERT_EQ(0,
-              chanctl(MEDIATOR + "command 'Sim Fail' 'Command=Tarnevel Start Branch' Mode=NACK Fcode=0x10100").status);
+    ASSERT_EQ(
+        0, chanctl(AT_MEDIATOR + "command 'Sim Fail' 'Command=Tarnevel Start Branch' Mode=NACK Fcode=0x10100").status);
     EXPECT_NE(FC_OK, front.command("Play", {{"RowID", "HEVC"}}, 120));
     EXPECT_TRUE(waitChannelEvent(front, "Channel Play Error", "HEVC", event));
     EXPECT_EQ("Stopped", channelValue("ChannelsTable", "State", "HEVC"));
@@ -147,8 +145,8 @@ TEST(ChannelManagerChannels, MediatorFaultsDuringAPlayAnswerInTimeAndTheDaemonSe
     // The answer is "OK": only the last target's codes count, and the second
     // target of "H.264" is disabled, so the first one's failed read is not
     // reported (kept as the play behaves).
-    ASSERT_EQ(0,
-              chanctl(MEDIATOR + "command 'Sim Fail' 'Command=Tarnevel Get Branch State' Mode=Silent Count=3").status);
+    ASSERT_EQ(
+        0, chanctl(AT_MEDIATOR + "command 'Sim Fail' 'Command=Tarnevel Get Branch State' Mode=Silent Count=3").status);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(FC_OK, front.command("Play", {{"RowID", "H.264"}}, 100));
     EXPECT_EQ("STOP", branchState("UDP CH0"));

@@ -31,12 +31,6 @@ using namespace vocab;
 // path (assembly check, failure line); one the mediator reports off already
 // is left alone, so a run only writes what changes.
 
-namespace {
-const char* otherRow(int channel) {
-    return channel == 0 ? row::HEVC : row::H264;
-}
-}  // namespace
-
 void PipelineConfigurator::configUnusedComponents(PipelineRun& run) {
     const int ch = run.channel;
     std::vector<std::string> candidates = {
@@ -48,7 +42,7 @@ void PipelineConfigurator::configUnusedComponents(PipelineRun& run) {
              {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay", "PCM Converter Str0 CH1 Low Delay"})
             candidates.push_back(c);
 
-    const std::string other = otherRow(ch);
+    const std::string other = row::otherChannel(ch);
     if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, other))
         candidates.push_back("SDI_TRANSMITTER");
     const std::string otherKlv = run.text(tbl::PROCESSING, prop::INGEST_KLV, other, value::KLV_NONE);

@@ -18,12 +18,6 @@ using namespace vocab;
 // ratio, mixer, genlock, pre-processing, crop and video switch; and the
 // picture adjustments of configAVSettings.
 
-namespace {
-const char* otherRow(int channel) {
-    return channel == 0 ? row::HEVC : row::H264;
-}
-}  // namespace
-
 // Section 2.
 void PipelineConfigurator::configInputFormat(PipelineRun& run) {
     run.source = run.text(tbl::SOURCE, prop::SOURCE, run.rowId);
@@ -49,7 +43,7 @@ void PipelineConfigurator::configInputFormat(PipelineRun& run) {
 // the two channels never ask different things of one de-embedder. A playing
 // other channel is told that its configuration changed.
 void PipelineConfigurator::configSharedInput(PipelineRun& run) {
-    const std::string other = otherRow(run.channel);
+    const std::string other = row::otherChannel(run.channel);
     const std::string otherSource = run.text(tbl::SOURCE, prop::SOURCE, other);
     for (const char* r : {row::H264, row::HEVC}) {
         run.flag(tbl::SOURCE, prop::FORCE_COLOR_BAR, r);

@@ -6,6 +6,7 @@
 #include "datacom/DbgPrintClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+#include "vocab/PeerNames.h"
 #include "vocab/ValueRanges.h"
 
 using namespace datacom;
@@ -28,8 +29,6 @@ constexpr int32_t TS_PACKET_BITS = 1504;
 constexpr int32_t MIN_VIDEO_BITRATE[2] = {100000, 23900};
 constexpr int32_t MIN_MAX_VIDEO_BITRATE[2] = {110000, 26290};
 constexpr int32_t CBR_MARGIN[2] = {25, 0};
-
-constexpr const char* KLV_BITRATE = "KLV Bitrate";
 
 bool isTransportProtocol(const std::string& protocol) {
     return protocol == value::UDP_TS || protocol == value::RTP_TS || protocol == value::PRO_MPEG ||
@@ -125,7 +124,7 @@ void bitrate::calcBitrates(const ChannelSettings& s, int& totalBitrate, int& vid
         audio +=
             (rate != 0 && samples != 0) ? rate * packetsPerAudioFrame(a.bitrate) * TS_PACKET_BITS / samples : a.bitrate;
     }
-    const int32_t klv = asInt(rowId, KLV_BITRATE, static_cast<int64_t>(s.klvBitrate1) + s.klvBitrate2);
+    const int32_t klv = asInt(rowId, prop::KLV_BITRATE, static_cast<int64_t>(s.klvBitrate1) + s.klvBitrate2);
 
     // Clamped to their ranges: (P + 100) is a divisor, and the frame term a product.
     const int64_t percent = s.rateControl == value::CBR

@@ -17,7 +17,6 @@ namespace {
 // The device manager's KLV inputs and the property that holds the bitrate of each.
 constexpr const char* COM_PORTS_TABLE = "ComPortsTable";
 constexpr const char* BAUD_RATE = "Baud Rate";
-constexpr const char* KLV_BITRATE = "KLV Bitrate";
 constexpr const char* KLV_OVER_SDI_TABLE = "KLV over SDI";
 constexpr const char* KLV_OVER_SDI_BITRATE = "Bitrate";
 
@@ -31,7 +30,7 @@ Fcodes readKlvBitrate(DataHolder& holder, const std::string& ingest, int& bitrat
         property = BAUD_RATE;
     } else if (ingest == value::KLV_IP) {
         component = tbl::KLV_OVER_IP;
-        property = KLV_BITRATE;
+        property = prop::KLV_BITRATE;
     } else if (ingest == value::KLV_SDI || ingest == value::KLV_SDI_SYNC) {
         component = KLV_OVER_SDI_TABLE;
         property = KLV_OVER_SDI_BITRATE;

@@ -128,7 +128,7 @@ Fcodes SideActions::klvAction(const std::string& rowId) {
     result |= klvBranches(ctx.holder, rowId, branches, resets);
 
     // The other channel's branches, to keep shared branches running for it.
-    const std::string other = channel == 0 ? row::HEVC : row::H264;
+    const std::string other = row::otherChannel(channel);
     std::string otherState;
     std::vector<std::string> otherBranches;
     std::vector<const char*> unused;
@@ -189,7 +189,7 @@ Fcodes SideActions::klvFollowSettings(const std::string& rowId) {
     std::vector<std::string> named, otherNamed;
     std::vector<const char*> resets;
     Fcodes result = FC_OK | klvBranches(ctx.holder, rowId, named, resets);
-    const std::string other = channel == 0 ? row::HEVC : row::H264;
+    const std::string other = row::otherChannel(channel);
     std::string otherState;
     if (isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
         isPlaying(otherState))

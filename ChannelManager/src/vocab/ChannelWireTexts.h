@@ -19,6 +19,11 @@ constexpr const char* H264 = "H.264";  // channel 0, suffix "CH0"
 constexpr const char* HEVC = "HEVC";   // channel 1, suffix "CH1"
 constexpr const char* ALL = "ALL";
 constexpr const char* ALL_NUMERIC = "0";  // a "RowID" of "0" means "ALL"
+// The row of the channel beside `channel` (0 or 1): what the two share is
+// turned off only when the other does not use it either.
+constexpr const char* otherChannel(int channel) {
+    return channel == 0 ? HEVC : H264;
+}
 }  // namespace row
 
 // ---- Channel condition codes ("Fcode" of a channel and of its events) ----

@@ -86,6 +86,7 @@ constexpr const char* KLV_TABLE = "KLV Table";
 namespace prop {
 constexpr const char* ENCAPSULATION = "Encapsulation";
 constexpr const char* INPUT_DATA_FORMAT = "Input Data Format";
+constexpr const char* KLV_BITRATE = "KLV Bitrate";  // of a "KLV over IP" input
 }  // namespace prop
 namespace cmd {
 // "Toggle KLVoSDI Input" names the channel and whether KLV comes from SDI.

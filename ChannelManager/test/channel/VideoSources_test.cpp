@@ -11,11 +11,6 @@ using namespace vocab;
 
 namespace {
 
-Fcodes detect(ChannelHarness& h, const std::string& source, const std::string& format) {
-    MessageEvent event = mediatorEvent(ev::AUTO_DETECTION, source, "ON", {{"Input Detected", format}});
-    return h.channel().updateVideoSource(&event);
-}
-
 std::string sourceRow(ChannelHarness& h, const std::string& source) {
     const bool connected = h.flag(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, source);
     return h.text(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, source) + (connected ? " +" : " -");
@@ -51,7 +46,7 @@ TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
             h.simControl("Sim Set Input", {{"Source", row.source}, {"Input Detected", row.receiverFormat}});
             EXPECT_EQ(h.channel().updateVideoSource(std::string(row.source)), FC_OK) << row.expected;
         } else {
-            EXPECT_EQ(detect(h, row.source, row.eventFormat), FC_OK) << row.expected;
+            EXPECT_EQ(detectFormat(h, row.source, row.eventFormat), FC_OK) << row.expected;
         }
         EXPECT_EQ(sourceRow(h, row.source), row.expected);
         const std::vector<RecordedEvent> events = h.recorder.events();
@@ -64,7 +59,7 @@ TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
     }
     EXPECT_EQ(h.channel().updateVideoSource(std::string()), FC_BAD_VALUE);
     EXPECT_EQ(h.channel().updateVideoSource(std::string("SDI 2")), FC_NO_SUCH_NAME);
-    EXPECT_EQ(detect(h, "SDI 2", "None"), FC_NO_SUCH_NAME);
+    EXPECT_EQ(detectFormat(h, "SDI 2", "None"), FC_NO_SUCH_NAME);
     // An unanswered receiver is no lost input: the row stays.
     ASSERT_EQ(h.failNext("Tarnevel Get Param"), FC_OK);
     EXPECT_EQ(h.channel().updateVideoSource(std::string("HD-SDI")), FC_UNAVAILABLE);
@@ -87,7 +82,7 @@ TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
     };
     for (const Step& step : steps) {
         h.recorder.clear();
-        detect(h, "HD-SDI", step.format);
+        detectFormat(h, "HD-SDI", step.format);
         EXPECT_EQ(channelRow(h, row::H264), step.channel) << step.format;
         const std::vector<std::string> names = h.recorder.names();
         ASSERT_FALSE(names.empty());
@@ -96,15 +91,15 @@ TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
     EXPECT_EQ(h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 25");
     // A user's stop is never undone by the input.
     ASSERT_EQ(h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x20020, row::HEVC), FC_OK);
-    detect(h, "HDMI", "None");
-    detect(h, "HDMI", "1280x720p @ 50");
+    detectFormat(h, "HDMI", "None");
+    detectFormat(h, "HDMI", "1280x720p @ 50");
     EXPECT_EQ(channelRow(h, row::HEVC), "Stopped 20020 OK");
 }
 
 TEST_F(VideoSources, FormatAsDetectedReconfiguresAndPlaysAgain) {
     h.holder->initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, true, row::H264);
     ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
-    detect(h, "HD-SDI", "1920x1080i @ 30");
+    detectFormat(h, "HD-SDI", "1920x1080i @ 30");
     EXPECT_EQ(channelRow(h, row::H264), "Playing 10000 OK changed");
     EXPECT_EQ(h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 30");
     const std::vector<std::string> names = h.recorder.names();

@@ -32,13 +32,8 @@ Fcodes activate(ChannelHarness& h, const std::string& rowId) {
     return command(h, cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, rowId}});
 }
 
-Fcodes detect(ChannelHarness& h, const std::string& source, const std::string& format) {
-    MessageEvent event = mediatorEvent(ev::AUTO_DETECTION, source, "ON", {{"Input Detected", format}});
-    return h.channel().updateVideoSource(&event);
-}
-
 // "State Fcode Status" of a channel, the code in hexadecimal.
-std::string channelRow(ChannelHarness& h, const std::string& rowId) {
+std::string stateFcodeStatus(ChannelHarness& h, const std::string& rowId) {
     std::ostringstream fcode;
     fcode << std::hex << h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, rowId);
     return h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, rowId) + " " + fcode.str() + " " +
@@ -248,10 +243,10 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
         };
         for (const auto& step : steps) {
             if (step.input)
-                detect(h, value::SRC_HD_SDI, step.input);
+                detectFormat(h, value::SRC_HD_SDI, step.input);
             else
                 command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
-            EXPECT_EQ(step.channel, channelRow(h, row::H264))
+            EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264))
                 << asDetected << " " << (step.input ? step.input : "Stop");
             EXPECT_EQ("1920x1080i", h.text(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264))
                 << asDetected << " " << (step.input ? step.input : "Stop");
@@ -269,14 +264,14 @@ TEST(OperatorFlows, TheInputComingBackClosesTheAlarmHoweverTheLossArose) {
     } flows[] = {
         {"played while the input was lost",
          [](ChannelHarness& h) {
-             detect(h, value::SRC_HD_SDI, "None");
+             detectFormat(h, value::SRC_HD_SDI, "None");
              h.channel().playChannel(row::H264);
          },
          "Playing 10000 ERROR"},
         {"lost, then a Data Stream OFF",
          [](ChannelHarness& h) {
              h.channel().playChannel(row::H264);
-             detect(h, value::SRC_HD_SDI, "None");
+             detectFormat(h, value::SRC_HD_SDI, "None");
              MessageEvent off = mediatorEvent(ev::DATA_STREAM, row::H264, "OFF");
              h.channel().handleDataStreamEvent(&off);
          },
@@ -286,11 +281,11 @@ TEST(OperatorFlows, TheInputComingBackClosesTheAlarmHoweverTheLossArose) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready()) << f.name;
         f.loss(h);
-        EXPECT_EQ(f.lost, channelRow(h, row::H264)) << f.name;
+        EXPECT_EQ(f.lost, stateFcodeStatus(h, row::H264)) << f.name;
         h.recorder.clear();
         h.mediator.model().clearRecords();
-        detect(h, value::SRC_HD_SDI, "1920x1080i @ 25");
-        EXPECT_EQ("Playing 10000 OK", channelRow(h, row::H264)) << f.name;
+        detectFormat(h, value::SRC_HD_SDI, "1920x1080i @ 25");
+        EXPECT_EQ("Playing 10000 OK", stateFcodeStatus(h, row::H264)) << f.name;
         EXPECT_EQ(1, count(h.recorder.names(), "Close Alarms H.264")) << f.name;
         const std::vector<std::string> leds = h.writes({"Device/Error LED="});
         EXPECT_EQ("Device/Error LED=0", leds.empty() ? "" : leds.back()) << f.name;
@@ -326,8 +321,8 @@ TEST(OperatorFlows, APlayWithAFailedSideActionRecordsTheRunningFormat) {
         EXPECT_NE(FC_OK, h.channel().playChannel(row::H264)) << f.name;
         EXPECT_EQ("1920x1080i @ 25", h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264)) << f.name;
         h.recorder.clear();
-        detect(h, value::SRC_HD_SDI, "1920x1080i @ 25");
-        EXPECT_EQ("Playing 10000 OK", channelRow(h, row::H264)) << f.name;
+        detectFormat(h, value::SRC_HD_SDI, "1920x1080i @ 25");
+        EXPECT_EQ("Playing 10000 OK", stateFcodeStatus(h, row::H264)) << f.name;
         EXPECT_EQ(0, count(h.recorder.names(), "Channel Stopped H.264")) << f.name;
     }
 }

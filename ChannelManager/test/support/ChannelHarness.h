@@ -379,3 +379,10 @@ protected:
 };
 using ChannelTest = HarnessTest<ChannelHarness>;
 using ManagerTest = HarnessTest<ManagerHarness>;
+
+// The mediator's "Auto Detection Event" of `source` with the format it detected.
+inline datacom::Fcodes detectFormat(ChannelHarness& h, const std::string& source, const std::string& format) {
+    datacom::MessageEvent event =
+        mediatorEvent(vocab::ev::AUTO_DETECTION, source, "ON", {{vocab::ev::PARAM_INPUT_DETECTED, format}});
+    return h.channel().updateVideoSource(&event);
+}

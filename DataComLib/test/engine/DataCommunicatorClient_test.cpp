@@ -8,8 +8,6 @@ using namespace datacom;
 
 namespace {
 
-constexpr const char* PEER = "/tmp/sockPeer";
-
 // A client engine and a bare peer that sees exactly what it sends.
 struct ClientAndPeer {
     ClientAndPeer() { client.init(nullptr, "/tmp/sockCli", "/tmp/sockCliSend", "tCli"); }

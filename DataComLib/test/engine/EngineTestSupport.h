@@ -23,6 +23,9 @@
 #include "datacom/NullDataHolder.h"
 #include "engine/LocalAddress.h"
 
+// Where the engine tests' bare peer listens.
+constexpr const char* PEER = "/tmp/sockPeer";
+
 // A bare datagram socket bound at a logical path under the test root.
 class RawPeer {
 public:

@@ -20,7 +20,6 @@ using namespace datacom;
 namespace {
 
 constexpr const char* CLIENT_SEND = "/tmp/sockCliSend";
-constexpr const char* PEER = "/tmp/sockPeer";
 constexpr const char* SERVER = "/tmp/sockSrv";
 constexpr unsigned TIMEOUT = 1;  // seconds, every request of the table
 const std::string COMMAND = "<Command ID=\"X\" >\n</Command>";

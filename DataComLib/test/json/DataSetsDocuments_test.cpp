@@ -13,9 +13,9 @@ using namespace datacom;
 using dstest::readText;
 using dstest::writeText;
 
-namespace {
+using dstest::kSet;
 
-const std::string kSet = "ChannelDataSet";
+namespace {
 
 int filesIn(const std::string& logicalDir) {
     DIR* dir = opendir(sysmgtPath(logicalDir).c_str());

@@ -8,12 +8,8 @@ using dstest::LogCapture;
 using dstest::valueAt;
 using Keys = std::vector<std::string>;
 
-namespace {
-
-const std::string kSet = "ChannelDataSet";
-const std::string kChan = "ChannelsTable";
-
-}  // namespace
+using dstest::kChan;
+using dstest::kSet;
 
 TEST(DataSetsInstances, AddAppendRemoveAndClear) {
     DataSets store;

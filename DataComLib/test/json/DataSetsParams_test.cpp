@@ -9,12 +9,8 @@ using namespace datacom;
 using dstest::LogCapture;
 using dstest::valueAt;
 
-namespace {
-
-const std::string kSet = "ChannelDataSet";
-const std::string kChan = "ChannelsTable";
-
-}  // namespace
+using dstest::kChan;
+using dstest::kSet;
 
 TEST(DataSetsParams, CommittedAndPendingReadsAcrossSetCommitRollback) {
     DataSets store;

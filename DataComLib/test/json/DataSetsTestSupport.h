@@ -20,6 +20,10 @@ using ::readText;
 using ::writeText;
 using testdoc::kChannelDoc;
 
+// The channel document's dataset and its channel table.
+inline const std::string kSet = "ChannelDataSet";
+inline const std::string kChan = "ChannelsTable";
+
 // Writes the channel document and loads it; true on "OK".
 inline bool loadChannelDoc(datacom::DataSets& store, const std::string& path = "/etc/sysmgt/channel_test.json") {
     writeText(path, kChannelDoc);

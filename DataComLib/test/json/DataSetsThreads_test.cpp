@@ -8,12 +8,8 @@
 
 using namespace datacom;
 
-namespace {
-
-const std::string kSet = "ChannelDataSet";
-const std::string kChan = "ChannelsTable";
-
-}  // namespace
+using dstest::kChan;
+using dstest::kSet;
 
 // A writer commits the same even value to both channels under lock()/unlock()
 // while a reader checks, under the same lock, that both channels always agree

@@ -36,6 +36,8 @@ constexpr const char* kReference = R"({"dataset": "Default Dataset", "components
   "Empty": {"properties": {"P": {"type": "integer", "default": 1}}, "instances": {"k": {"P": 1}}},
   "New": {"properties": {"Q": {"type": "boolean", "default": false}}, "instances": [{"Q": true}]}}})";
 
+}  // namespace
+
 class DataSetUpdate : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -46,8 +48,6 @@ protected:
     }
     DataSets store;
 };
-
-}  // namespace
 
 TEST_F(DataSetUpdate, AddsTypedDefaultsKeepsValuesAndRemovesExtras) {
     LogCapture log;
