@@ -15,6 +15,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <map>
 #include <vector>
 
@@ -58,9 +59,7 @@ void featureChannel(ChannelTestHolder& holder) {
     holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::SDI_OUT_PREVIEW, true, row::H264);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const int runs = argc > 1 ? std::max(10, std::atoi(argv[1])) : 200;
     gDbgLevel = 5;  // log silenced, as in engine_roundtrip
     // The simulator prints its traffic to stdout: send it away while measuring.
@@ -122,4 +121,16 @@ int main(int argc, char** argv) {
     std::printf("  COMMAND round trip: median %.1f us, p90 %.1f us\n", roundTrip, percentile(roundTrips, 0.9));
     std::printf("  ratio per request / round trip: %.2f (goal <= 1.5)\n", perRequest / roundTrip);
     return 0;
+}
+
+}  // namespace
+
+// Setting up may throw (memory, the temporary root): that ends with a line, not std::terminate.
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "channel_config: %s\n", e.what());
+        return 1;
+    }
 }

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <map>
 #include <string>
 #include <vector>
@@ -47,9 +48,7 @@ void report(const char* name, Stats& stats) {
                  stats.micros[0], stats.micros[n / 2], stats.micros[n * 9 / 10], stats.micros[n - 1]);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 200;
     gDbgLevel = 5;  // the log pipe has no collector here
     // The simulator prints every message on stdout; only the figures matter.
@@ -83,4 +82,16 @@ int main(int argc, char** argv) {
     report("Play", played);
     report("Stop", stopped);
     return 0;
+}
+
+}  // namespace
+
+// Setting up may throw (memory, the temporary root): that ends with a line, not std::terminate.
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "channel_play_stop: %s\n", e.what());
+        return 1;
+    }
 }
