@@ -48,6 +48,9 @@ void readAllowed(DataHolder& holder, const std::string& encoder, const char* par
 // count as a failure: the encoder simply did not tell.
 Fcodes PipelineConfigurator::writeBackEncoderSettings(const std::string& rowId) {
     const int channel = channelIndex(rowId);
+    // Only a channel's row has an encoder (and a multiplexer) to read back.
+    if (channel < 0)
+        return FC_BAD_VALUE;
     const std::string multiplexer = med::TS_MULTIPLEXER[channel];
     Fcodes result = FC_OK;
     if (channel == 0) {
