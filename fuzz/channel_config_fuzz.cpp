@@ -23,6 +23,7 @@
 #include <memory>
 
 #include "FuzzSupport.h"
+#include "TestPaths.h"
 #include "datacom/DbgPrintClient.h"
 #include "support/ChannelHarness.h"
 
@@ -57,7 +58,7 @@ struct FuzzHarness : ChannelHarness {
 struct Peers {
     Peers() {
         gDbgLevel = 5;  // nothing to capture: lines would be formatted and dropped
-        readHostFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/mediator_params.json", params);
+        readHostFile(std::string(testpaths::SIM_DATA_DIR) + "/mediator_params.json", params);
         fuzz::check(harness.ready(), "the simulated peers and the factory data sets come up");
     }
     FuzzHarness harness;
@@ -121,7 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string error;
     h.mediator.model().loadParams(peers.params, error);
     h.mediator.model().clearRecords();
-    h.device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
+    h.device.loadDataSetFile(std::string(testpaths::SIM_DATA_DIR) + "/device_data_set.json", error);
     h.recorder.clear();
     h.holder->rollback();
     for (const char* file : kFactoryFiles)

@@ -123,7 +123,7 @@ TEST(ChannelManagerStartup, WithoutOptionsItStaysInTheForegroundAndLogsEverythin
 // (a socket in the abstract namespace stands in for the service manager).
 // READY=1 must mean start-up is complete: the start file is there when it arrives.
 TEST(ChannelManagerStartup, UnderItsServiceUnitReadinessFollowsTheStartFile) {
-    std::ifstream unit(SYSMGT_SERVICE_UNIT);
+    std::ifstream unit(testpaths::SERVICE_UNIT);
     std::string line, options;
     while (std::getline(unit, line))
         if (line.rfind("ExecStart=", 0) == 0 && line.find("/channel_manager ") != std::string::npos)

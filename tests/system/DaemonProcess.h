@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "TestFiles.h"
+#include "TestPaths.h"
 #include "TestRoot.h"
 #include "ToolCommand.h"
 #include "datacom/DataCommunicator.h"
@@ -166,7 +167,7 @@ inline bool installFactoryData() {
     bool copied = true;
     for (const char* file :
          {"channel_data_set_vex.json", "vsrc_data_set.json", "zixistat_data_set.json", "srtstat_data_set.json"}) {
-        std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/" + file, std::ios::binary);
+        std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/" + file, std::ios::binary);
         std::ofstream out(datacom::sysmgtPath(std::string("/etc/sysmgt/") + file), std::ios::binary);
         out << in.rdbuf();
         copied = copied && in.good() && out.good();

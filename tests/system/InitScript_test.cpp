@@ -13,7 +13,8 @@ struct ScriptRun {
 };
 
 ScriptRun initScript(const std::string& action) {
-    FILE* pipe = popen(("_SYSTEMCTL_SKIP_REDIRECT=1 sh " SYSMGT_INIT_SCRIPT " " + action + " 2>&1").c_str(), "r");
+    FILE* pipe = popen(
+        ("_SYSTEMCTL_SKIP_REDIRECT=1 sh " + std::string(testpaths::INIT_SCRIPT) + " " + action + " 2>&1").c_str(), "r");
     ToolRun run = finishTool(pipe);
     return {run.status, run.output};
 }

@@ -98,7 +98,7 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
     // A stored file of an older release, without "Channel Name": the load adds
     // it from the factory defaults and drops the defaults again.
     {
-        std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/channel_data_set_vex.json");
+        std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
         Json::Value document;
         in >> document;
         Json::Value& table = document["components"]["ChannelsTable"];

@@ -14,6 +14,7 @@
 
 #include "LogCapture.h"
 #include "SimServices.h"
+#include "TestPaths.h"
 #include "TestRoot.h"
 #include "TrafficLog.h"
 #include "channel/ConfigChannelTarnevel.h"
@@ -30,7 +31,7 @@
 // Copies a factory dataset of etc/sysmgt (by file name) to its logical path
 // under the test's root, e.g. installFactoryFile(root, "vsrc_data_set.json").
 inline bool installFactoryFile(const TestRoot& root, const std::string& fileName) {
-    std::ifstream in(std::string(SYSMGT_FACTORY_DIR) + "/" + fileName, std::ios::binary);
+    std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/" + fileName, std::ios::binary);
     std::ofstream out(root.host("/etc/sysmgt/" + fileName), std::ios::binary);
     out << in.rdbuf();
     return in.good() && out.good();
@@ -291,13 +292,13 @@ protected:
         for (const char* file : kFactoryFiles)
             installFactoryFile(root, file);
         std::string params, error;
-        readHostFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/mediator_params.json", params);
+        readHostFile(std::string(testpaths::SIM_DATA_DIR) + "/mediator_params.json", params);
         simLoaded = mediator.model().loadParams(params, error);
         started = mediator.start(datacom::wire::SOCK_MEDIATOR, "/tmp/sockSendTarnevelMediator") &&
                   device.start(datacom::wire::SOCK_DEV, "/tmp/sockSendDev") &&
                   sap.start(datacom::wire::SOCK_SAP, "/tmp/sockSendSap");
         if (started)
-            simLoaded |= device.loadDataSetFile(std::string(APPLIANCE_SIM_DATA_DIR) + "/device_data_set.json", error);
+            simLoaded |= device.loadDataSetFile(std::string(testpaths::SIM_DATA_DIR) + "/device_data_set.json", error);
         if (withHolder)
             holder = std::make_unique<ChannelTestHolder>();
         store = holder.get();

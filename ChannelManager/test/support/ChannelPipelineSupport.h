@@ -60,7 +60,7 @@ private:
 // The lines of a file in pipeline/data, one per line without comments:
 // the whole file, or the lines under "## `section`" up to the next section.
 inline std::string expectedWrites(const std::string& file, const std::string& section = "") {
-    std::ifstream in(std::string(PIPELINE_DATA_DIR) + "/" + file);
+    std::ifstream in(std::string(testpaths::PIPELINE_DATA_DIR) + "/" + file);
     std::string line, out;
     bool inside = section.empty();
     while (std::getline(in, line)) {

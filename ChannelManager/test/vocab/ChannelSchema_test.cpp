@@ -38,7 +38,7 @@ TEST(ChannelSchema, FactoryDatasetsHoldEveryNameTheCodeUses) {
         ASSERT_EQ(FC_OK, store->loadDataSet(std::string("/etc/sysmgt/") + file)) << file;
     }
     Json::Value channelFile;  // the ranges are read from the file itself: the store does not keep them apart
-    std::ifstream channelText(std::string(SYSMGT_FACTORY_DIR) + "/channel_data_set_vex.json");
+    std::ifstream channelText(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
     channelText >> channelFile;
     std::set<std::string> named;
     for (const SchemaEntry& entry : channelSchema()) {
