@@ -13,6 +13,12 @@ endif()
 if(_san)
   add_compile_options(${_san})
   add_link_options(${_san})
+  # These legs link every test executable with the runtime in it; lld does
+  # that in about a third of the time of the default linker.
+  find_program(SYSMGT_LLD ld.lld)
+  if(SYSMGT_LLD)
+    add_link_options(-fuse-ld=lld)
+  endif()
 endif()
 
 # Environment every test runs with: leaks and races fail the test.
