@@ -124,13 +124,13 @@ TEST(ChannelManagerRobustness, OneBadCommandLeavesItAnswering) {
         {"command STORE_CHANNELS File=/tmp/zero.json", 1, "Bad Value",
          "storeDataSet: Not a regular file=/tmp/zero.json"},
         {"command STORE_CHANNELS File=/tmp/dir.json", 1, "Bad Value", "storeDataSet: Not a regular file=/tmp/dir.json"},
-        // The archive's first step cannot write its file: the store is made, the archive is not.
+        // The archive cannot take its place: the store is made, the archive is not.
         {"command STORE_CHANNELS File=/data/settings/channels.json", 1, "Unavailable",
          "execute: settings archive failed"},
     };
     for (const auto& row : rows) {
         if (std::string(row.output) == "Unavailable") {
-            ASSERT_EQ(0, mkdir(sysmgtPath("/tmp/devsettings.tar").c_str(), 0700));
+            ASSERT_EQ(0, mkdir(sysmgtPath("/tmp/devsettings.tgz").c_str(), 0700));
         }
         ToolRun run = chanctl(row.args);
         EXPECT_EQ(row.status, run.status) << row.args << ": " << run.output;

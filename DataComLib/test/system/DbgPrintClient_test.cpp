@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "FixedClock.h"
@@ -138,6 +140,23 @@ TEST(DbgPrintClient, MissingFifoPrintsOnceAndLoggingStaysHarmless) {
     client.fillInOss(DBG_ERROR, &line);
     line << "lost\n";
     client.doReport(&line);
+
+    // A neighbour's link at the pipe's name (ELOOP) or a file there (ENXIO):
+    // refused, and the file it names is never written.
+    std::ofstream(sysmgtPath("/tmp/victim")) << "kept";
+    ASSERT_EQ(0, symlink(sysmgtPath("/tmp/victim").c_str(), sysmgtPath("/tmp/linkedFifo").c_str()));
+    ASSERT_EQ(0, link(sysmgtPath("/tmp/victim").c_str(), sysmgtPath("/tmp/fileFifo").c_str()));
+    for (const char* planted : {"/tmp/linkedFifo", "/tmp/fileFifo"}) {
+        testing::internal::CaptureStdout();
+        DbgPrintClient refused(planted);
+        const std::string errnoText = std::string(planted) == "/tmp/linkedFifo" ? "40" : "6";
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  std::string("DbgPrintClient: Couldn't open a fifo ") + planted + " errno=" + errnoText + "\n");
+        EXPECT_EQ(refused.sink(), -1) << planted;
+        refused.doReport(&line);
+    }
+    std::ifstream victim(sysmgtPath("/tmp/victim"));
+    EXPECT_EQ("kept", std::string(std::istreambuf_iterator<char>(victim), {}));
 }
 
 TEST(DbgPrintClient, LevelFiltersBeforeFormatting) {
