@@ -41,8 +41,8 @@ TEST(ChannelManagerStartup, BadOptionsPrintTheUsageAndExit1) {
     ASSERT_TRUE(installFactoryData());
     const std::string program = std::string(SYSMGT_BIN_DIR) + "/channel_manager";
     // The documented line letter for letter, then the options gained since.
-    const std::string usage = "Usage: " + program + " [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n" +
-                              "       [-g socketgroup]\n";
+    const std::string usage =
+        "Usage: " + program + " [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n" + "       [-g socketgroup]\n";
     for (const char* options :
          {"-x", "-s /tmp/cm.start -v", "-p", "-s /tmp/cm.start -d -q -p /tmp/cm.pid", "-g", "-g no-such-group"}) {
         ChildProcess daemon(toolCommand("channel_manager") + " " + options + " 2> " + sysmgtPath("/tmp/usage.err"));

@@ -4,12 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
+#include <cerrno>
 #include <thread>
 
 #include "FixedClock.h"
 #include "LogCapture.h"
+#include "TestFiles.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 
@@ -130,33 +130,26 @@ TEST(DbgPrintClient, FullPipeDropsLinesAndAVanishedReaderIsHarmless) {
     client.doReport(&line);
 }
 
-TEST(DbgPrintClient, MissingFifoPrintsOnceAndLoggingStaysHarmless) {
-    testing::internal::CaptureStdout();
-    DbgPrintClient client("/tmp/noSuchFifo");
-    const std::string printed = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(printed, "DbgPrintClient: Couldn't open a fifo /tmp/noSuchFifo errno=2\n");
-    EXPECT_EQ(client.sink(), -1);
-    std::ostringstream line;
-    client.fillInOss(DBG_ERROR, &line);
-    line << "lost\n";
-    client.doReport(&line);
-
-    // A neighbour's link at the pipe's name (ELOOP) or a file there (ENXIO):
-    // refused, and the file it names is never written.
-    std::ofstream(sysmgtPath("/tmp/victim")) << "kept";
+TEST(DbgPrintClient, MissingOrPlantedFifoIsRefusedAndLoggingStaysHarmless) {
+    // In the shared /tmp a neighbour may plant the name as a link (ELOOP) or
+    // a file (ENXIO) of ours: refused as a missing pipe is, nothing written.
+    writeText("/tmp/victim", "kept");
     ASSERT_EQ(0, symlink(sysmgtPath("/tmp/victim").c_str(), sysmgtPath("/tmp/linkedFifo").c_str()));
     ASSERT_EQ(0, link(sysmgtPath("/tmp/victim").c_str(), sysmgtPath("/tmp/fileFifo").c_str()));
-    for (const char* planted : {"/tmp/linkedFifo", "/tmp/fileFifo"}) {
+    for (const auto& row :
+         {std::make_pair("/tmp/noSuchFifo", ENOENT), {"/tmp/linkedFifo", ELOOP}, {"/tmp/fileFifo", ENXIO}}) {
         testing::internal::CaptureStdout();
-        DbgPrintClient refused(planted);
-        const std::string errnoText = std::string(planted) == "/tmp/linkedFifo" ? "40" : "6";
-        EXPECT_EQ(testing::internal::GetCapturedStdout(),
-                  std::string("DbgPrintClient: Couldn't open a fifo ") + planted + " errno=" + errnoText + "\n");
-        EXPECT_EQ(refused.sink(), -1) << planted;
-        refused.doReport(&line);
+        DbgPrintClient client(row.first);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string("DbgPrintClient: Couldn't open a fifo ") +
+                                                              row.first + " errno=" + std::to_string(row.second) +
+                                                              "\n");
+        EXPECT_EQ(client.sink(), -1) << row.first;
+        std::ostringstream line;
+        client.fillInOss(DBG_ERROR, &line);
+        line << "lost\n";
+        client.doReport(&line);
     }
-    std::ifstream victim(sysmgtPath("/tmp/victim"));
-    EXPECT_EQ("kept", std::string(std::istreambuf_iterator<char>(victim), {}));
+    EXPECT_EQ("kept", readText("/tmp/victim"));
 }
 
 TEST(DbgPrintClient, LevelFiltersBeforeFormatting) {
