@@ -10,30 +10,39 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "datacom/AtomicFile.h"
 #include "datacom/SysmgtRoot.h"
 
 using namespace datacom;
 
+// Both files are written as a whole into a fresh temporary file beside the
+// target (mkstemp) and renamed over it: an operator may put them in the
+// shared /tmp, where a name opened for writing could be a neighbour's link
+// aimed at one of the daemon's own files; the rename replaces such a link
+// instead of following it. A reader also never sees half a line.
+namespace {
+std::string idLine(const char* format) {
+    char line[64];
+    std::snprintf(line, sizeof line, format, static_cast<unsigned>(getpid()));
+    return line;
+}
+}  // namespace
+
 bool writePidFile(const std::string& path) {
-    FILE* file = std::fopen(sysmgtPath(path).c_str(), "w");
-    if (file == nullptr)
-        return false;
-    std::fprintf(file, "%u\n", static_cast<unsigned>(getpid()));
-    return std::fclose(file) == 0;
+    return writeFileAtomically(path, idLine("%u\n")) == 0;
 }
 
 bool writeStartFile(const std::string& path) {
-    const std::string hostPath = sysmgtPath(path);
-    FILE* file = nullptr;
+    int error = 0;
     do {
-        file = std::fopen(hostPath.c_str(), "w");
-    } while (file == nullptr && errno == EINTR);
-    if (file == nullptr) {
+        error = writeFileAtomically(path, idLine("0:%u:0\n"));
+    } while (error == EINTR);
+    if (error != 0) {
+        errno = error;
         std::perror(path.c_str());
         return false;
     }
-    std::fprintf(file, "%u:%u:%u\n", 0U, static_cast<unsigned>(getpid()), 0U);
-    return std::fclose(file) == 0;
+    return true;
 }
 
 bool notifyServiceManager() {

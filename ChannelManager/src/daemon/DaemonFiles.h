@@ -5,11 +5,13 @@
 // What the daemon's entry point tells the world about itself: the pid file,
 // the start file a supervisor waits for, and the readiness message of a
 // service manager. Paths are resolved under SYSMGT_ROOT like every other.
+// The two files are replaced whole by a rename, never opened through a
+// name that could be a planted link.
 
-// Writes "<pid>\n". Skipped when the file cannot be opened; false then.
+// Writes "<pid>\n". Skipped when the file cannot be written; false then.
 bool writePidFile(const std::string& path);
 
-// Writes "0:<pid>:0\n", retrying an open interrupted by a signal. On any
+// Writes "0:<pid>:0\n", retrying a write interrupted by a signal. On any
 // other failure prints the system's reason for the path on stderr (as perror
 // does) and returns false; the daemon serves all the same.
 bool writeStartFile(const std::string& path);

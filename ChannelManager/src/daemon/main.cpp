@@ -53,8 +53,10 @@ int main(int argc, char** argv) {
                 break;
             }
             default:
-                std::fprintf(stderr, "Usage: %s [-v verboseLevel] [-d] [-p pidfile] [-s startfile] [-g socketgroup]\n",
-                             argv[0]);
+                // The documented line, letter for letter (scripts match it),
+                // then the options gained since on a line of their own.
+                std::fprintf(stderr, "Usage: %s [-v verboseLevel] [-d] [-p pidfile] [-s startfile]\n", argv[0]);
+                std::fprintf(stderr, "       [-g socketgroup]\n");
                 return 1;
         }
     }

@@ -1,15 +1,13 @@
 // The commands the channel manager answers on "/tmp/sockChan": an ordered
 // table of command IDs, first whole-text match wins; anything else goes to
 // the worker, which refuses it.
-#include <cstddef>
 #include <string>
 
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
-#include "datacom/SysmgtRoot.h"
 #include "manager/ChannelMngr.h"
-#include "side/BoundedCommand.h"
+#include "manager/SettingsArchive.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -21,48 +19,6 @@ namespace {
 
 // A channel file stored under it also refreshes the settings archive.
 constexpr const char* SETTINGS_DIR = "/data/settings";
-
-// A path for the shell: mapped under SYSMGT_ROOT like every system call, and
-// single-quoted so that a root with blanks stays one word.
-std::string shellPath(const std::string& logicalPath) {
-    std::string quoted = "'";
-    for (char c : sysmgtPath(logicalPath)) {
-        if (c == '\'')
-            quoted += "'\\''";
-        else
-            quoted += c;
-    }
-    return quoted + "'";
-}
-
-// The settings archive, "/tmp/devsettings.tgz", left for other services to fetch.
-// The steps are chained with "&&" so that any failing step fails the line,
-// and gzip runs with -f so that a leftover .tar.gz is replaced, never asked
-// about or kept and published again.
-std::string settingsArchiveLine() {
-    const std::string tar = shellPath("/tmp/devsettings.tar");
-    const std::string gz = shellPath("/tmp/devsettings.tar.gz");
-    return "tar cvf " + tar + " " + shellPath(SETTINGS_DIR) + " 2>&1 && gzip -f " + tar + " 2>&1 && mv -f " + gz + " " +
-           shellPath("/tmp/devsettings.tgz") + " 2>&1";
-}
-
-// The bound of the archive line. The settings are a few small files, archived
-// in well under a second; ten seconds leaves room for a busy flash while the
-// front end still gets its answer (the server thread waits for the line).
-constexpr int ARCHIVE_LIMIT_MS = 10000;
-// What of the line's output is kept for the failure's log line.
-constexpr std::size_t ARCHIVE_OUTPUT_KEPT = 512;
-
-// Runs the archive line within its bound; "Unavailable" when it fails or is
-// killed at the bound.
-Fcodes writeSettingsArchive() {
-    const BoundedRun run = runBounded(settingsArchiveLine(), ARCHIVE_LIMIT_MS, ARCHIVE_OUTPUT_KEPT);
-    if (run.started && !run.timedOut && run.status == 0)
-        return FC_OK;
-    DBG(DBG_ERROR) << "execute: settings archive failed started=" << run.started << " timedOut=" << run.timedOut
-                   << " status=" << run.status << " output=" << run.output;
-    return FC_UNAVAILABLE;
-}
 
 }  // namespace
 

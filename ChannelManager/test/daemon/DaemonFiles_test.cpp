@@ -17,6 +17,11 @@ using namespace datacom;
 TEST(DaemonFiles, PidAndStartFilesUnderTheRoot) {
     TestRoot root;
     const std::string pid = std::to_string(getpid());
+    // Names planted in the shared /tmp as links to a file of ours are
+    // replaced, never written through.
+    writeText("/data/victim", "kept");
+    for (const char* name : {"/tmp/cm.pid", "/tmp/cm.start"})
+        ASSERT_EQ(0, symlink(root.host("/data/victim").c_str(), root.host(name).c_str()));
     EXPECT_TRUE(writePidFile("/tmp/cm.pid"));
     EXPECT_EQ(pid + "\n", readText("/tmp/cm.pid"));
     EXPECT_TRUE(writeStartFile("/tmp/cm.start"));
@@ -24,6 +29,7 @@ TEST(DaemonFiles, PidAndStartFilesUnderTheRoot) {
     // A second start truncates, never appends.
     EXPECT_TRUE(writeStartFile("/tmp/cm.start"));
     EXPECT_EQ("0:" + pid + ":0\n", readText("/tmp/cm.start"));
+    EXPECT_EQ("kept", readText("/data/victim"));
     // Paths that cannot be opened are skipped, not fatal.
     EXPECT_FALSE(writePidFile("/no/such/dir/cm.pid"));
     EXPECT_FALSE(writeStartFile("/no/such/dir/cm.start"));

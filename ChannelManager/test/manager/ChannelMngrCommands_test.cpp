@@ -4,9 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <json/json.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <set>
 
+#include "TestFiles.h"
 #include "datacom/SysmgtRoot.h"
 #include "support/ManagerHarness.h"
 
@@ -15,6 +21,16 @@ using namespace datacom;
 using namespace vocab;
 
 using ChannelMngrCommands = ManagerTest;
+
+namespace {
+// The names in the root's /tmp.
+std::set<std::string> tmpNames() {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(sysmgtPath("/tmp")))
+        names.insert(entry.path().filename());
+    return names;
+}
+}  // namespace
 
 TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     const struct {
@@ -143,4 +159,31 @@ TEST_F(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
     std::string name;
     EXPECT_EQ(FC_OK, h.manager.getNewTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
     EXPECT_EQ("HEVC Stream 1", name) << "the factory name, not the stale edit";
+}
+
+// A neighbour in the shared /tmp plants the archive's names as links to a
+// file of ours: the store neither follows nor truncates them, the archive is
+// a real file in place of the link, and nothing is left behind.
+TEST_F(ChannelMngrCommands, StoreArchivesTheSettingsOverPlantedLinksAndLeavesNothing) {
+    ASSERT_EQ(FC_OK, h.manager.loadDataSet(path::FACTORY_CHANNELS));
+    writeText("/data/victim", "kept");
+    for (const char* name : {"/tmp/devsettings.tar", "/tmp/devsettings.tar.gz", "/tmp/devsettings.tgz"})
+        ASSERT_EQ(0, symlink(sysmgtPath("/data/victim").c_str(), sysmgtPath(name).c_str())) << name;
+    const std::set<std::string> before = tmpNames();
+
+    EXPECT_EQ(FC_OK, h.execute("STORE_CHANNELS", {{"File", "/data/settings/channels.json"}})) << h.takeLog();
+    EXPECT_EQ("kept", readText("/data/victim").substr(0, 64));
+    // In place of the link, a gzip'd tar of the settings, its members named as on the device.
+    ASSERT_EQ(
+        0, std::system(("tar tzf " + sysmgtPath("/tmp/devsettings.tgz") + " > " + sysmgtPath("/data/list")).c_str()));
+    EXPECT_NE(std::string::npos, ("\n" + readText("/data/list")).find("\ndata/settings/channels.json\n"))
+        << readText("/data/list");
+    EXPECT_EQ(before, tmpNames()) << "no private directory, no intermediate file left";
+
+    // A name the archive cannot replace: "Unavailable", and nothing left either.
+    unlink(sysmgtPath("/tmp/devsettings.tgz").c_str());
+    ASSERT_EQ(0, mkdir(sysmgtPath("/tmp/devsettings.tgz").c_str(), 0700));
+    EXPECT_EQ(FC_UNAVAILABLE, h.execute("STORE_CHANNELS", {{"File", "/data/settings/channels.json"}}));
+    EXPECT_TRUE(h.waitLog("execute: settings archive failed"));
+    EXPECT_EQ(before, tmpNames());
 }

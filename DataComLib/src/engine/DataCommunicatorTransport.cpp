@@ -53,6 +53,12 @@ Fcodes DataCommunicator::makeSocket(int& sock, const std::string& path, const ch
         DBG(DBG_FATAL) << createFailure;
         return FC_COMM_ERROR;
     }
+    // The sockets live in the shared /tmp, yet nothing here can be aimed by a
+    // name planted there: unlink removes a link itself, never its target, and
+    // bind makes the name afresh or fails on whatever is there (it never
+    // follows a link; a neighbour's own file in the sticky /tmp stays and the
+    // bind fails). Once bound, the sticky /tmp keeps the name ours, so chmod
+    // reaches our socket; the group change does not follow a link even so.
     const std::string hostPath = sysmgtPath(path);
     unlink(hostPath.c_str());
     receivesBounded = setTimeouts(sock) && receivesBounded;
@@ -64,7 +70,7 @@ Fcodes DataCommunicator::makeSocket(int& sock, const std::string& path, const ch
         return FC_COMM_ERROR;
     }
     chmod(hostPath.c_str(), socketMode);
-    if (socketGroup != static_cast<gid_t>(-1) && chown(hostPath.c_str(), static_cast<uid_t>(-1), socketGroup) != 0)
+    if (socketGroup != static_cast<gid_t>(-1) && lchown(hostPath.c_str(), static_cast<uid_t>(-1), socketGroup) != 0)
         DBG(DBG_ERROR) << "init: cannot give socket " << path << " to group " << socketGroup << " errno=" << errno;
     return FC_OK;
 }

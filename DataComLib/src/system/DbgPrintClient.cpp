@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -34,7 +35,18 @@ DbgPrintClient::DbgPrintClient(const std::string& fifoPath) {
     if (sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL)
         signal(SIGPIPE, SIG_IGN);
 
-    fd = open(sysmgtPath(fifoPath).c_str(), O_WRONLY);
+    // The pipe sits in the shared /tmp, where a neighbour could plant its
+    // name as a link to one of this process's files and have the log written
+    // over it: a link is refused (O_NOFOLLOW), and so is whatever else is not
+    // a pipe (a hard link to a file). Whoever made the pipe reads the log;
+    // that is the collector's role, and a pipe carries nothing further.
+    fd = open(sysmgtPath(fifoPath).c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
+    struct stat opened {};
+    if (fd >= 0 && (fstat(fd, &opened) != 0 || !S_ISFIFO(opened.st_mode))) {
+        close(fd);
+        fd = -1;
+        errno = ENXIO;  // "no such device": the name is there, a pipe is not
+    }
     if (fd < 0) {
         std::cout << "DbgPrintClient: Couldn't open a fifo " << fifoPath << " errno=" << errno << std::endl;
         fd = -1;

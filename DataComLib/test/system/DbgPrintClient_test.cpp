@@ -4,10 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <thread>
 
 #include "FixedClock.h"
 #include "LogCapture.h"
+#include "TestFiles.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 
@@ -128,16 +130,26 @@ TEST(DbgPrintClient, FullPipeDropsLinesAndAVanishedReaderIsHarmless) {
     client.doReport(&line);
 }
 
-TEST(DbgPrintClient, MissingFifoPrintsOnceAndLoggingStaysHarmless) {
-    testing::internal::CaptureStdout();
-    DbgPrintClient client("/tmp/noSuchFifo");
-    const std::string printed = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(printed, "DbgPrintClient: Couldn't open a fifo /tmp/noSuchFifo errno=2\n");
-    EXPECT_EQ(client.sink(), -1);
-    std::ostringstream line;
-    client.fillInOss(DBG_ERROR, &line);
-    line << "lost\n";
-    client.doReport(&line);
+TEST(DbgPrintClient, MissingOrPlantedFifoIsRefusedAndLoggingStaysHarmless) {
+    // In the shared /tmp a neighbour may plant the name as a link (ELOOP) or
+    // a file (ENXIO) of ours: refused as a missing pipe is, nothing written.
+    writeText("/tmp/victim", "kept");
+    ASSERT_EQ(0, symlink(sysmgtPath("/tmp/victim").c_str(), sysmgtPath("/tmp/linkedFifo").c_str()));
+    ASSERT_EQ(0, link(sysmgtPath("/tmp/victim").c_str(), sysmgtPath("/tmp/fileFifo").c_str()));
+    for (const auto& row :
+         {std::make_pair("/tmp/noSuchFifo", ENOENT), {"/tmp/linkedFifo", ELOOP}, {"/tmp/fileFifo", ENXIO}}) {
+        testing::internal::CaptureStdout();
+        DbgPrintClient client(row.first);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string("DbgPrintClient: Couldn't open a fifo ") +
+                                                              row.first + " errno=" + std::to_string(row.second) +
+                                                              "\n");
+        EXPECT_EQ(client.sink(), -1) << row.first;
+        std::ostringstream line;
+        client.fillInOss(DBG_ERROR, &line);
+        line << "lost\n";
+        client.doReport(&line);
+    }
+    EXPECT_EQ("kept", readText("/tmp/victim"));
 }
 
 TEST(DbgPrintClient, LevelFiltersBeforeFormatting) {
