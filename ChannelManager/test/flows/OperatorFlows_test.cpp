@@ -225,8 +225,11 @@ TEST(OperatorFlows, AKlvChangeWhilePlayingStopsTheOldBranch) {
 
 // An input whose format the channel cannot take stops it for its format, with
 // or without "Format as Detected": "Stopping" with 0x20010, nothing invalid
-// committed, resumed when a fitting input returns, but not after a user's Stop.
+// committed, resumed when a fitting input returns, but not after the
+// operator's Stop or Play (here one whose branch start is refused).
 TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
+    const std::string unfit = "2048x1080p @ 24", fit = "1920x1080i @ 25", stop = "Stop", play = "Play",
+                      refusedPlay = "Play, start refused";
     for (const bool asDetected : {false, true}) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready());
@@ -234,22 +237,26 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
                                                  row::H264));
         ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264));
         const struct {
-            const char* input;
-            const char* channel;  // "State Fcode Status" afterwards
+            const std::string& what;  // an input format or the operator's command
+            const char* channel;      // "State Fcode Status" afterwards
         } steps[] = {
-            {"2048x1080p @ 24", "Stopping 20010 OK"}, {"1920x1080i @ 25", "Playing 10000 OK"},
-            {"2048x1080p @ 24", "Stopping 20010 OK"}, {nullptr, "Stopping 20020 OK"},  // the user's Stop
-            {"1920x1080i @ 25", "Stopping 20020 OK"},
+            {unfit, "Stopping 20010 OK"}, {fit, "Playing 10000 OK"},          {unfit, "Stopping 20010 OK"},
+            {stop, "Stopping 20020 OK"},  {fit, "Stopping 20020 OK"},         {play, "Playing 10000 OK"},
+            {unfit, "Stopping 20010 OK"}, {refusedPlay, "Stopping 20010 OK"}, {fit, "Stopping 20010 OK"},
         };
         for (const auto& step : steps) {
-            if (step.input)
-                detectFormat(h, value::SRC_HD_SDI, step.input);
-            else
+            if (step.what == refusedPlay) {
+                ASSERT_EQ(FC_OK, h.failNext("Tarnevel Start Branch"));
+            }
+            if (step.what == stop)
                 command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
-            EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264))
-                << asDetected << " " << (step.input ? step.input : "Stop");
+            else if (step.what == play || step.what == refusedPlay)
+                command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
+            else
+                detectFormat(h, value::SRC_HD_SDI, step.what);
+            EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264)) << asDetected << " " << step.what;
             EXPECT_EQ("1920x1080i", h.text(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264))
-                << asDetected << " " << (step.input ? step.input : "Stop");
+                << asDetected << " " << step.what;
         }
     }
 }

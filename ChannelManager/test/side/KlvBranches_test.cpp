@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "support/ChannelHarness.h"
 
 using namespace datacom;
@@ -53,5 +55,42 @@ TEST(KlvBranches, BranchFollowsTheIngestSettingsAndTheChannelState) {
         EXPECT_EQ(h.channel().klvAction(row::H264), FC_OK) << name;
         for (const std::string& branch : row.branches)
             EXPECT_EQ(h.mediator.model().branchState(branch), "STOP") << name << " " << branch;
+    }
+}
+
+// What a play started its stop stops, whatever changed in between; a branch
+// the other channel plays with stays running until that channel's own stop.
+TEST(KlvBranches, AStopStopsWhatThePlayStartedWhateverChangedSince) {
+    const auto ingestToNone = [](ChannelHarness& h) {
+        h.set({{tbl::PROCESSING, prop::INGEST_KLV, row::H264, "None"}});
+    };
+    const struct {
+        const char* name;
+        const char* ingest;  // of "H.264", and of "HEVC" when shared
+        bool shared;
+        std::function<void(ChannelHarness&)> change;
+        const char* branch;
+    } flows[] = {
+        {"ingest to None", value::KLV_IP, false, ingestToNone, "KLVoIP"},
+        {"encapsulation to RAW", value::KLV_IP, false,
+         [](ChannelHarness& h) {
+             h.device.initTextParam(ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, "RAW", "");
+         },
+         "KLVoIP"},
+        {"shared, then ingest to None", value::KLV_SDI, true, ingestToNone, "KLVoSDI Async"},
+    };
+    for (const auto& f : flows) {
+        ChannelHarness h;
+        ASSERT_TRUE(h.ready()) << f.name;
+        ASSERT_TRUE(h.set({{tbl::PROCESSING, prop::INGEST_KLV, row::H264, f.ingest},
+                           {tbl::PROCESSING, prop::INGEST_KLV, row::HEVC, f.shared ? f.ingest : "None"}}));
+        ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264)) << f.name;
+        ASSERT_EQ(FC_OK, h.channel().playChannel(row::HEVC)) << f.name;
+        ASSERT_EQ("RUN", h.mediator.model().branchState(f.branch)) << f.name;
+        f.change(h);
+        EXPECT_EQ(FC_OK, h.channelCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, row::HEVC}})) << f.name;
+        EXPECT_EQ("RUN", h.mediator.model().branchState(f.branch)) << f.name;
+        EXPECT_EQ(FC_OK, h.channelCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}})) << f.name;
+        EXPECT_EQ("STOP", h.mediator.model().branchState(f.branch)) << f.name;
     }
 }
