@@ -230,7 +230,7 @@ Fcodes SideActions::klvAction(const std::string& rowId) {
 
 Fcodes SideActions::klvStopLeftOver(const std::string& rowId) {
     const std::vector<std::string> left = ctx.events.runBook().branches(rowId, KLV);
-    return left.empty() || channelIndex(rowId) < 0 ? FC_OK : stopKlvBranches(rowId, left);
+    return left.empty() ? FC_OK : stopKlvBranches(rowId, left);
 }
 
 // The ingest of a playing channel changed (its configuration ran while

@@ -183,46 +183,6 @@ TEST(OperatorFlows, AConfigurationTurnsOffWhatItNoLongerUses) {
     }
 }
 
-// The KLV ingest of a playing channel changes (an edit accepted and
-// activated, or the device's encapsulation, which reconfigures the channel):
-// the branch of the old setting stops, and the stop of the channel leaves no
-// KLV branch running.
-TEST(OperatorFlows, AKlvChangeWhilePlayingStopsTheOldBranch) {
-    const struct {
-        const char* name;
-        std::function<void(ChannelHarness&)> change;
-        const char* running;  // the branch of the new setting, or nullptr
-    } flows[] = {
-        {"ingest to None",
-         [](ChannelHarness& h) {
-             h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, "None", row::H264);
-             activate(h, row::H264);
-         },
-         nullptr},
-        {"encapsulation TS to RAW",
-         [](ChannelHarness& h) {
-             h.device.initTextParam(ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, "RAW", "");
-             h.channel().configChannel(row::H264);
-         },
-         "RAWKLVoIP"},
-    };
-    for (const auto& f : flows) {
-        ChannelHarness h;
-        ASSERT_TRUE(h.ready()) << f.name;
-        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, "IP", row::H264));
-        ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264)) << f.name;
-        ASSERT_EQ("RUN", h.mediator.model().branchState("KLVoIP")) << f.name;
-        f.change(h);
-        EXPECT_EQ("STOP", h.mediator.model().branchState("KLVoIP")) << f.name;
-        if (f.running) {
-            EXPECT_EQ("RUN", h.mediator.model().branchState(f.running)) << f.name;
-        }
-        command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
-        for (const char* branch : {"KLVoIP", "RAWKLVoIP"})
-            EXPECT_EQ("STOP", h.mediator.model().branchState(branch)) << f.name << ": " << branch;
-    }
-}
-
 // An input whose format the channel cannot take stops it for its format, with
 // or without "Format as Detected": "Stopping" with 0x20010, nothing invalid
 // committed, resumed when a fitting input returns, but not after the
