@@ -93,8 +93,7 @@ TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
         EXPECT_EQ(names.size() > 1 ? names[names.size() - 2] : "", step.lastEvent ? step.lastEvent : "") << step.format;
     }
     EXPECT_EQ(h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 25");
-    // The resume sent the channel's configuration (the stop restored its
-    // bitrates) before it started the branch.
+    // The resume sent the channel's configuration before it started the branch.
     const std::vector<std::string> resume = transcript.requests();
     auto first = [&resume](const std::string& prefix) {
         return std::find_if(resume.begin(), resume.end(),

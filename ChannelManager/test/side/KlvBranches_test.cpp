@@ -60,10 +60,9 @@ TEST(KlvBranches, BranchFollowsTheIngestSettingsAndTheChannelState) {
     }
 }
 
-// What a play started its stop stops, whatever changed in between: an edit
-// or a device setting not applied yet, or applied by a reconfiguration,
-// which stops the old branch at once and starts the new one. A branch the
-// other channel plays with stays running until that channel's own stop.
+// What a play started its stop stops, whatever changed in between (an edit or
+// a device setting, applied by a reconfiguration or not); a branch the other
+// channel plays with stays running until that channel's own stop.
 TEST(KlvBranches, AStopStopsWhatThePlayStartedWhateverChangedSince) {
     const auto toNone = [](ChannelHarness& h) { h.set({{tbl::PROCESSING, prop::INGEST_KLV, row::H264, "None"}}); };
     const auto toRaw = [](ChannelHarness& h) {
