@@ -24,12 +24,13 @@ using namespace vocab;
 // targets. Play, stop and the branch-event check hold the holder's recursive
 // lock for their whole run; a stop may run inside a play or a forced stop.
 //
-// A play notes in the run book every branch it started or found running; a
-// stop stops those and the branches of the channel's current targets, so
-// that a profile or protocol accepted (or activated) while the channel
-// played cannot leave the branch it used before running. A branch leaves the
-// book once the mediator reports it stopped; one whose stop was refused stays,
-// and the next stop tries it again, also on a channel already stopped.
+// A play notes in the run book every branch it started or found running
+// (its KLV branches too, through klvAction); a stop stops those and the
+// branches of the channel's current targets, so that a profile, protocol or
+// KLV ingest accepted (or activated) while the channel played cannot leave
+// the branch it used before running. A branch leaves the book once the
+// mediator reports it stopped; one whose stop was refused stays, and the
+// next stop tries it again, also on a channel already stopped.
 
 namespace {
 
@@ -38,6 +39,7 @@ constexpr int STOP_TIMEOUT_SEC = 20;
 constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
 constexpr int POLL_MS = 5;
 const std::string ZIXI_PREFIX = "ZIXI ";  // the Zixi branches, "ZIXI CH0" ...
+constexpr ChannelRunBook::Kind TARGET = ChannelRunBook::Kind::Target;
 
 }  // namespace
 
@@ -62,12 +64,12 @@ void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<
         const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
         result |= stateRead;
         if (isOk(stateRead) && branchState == state::BRANCH_RUN)
-            ctx.events.runBook().addBranch(rowId, branch);  // running for this channel: its stop stops it
+            ctx.events.runBook().addBranch(rowId, branch, TARGET);  // running for this channel: its stop stops it
         if (!isOk(stateRead) || branchState != state::BRANCH_STOP)
             continue;
         const Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, START_TIMEOUT_SEC);
         if (isOk(started))
-            ctx.events.runBook().addBranch(rowId, branch);
+            ctx.events.runBook().addBranch(rowId, branch, TARGET);
         if (!isOk(started)) {
             DBG(DBG_ERROR) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(started) << std::dec << " rowId=" << rowId;
@@ -138,7 +140,7 @@ Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector
                           << static_cast<uint32_t>(stateRead) << std::dec << " rowId=" << rowId;
             // Unread, it may still run: kept for the next stop.
             if (isOk(stateRead))
-                ctx.events.runBook().removeBranch(rowId, branch);
+                ctx.events.runBook().removeBranch(rowId, branch, TARGET);
             continue;
         }
         const Fcodes stopped =
@@ -146,7 +148,7 @@ Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector
                  : ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, STOP_TIMEOUT_SEC);
         result |= stopped;
         if (isOk(stopped)) {
-            ctx.events.runBook().removeBranch(rowId, branch);
+            ctx.events.runBook().removeBranch(rowId, branch, TARGET);
         } else {
             DBG(DBG_ERROR) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(stopped) << std::dec << " rowId=" << rowId;
@@ -160,7 +162,7 @@ Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector
 // enabled targets as its configuration names them now (a branch left
 // running by an earlier run of the daemon), each once.
 Fcodes ChannelLifecycle::branchesToStop(const std::string& rowId, std::vector<std::string>& branches) {
-    branches = ctx.events.runBook().branches(rowId);
+    branches = ctx.events.runBook().branches(rowId, TARGET);
     std::vector<std::string> targets;
     Fcodes result = rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     for (const std::string& target : targets) {
@@ -188,9 +190,9 @@ Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
         return reads;
     if (chanState == state::STOPPING || chanState == state::STOPPED) {
         // Stopped already; only a branch whose stop was refused is tried again.
-        const std::vector<std::string> left = ctx.events.runBook().branches(rowId);
+        const std::vector<std::string> left = ctx.events.runBook().branches(rowId, TARGET);
         bool stopFailed = false;
-        Fcodes retried = reads;
+        Fcodes retried = reads | side.klvStopLeftOver(rowId);
         if (!left.empty()) {
             retried |= stopTargets(rowId, left, true, stopFailed);
             retried |= stopTargets(rowId, left, false, stopFailed);

@@ -5,22 +5,22 @@
 using datacom::Mutex;
 using datacom::ScopedLock;
 
-void ChannelRunBook::addBranch(const std::string& rowId, const std::string& branch) {
+void ChannelRunBook::addBranch(const std::string& rowId, const std::string& branch, Kind kind) {
     ScopedLock<Mutex> guard(mutex);
-    std::vector<std::string>& list = started[rowId];
+    std::vector<std::string>& list = started[{rowId, kind}];
     if (std::find(list.begin(), list.end(), branch) == list.end())
         list.push_back(branch);
 }
 
-void ChannelRunBook::removeBranch(const std::string& rowId, const std::string& branch) {
+void ChannelRunBook::removeBranch(const std::string& rowId, const std::string& branch, Kind kind) {
     ScopedLock<Mutex> guard(mutex);
-    std::vector<std::string>& list = started[rowId];
+    std::vector<std::string>& list = started[{rowId, kind}];
     list.erase(std::remove(list.begin(), list.end(), branch), list.end());
 }
 
-std::vector<std::string> ChannelRunBook::branches(const std::string& rowId) const {
+std::vector<std::string> ChannelRunBook::branches(const std::string& rowId, Kind kind) const {
     ScopedLock<Mutex> guard(mutex);
-    const auto found = started.find(rowId);
+    const auto found = started.find({rowId, kind});
     return found == started.end() ? std::vector<std::string>() : found->second;
 }
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -5,6 +6,8 @@
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
+#include "settings/ChannelRunBook.h"
+#include "settings/IChannelEvents.h"
 #include "side/SideActionSupport.h"
 #include "side/SideActions.h"
 #include "tarnevel/ITarnevelClient.h"
@@ -25,9 +28,12 @@ using namespace vocab;
 // and the device manager's statistics of that ingest are reset, so that the
 // counters describe this run. A branch already running (shared with the
 // other channel: the serial, IP and asynchronous SDI branches are one per
-// appliance) is left alone, statistics included. Otherwise (the channel
-// stops) a branch reported "RUN" is stopped, unless the other channel plays
-// and uses the same branch.
+// appliance) is left alone, statistics included. Both kinds go into the
+// channel's run book. Otherwise (the channel stops) the branches of the run
+// book and those the settings name now that the mediator reports "RUN" are
+// stopped, unless the other channel plays and uses the same branch: an
+// ingest or device setting changed while the channel played does not leave
+// the branch of the play running.
 
 namespace {
 
@@ -41,6 +47,7 @@ const char* const FORMAT_COT = "COT";
 const char* const FORMAT_KLV = "KLV";
 const char* const ENCAPSULATION_TS = "TS";
 const char* const ENCAPSULATION_RAW = "RAW";
+constexpr ChannelRunBook::Kind KLV = ChannelRunBook::Kind::Klv;
 
 // The branch of one ingest setting ("" for "None" or an unknown setting) and
 // the device manager's command that resets its statistics.
@@ -105,6 +112,10 @@ bool isPlaying(const std::string& state) {
     return state == state::PLAYING || state == state::PLAYED;
 }
 
+bool contains(const std::vector<std::string>& list, const std::string& item) {
+    return std::find(list.begin(), list.end(), item) != list.end();
+}
+
 Fcodes deviceCommand(DataHolder& holder, const char* id) {
     MessageCommand command;
     command.setId(id);
@@ -114,6 +125,60 @@ Fcodes deviceCommand(DataHolder& holder, const char* id) {
 }
 
 }  // namespace
+
+// The KLV branches the other channel uses while it plays: those its settings
+// name and those in its run book; none when it does not play.
+Fcodes SideActions::klvBranchesOfOther(int channel, std::vector<std::string>& used) {
+    const std::string other = row::otherChannel(channel);
+    std::string otherState;
+    if (!isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) ||
+        !isPlaying(otherState))
+        return FC_OK;
+    std::vector<const char*> unused;
+    const Fcodes result = klvBranches(ctx.holder, other, used, unused);
+    for (const std::string& booked : ctx.events.runBook().branches(other, KLV))
+        if (!contains(used, booked))
+            used.push_back(booked);
+    return result;
+}
+
+// Stops those of `branches` that run, except the ones the other playing
+// channel uses: those pass to its run book, so that its stop stops them.
+// A branch leaves this channel's book once it is known not to run; one whose
+// state is unknown or whose stop was refused is kept (added if need be), and
+// the channel's next stop tries it again.
+Fcodes SideActions::stopKlvBranches(const std::string& rowId, const std::vector<std::string>& branches) {
+    ChannelRunBook& book = ctx.events.runBook();
+    std::vector<std::string> otherUses;
+    Fcodes result = FC_OK | klvBranchesOfOther(channelIndex(rowId), otherUses);
+    for (const std::string& branch : branches) {
+        if (contains(otherUses, branch)) {
+            book.removeBranch(rowId, branch, KLV);
+            book.addBranch(row::otherChannel(channelIndex(rowId)), branch, KLV);
+            continue;
+        }
+        std::string branchState;
+        const Fcodes read = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+        result |= read;
+        if (!isOk(read))
+            continue;
+        if (branchState != state::BRANCH_RUN) {
+            book.removeBranch(rowId, branch, KLV);
+            continue;
+        }
+        const Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, 20);
+        if (isOk(stopped)) {
+            DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
+            book.removeBranch(rowId, branch, KLV);
+        } else {
+            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                           << static_cast<uint32_t>(stopped);
+            book.addBranch(rowId, branch, KLV);
+        }
+        result |= stopped;
+    }
+    return result;
+}
 
 Fcodes SideActions::klvAction(const std::string& rowId) {
     const int channel = channelIndex(rowId);
@@ -127,15 +192,14 @@ Fcodes SideActions::klvAction(const std::string& rowId) {
     std::vector<const char*> resets;
     result |= klvBranches(ctx.holder, rowId, branches, resets);
 
-    // The other channel's branches, to keep shared branches running for it.
-    const std::string other = row::otherChannel(channel);
-    std::string otherState;
-    std::vector<std::string> otherBranches;
-    std::vector<const char*> unused;
-    if (!isPlaying(state) &&
-        isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
-        isPlaying(otherState))
-        result |= klvBranches(ctx.holder, other, otherBranches, unused);
+    if (!isPlaying(state)) {
+        // What the play started, whatever the settings name now, then what they name.
+        std::vector<std::string> toStop = ctx.events.runBook().branches(rowId, KLV);
+        for (const std::string& branch : branches)
+            if (!contains(toStop, branch))
+                toStop.push_back(branch);
+        return result | stopKlvBranches(rowId, toStop);
+    }
 
     for (size_t i = 0; i < branches.size(); ++i) {
         const std::string& branch = branches[i];
@@ -144,76 +208,50 @@ Fcodes SideActions::klvAction(const std::string& rowId) {
         result |= read;
         if (!isOk(read))
             continue;
-        if (isPlaying(state)) {
-            if (branchState != state::BRANCH_STOP)
-                continue;
-            Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, 20);
-            if (isOk(started)) {
-                DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
-                result |= deviceCommand(ctx.holder, resets[i]);
-            } else {
-                DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
-                               << static_cast<uint32_t>(started);
-            }
-            result |= started;
+        // Found running, it is this channel's to stop too (unless the other
+        // channel still uses it then).
+        if (branchState == state::BRANCH_RUN)
+            ctx.events.runBook().addBranch(rowId, branch, KLV);
+        if (branchState != state::BRANCH_STOP)
             continue;
+        Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, 20);
+        if (isOk(started)) {
+            DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
+            ctx.events.runBook().addBranch(rowId, branch, KLV);
+            result |= deviceCommand(ctx.holder, resets[i]);
+        } else {
+            DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
+                           << static_cast<uint32_t>(started);
         }
-        bool shared = false;
-        for (const std::string& used : otherBranches)
-            shared = shared || used == branch;
-        if (shared || branchState != state::BRANCH_RUN)
-            continue;
-        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, 20);
-        if (isOk(stopped))
-            DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
-        else
-            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
-                           << static_cast<uint32_t>(stopped);
-        result |= stopped;
+        result |= started;
     }
     return result;
 }
 
+Fcodes SideActions::klvStopLeftOver(const std::string& rowId) {
+    const std::vector<std::string> left = ctx.events.runBook().branches(rowId, KLV);
+    return left.empty() ? FC_OK : stopKlvBranches(rowId, left);
+}
+
 // The ingest of a playing channel changed (its configuration ran while
 // "Playing" or "Played"): the branch started for the old setting would run
-// on, and a later stop only looks at the branches the new setting names. So
-// each KLV branch this channel can start that runs but is no longer named is
-// stopped here, unless the other playing channel uses it; then the named
-// ones are started as a play starts them.
+// on until the channel stops. So each KLV branch this channel can start that
+// runs but is no longer named is stopped here, unless the other playing
+// channel uses it; then the named ones are started as a play starts them.
 Fcodes SideActions::klvFollowSettings(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     std::string state;
     if (channel < 0 || !isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
         !isPlaying(state))
         return FC_OK;
-    std::vector<std::string> named, otherNamed;
+    std::vector<std::string> named;
     std::vector<const char*> resets;
     Fcodes result = FC_OK | klvBranches(ctx.holder, rowId, named, resets);
-    const std::string other = row::otherChannel(channel);
-    std::string otherState;
-    if (isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) &&
-        isPlaying(otherState))
-        result |= klvBranches(ctx.holder, other, otherNamed, resets);
-
-    const std::string candidates[] = {KLV_O_SERIAL, RAW_KLV_O_SERIAL,   KLV_O_IP,
-                                      RAW_KLV_O_IP, KLV_O_SDI[channel], KLV_O_SDI_ASYNC};
-    for (const std::string& branch : candidates) {
-        bool used = false;
-        for (const std::string& b : named)
-            used = used || b == branch;
-        for (const std::string& b : otherNamed)
-            used = used || b == branch;
-        std::string branchState;
-        if (used || !isOk(ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState)) ||
-            branchState != state::BRANCH_RUN)
-            continue;
-        Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, 20);
-        if (isOk(stopped))
-            DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
-        else
-            DBG(DBG_ERROR) << "klvAction: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
-                           << static_cast<uint32_t>(stopped);
-        result |= stopped;
-    }
+    std::vector<std::string> unnamed;
+    for (const char* branch :
+         {KLV_O_SERIAL, RAW_KLV_O_SERIAL, KLV_O_IP, RAW_KLV_O_IP, KLV_O_SDI[channel], KLV_O_SDI_ASYNC})
+        if (!contains(named, branch))
+            unnamed.push_back(branch);
+    result |= stopKlvBranches(rowId, unnamed);
     return result | klvAction(rowId);
 }

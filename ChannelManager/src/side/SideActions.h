@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "datacom/Fcodes.h"
 #include "datacom/MessageEvent.h"
@@ -24,8 +25,12 @@ public:
 
     // Announce ("START_SAP") while the channel plays, withdraw ("STOP_SAP") otherwise.
     datacom::Fcodes sapAction(const std::string& rowId);
-    // Starts the channel's KLV branch while it plays, stops it otherwise.
+    // Starts the channel's KLV branches while it plays, noting them in its
+    // run book; otherwise stops those of the book and those it names now.
     datacom::Fcodes klvAction(const std::string& rowId);
+    // A stopped channel's second stop: the KLV branches of its run book that
+    // an earlier stop could not stop are tried again.
+    datacom::Fcodes klvStopLeftOver(const std::string& rowId);
     // While the channel plays: stops its KLV branches that run but that its
     // settings no longer name (unless the other playing channel uses them),
     // then starts the named ones as klvAction does. Run by configChannel.
@@ -49,6 +54,8 @@ public:
     datacom::Fcodes handleDataStreamEvent(datacom::MessageEvent* event, const BitrateChange& changeBitrate);
 
 private:
+    datacom::Fcodes klvBranchesOfOther(int channel, std::vector<std::string>& used);
+    datacom::Fcodes stopKlvBranches(const std::string& rowId, const std::vector<std::string>& branches);
     datacom::Fcodes zixiChangeBitrate(const datacom::MessageEvent& event, const BitrateChange& changeBitrate);
     datacom::Fcodes srtNewClient();
 

@@ -144,6 +144,16 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
          command(cmd::STOP, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
          {stopped + "H.264 0x10100", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
+        {"stop: the branches whose stop was refused are tried again by the next stop, the KLV one first",
+         [](ChannelHarness& h) {
+             h.set({{tbl::PROCESSING, prop::INGEST_KLV, H, value::KLV_SDI_SYNC}});
+             h.channel().playChannel(H);
+             ASSERT_EQ(FC_OK, h.failNext("Tarnevel Stop Branch", {{"Count", "2"}}));
+             command(cmd::STOP, H)(h);
+         },
+         command(cmd::STOP, H), FC_OK, {{H, state::STOPPED}}, {},
+         {"Get Branch State KLVoSDI CH0", "Stop Branch KLVoSDI CH0 sync=20", "Get Branch State UDP CH0",
+          "Stop Branch UDP CH0 sync=20"}},
         {"stop: a format change holds the channel in Stopping",
          [](ChannelHarness& h) {
              setChannel(h, H, state::PLAYING, cond::FORMAT_CHANGED);
@@ -195,19 +205,6 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
         EXPECT_EQ(t.events, eventLines(h.recorder)) << t.name;
         EXPECT_EQ(t.branchCommands, transcript.branchCommands()) << t.name;
     }
-}
-
-// "Stop" marks the channel as stopped by the user, also when it was stopped
-// already; a play clears the mark.
-TEST(PlayStop, ForcedStopCodeAndPlayClearsIt) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
-    EXPECT_EQ(FC_OK, h.channelCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, H}}));
-    EXPECT_EQ(static_cast<int>(cond::FORCED_STOP), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H));
-    EXPECT_EQ(static_cast<int>(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, V));
-    h.channel().playChannel(H);
-    EXPECT_EQ(static_cast<int>(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H));
-    EXPECT_EQ(state::STATUS_OK, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, H));
 }
 
 // Branch events are checked against the channel and change nothing; an SRT

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "support/ChannelHarness.h"
+#include "support/MediatorTranscript.h"
 
 using namespace datacom;
 
@@ -67,6 +68,8 @@ TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
 }
 
 TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
+    MediatorTranscript transcript(h);
+    ASSERT_TRUE(transcript.ready());
     ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
     struct Step {
         const char* format;  // of HD-SDI, the source of "H.264"
@@ -82,6 +85,7 @@ TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
     };
     for (const Step& step : steps) {
         h.recorder.clear();
+        transcript.mark();
         detectFormat(h, "HD-SDI", step.format);
         EXPECT_EQ(channelRow(h, row::H264), step.channel) << step.format;
         const std::vector<std::string> names = h.recorder.names();
@@ -89,11 +93,15 @@ TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
         EXPECT_EQ(names.size() > 1 ? names[names.size() - 2] : "", step.lastEvent ? step.lastEvent : "") << step.format;
     }
     EXPECT_EQ(h.text(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, row::H264), "1920x1080i @ 25");
-    // A user's stop is never undone by the input.
-    ASSERT_EQ(h.holder->initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, 0x20020, row::HEVC), FC_OK);
-    detectFormat(h, "HDMI", "None");
-    detectFormat(h, "HDMI", "1280x720p @ 50");
-    EXPECT_EQ(channelRow(h, row::HEVC), "Stopped 20020 OK");
+    // The resume sent the channel's configuration before it started the branch.
+    const std::vector<std::string> resume = transcript.requests();
+    auto first = [&resume](const std::string& prefix) {
+        return std::find_if(resume.begin(), resume.end(),
+                            [&prefix](const std::string& r) { return r.compare(0, prefix.size(), prefix) == 0; }) -
+               resume.begin();
+    };
+    EXPECT_LT(first("\"Tarnevel Put Param\" Component=\"Video Encoder CH0\""), first("\"Tarnevel Start Branch\""))
+        << testing::PrintToString(resume);
 }
 
 TEST_F(VideoSources, FormatAsDetectedReconfiguresAndPlaysAgain) {

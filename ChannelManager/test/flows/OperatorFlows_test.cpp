@@ -183,50 +183,13 @@ TEST(OperatorFlows, AConfigurationTurnsOffWhatItNoLongerUses) {
     }
 }
 
-// The KLV ingest of a playing channel changes (an edit accepted and
-// activated, or the device's encapsulation, which reconfigures the channel):
-// the branch of the old setting stops, and the stop of the channel leaves no
-// KLV branch running.
-TEST(OperatorFlows, AKlvChangeWhilePlayingStopsTheOldBranch) {
-    const struct {
-        const char* name;
-        std::function<void(ChannelHarness&)> change;
-        const char* running;  // the branch of the new setting, or nullptr
-    } flows[] = {
-        {"ingest to None",
-         [](ChannelHarness& h) {
-             h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, "None", row::H264);
-             activate(h, row::H264);
-         },
-         nullptr},
-        {"encapsulation TS to RAW",
-         [](ChannelHarness& h) {
-             h.device.initTextParam(ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, "RAW", "");
-             h.channel().configChannel(row::H264);
-         },
-         "RAWKLVoIP"},
-    };
-    for (const auto& f : flows) {
-        ChannelHarness h;
-        ASSERT_TRUE(h.ready()) << f.name;
-        ASSERT_EQ(FC_OK, h.holder->initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, "IP", row::H264));
-        ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264)) << f.name;
-        ASSERT_EQ("RUN", h.mediator.model().branchState("KLVoIP")) << f.name;
-        f.change(h);
-        EXPECT_EQ("STOP", h.mediator.model().branchState("KLVoIP")) << f.name;
-        if (f.running) {
-            EXPECT_EQ("RUN", h.mediator.model().branchState(f.running)) << f.name;
-        }
-        command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
-        for (const char* branch : {"KLVoIP", "RAWKLVoIP"})
-            EXPECT_EQ("STOP", h.mediator.model().branchState(branch)) << f.name << ": " << branch;
-    }
-}
-
 // An input whose format the channel cannot take stops it for its format, with
 // or without "Format as Detected": "Stopping" with 0x20010, nothing invalid
-// committed, resumed when a fitting input returns, but not after a user's Stop.
+// committed, resumed when a fitting input returns, but not after the
+// operator's Stop or Play (here one whose branch start is refused).
 TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
+    const std::string unfit = "2048x1080p @ 24", fit = "1920x1080i @ 25", stop = "Stop", play = "Play",
+                      refusedPlay = "Play, start refused";
     for (const bool asDetected : {false, true}) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready());
@@ -234,22 +197,25 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
                                                  row::H264));
         ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264));
         const struct {
-            const char* input;
-            const char* channel;  // "State Fcode Status" afterwards
+            const std::string& what;  // an input format or the operator's command
+            const char* channel;      // "State Fcode Status" afterwards
         } steps[] = {
-            {"2048x1080p @ 24", "Stopping 20010 OK"}, {"1920x1080i @ 25", "Playing 10000 OK"},
-            {"2048x1080p @ 24", "Stopping 20010 OK"}, {nullptr, "Stopping 20020 OK"},  // the user's Stop
-            {"1920x1080i @ 25", "Stopping 20020 OK"},
+            {unfit, "Stopping 20010 OK"}, {fit, "Playing 10000 OK"},          {unfit, "Stopping 20010 OK"},
+            {stop, "Stopping 20020 OK"},  {fit, "Stopping 20020 OK"},         {play, "Playing 10000 OK"},
+            {unfit, "Stopping 20010 OK"}, {refusedPlay, "Stopping 20010 OK"}, {fit, "Stopping 20010 OK"},
         };
         for (const auto& step : steps) {
-            if (step.input)
-                detectFormat(h, value::SRC_HD_SDI, step.input);
-            else
+            if (step.what == refusedPlay)
+                h.failNext("Tarnevel Start Branch");
+            if (step.what == stop)
                 command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
-            EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264))
-                << asDetected << " " << (step.input ? step.input : "Stop");
+            else if (step.what == play || step.what == refusedPlay)
+                command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
+            else
+                detectFormat(h, value::SRC_HD_SDI, step.what);
+            EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264)) << asDetected << " " << step.what;
             EXPECT_EQ("1920x1080i", h.text(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, row::H264))
-                << asDetected << " " << (step.input ? step.input : "Stop");
+                << asDetected << " " << step.what;
         }
     }
 }
