@@ -6,6 +6,7 @@
 #include <json/json.h>
 
 #include <fstream>
+#include <functional>
 
 #include "datacom/SysmgtRoot.h"
 #include "support/ManagerHarness.h"
@@ -15,6 +16,19 @@ using namespace datacom;
 using namespace vocab;
 
 using ChannelMngrCommands = ManagerTest;
+
+namespace {
+
+// Stores the factory channel data, changed by `edit`, as a channel file at `path`.
+void storeFactoryChanged(const std::string& path, const std::function<void(Json::Value&)>& edit) {
+    std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
+    Json::Value document;
+    in >> document;
+    edit(document["components"]);
+    std::ofstream(sysmgtPath(path)) << document;
+}
+
+}  // namespace
 
 TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     const struct {
@@ -97,16 +111,12 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
 
     // A stored file of an older release, without "Channel Name": the load adds
     // it from the factory defaults and drops the defaults again.
-    {
-        std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
-        Json::Value document;
-        in >> document;
-        Json::Value& table = document["components"]["ChannelsTable"];
+    storeFactoryChanged("/data/settings/old.json", [](Json::Value& components) {
+        Json::Value& table = components["ChannelsTable"];
         table["properties"].removeMember("Channel Name");
         for (const std::string& key : table["instances"].getMemberNames())
             table["instances"][key].removeMember("Channel Name");
-        std::ofstream(sysmgtPath("/data/settings/old.json")) << document;
-    }
+    });
     std::string name;
     ASSERT_EQ(FC_OK, h.manager.loadDataSet("/data/settings/old.json"));
     ASSERT_NE(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"))
@@ -114,6 +124,61 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
     h.execute("LOAD_CHANNELS", {{"File", "/data/settings/old.json"}});
     EXPECT_EQ(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
     EXPECT_NE(FC_OK, h.manager.getInstances("Default Dataset", "ChannelsTable", channels));
+}
+
+// A hand-edited channel file with a value its definitions refuse is not
+// loaded: the answer names the kind of fault and the log the first refused
+// value; the channel data, its pending edit and the next Play are those of
+// before. Only the stop, which comes before the file is read, took place.
+TEST_F(ChannelMngrCommands, ARefusedChannelFileChangesNothingButTheStop) {
+    ASSERT_EQ(FC_OK, h.execute("LOAD_CHANNELS", {{"File", "Default"}}));
+    ASSERT_EQ(FC_OK, h.manager.setTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, value::PROFILE_ULL,
+                                            row::HEVC));
+    ASSERT_EQ(FC_OK, h.execute("Accept Changes"));
+    ASSERT_EQ(FC_OK, h.execute("Play", {{"RowID", "HEVC"}}));
+    struct Change {
+        const char *table, *property;
+        Json::Value value;  // of the HEVC row
+    };
+    const struct {
+        std::vector<Change> changes;
+        Fcodes expected;
+        std::string logged;
+    } rows[] = {
+        {{{tbl::AV_SETTINGS, prop::BRIGHTNESS, "bright"}, {tbl::PROCESSING, prop::STREAM_PROFILE, "Warp Speed"}},
+         FC_WRONG_TYPE,
+         "loadDataSet: dataset=ChannelDataSet comp=ChannelAVSettings param=Brightness ind=HEVC refused "
+         "value=\"bright\" in file=/data/settings/bad.json"},
+        {{{tbl::PROCESSING, prop::STREAM_PROFILE, "Warp Speed"}},
+         FC_BAD_VALUE,
+         "comp=ChannelProcessingTable param=Stream Profile ind=HEVC refused value=\"Warp Speed\" in file="},
+        {{{tbl::PROCESSING, prop::FRAME_SAMPLING, 241}},
+         FC_BAD_VALUE,
+         "param=Frame Sampling ind=HEVC refused value=241 in file="},
+    };
+    for (const auto& row : rows) {
+        storeFactoryChanged("/data/settings/bad.json", [&](Json::Value& components) {
+            for (const Change& change : row.changes)
+                components[change.table]["instances"][row::HEVC][change.property] = change.value;
+        });
+        ASSERT_EQ(FC_OK, h.manager.setTextParam(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, "Pending", row::HEVC));
+        EXPECT_EQ(row.expected | FC_OK, h.execute("LOAD_CHANNELS", {{"File", "/data/settings/bad.json"}}))
+            << row.logged;
+        EXPECT_TRUE(h.waitLog(row.logged)) << row.logged;
+        EXPECT_EQ("Stopped", h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC)) << row.logged;
+        EXPECT_EQ(50, h.number(ds::CHANNEL, tbl::AV_SETTINGS, prop::BRIGHTNESS, row::HEVC)) << row.logged;
+        EXPECT_EQ(50, h.number(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, row::HEVC)) << row.logged;
+        EXPECT_EQ(value::PROFILE_ULL, h.text(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, row::HEVC))
+            << row.logged;
+        std::string pending;
+        h.manager.getNewTextParam(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, pending, row::HEVC);
+        EXPECT_EQ("Pending", pending) << row.logged;
+        // The next Play starts the branch of the old data's profile.
+        h.mediator.model().clearRecords();
+        EXPECT_EQ(FC_OK, h.execute("Play", {{"RowID", "HEVC"}})) << row.logged;
+        EXPECT_EQ("RUN", h.mediator.model().branchState("UDP CH1 ULL")) << row.logged;
+        EXPECT_NE("RUN", h.mediator.model().branchState("UDP CH1")) << row.logged;
+    }
 }
 
 TEST_F(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {
