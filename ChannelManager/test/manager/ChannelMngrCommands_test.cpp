@@ -7,6 +7,7 @@
 
 #include <fstream>
 #include <functional>
+#include <iterator>
 
 #include "datacom/SysmgtRoot.h"
 #include "support/ManagerHarness.h"
@@ -17,18 +18,14 @@ using namespace vocab;
 
 using ChannelMngrCommands = ManagerTest;
 
-namespace {
-
 // Stores the factory channel data, changed by `edit`, as a channel file at `path`.
-void storeFactoryChanged(const std::string& path, const std::function<void(Json::Value&)>& edit) {
+static void storeFactoryChanged(const std::string& path, const std::function<void(Json::Value&)>& edit) {
     std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
     Json::Value document;
     in >> document;
     edit(document["components"]);
     std::ofstream(sysmgtPath(path)) << document;
 }
-
-}  // namespace
 
 TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     const struct {
@@ -132,34 +129,29 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
 // before. Only the stop, which comes before the file is read, took place.
 TEST_F(ChannelMngrCommands, ARefusedChannelFileChangesNothingButTheStop) {
     ASSERT_EQ(FC_OK, h.execute("LOAD_CHANNELS", {{"File", "Default"}}));
-    ASSERT_EQ(FC_OK, h.manager.setTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, value::PROFILE_ULL,
-                                            row::HEVC));
-    ASSERT_EQ(FC_OK, h.execute("Accept Changes"));
+    ASSERT_TRUE(h.set({{tbl::PROCESSING, prop::STREAM_PROFILE, row::HEVC, value::PROFILE_ULL}}));
     ASSERT_EQ(FC_OK, h.execute("Play", {{"RowID", "HEVC"}}));
-    struct Change {
-        const char *table, *property;
-        Json::Value value;  // of the HEVC row
-    };
+    // Each file adds a fault of the HEVC row to those of the one before; the
+    // first in name order is named. The last holds "bright" and "Warp Speed".
     const struct {
-        std::vector<Change> changes;
+        const char *table, *property;
+        Json::Value value;
         Fcodes expected;
         std::string logged;
     } rows[] = {
-        {{{tbl::AV_SETTINGS, prop::BRIGHTNESS, "bright"}, {tbl::PROCESSING, prop::STREAM_PROFILE, "Warp Speed"}},
-         FC_WRONG_TYPE,
+        {tbl::PROCESSING, prop::STREAM_PROFILE, "Warp Speed", FC_BAD_VALUE,
+         "comp=ChannelProcessingTable param=Stream Profile ind=HEVC refused value=\"Warp Speed\" in file="},
+        {tbl::PROCESSING, prop::FRAME_SAMPLING, 241, FC_BAD_VALUE,
+         "param=Frame Sampling ind=HEVC out of range=241 maximum=240"},
+        {tbl::AV_SETTINGS, prop::BRIGHTNESS, "bright", FC_WRONG_TYPE,
          "loadDataSet: dataset=ChannelDataSet comp=ChannelAVSettings param=Brightness ind=HEVC refused "
          "value=\"bright\" in file=/data/settings/bad.json"},
-        {{{tbl::PROCESSING, prop::STREAM_PROFILE, "Warp Speed"}},
-         FC_BAD_VALUE,
-         "comp=ChannelProcessingTable param=Stream Profile ind=HEVC refused value=\"Warp Speed\" in file="},
-        {{{tbl::PROCESSING, prop::FRAME_SAMPLING, 241}},
-         FC_BAD_VALUE,
-         "param=Frame Sampling ind=HEVC refused value=241 in file="},
     };
-    for (const auto& row : rows) {
+    for (size_t i = 0; i < std::size(rows); ++i) {
+        const auto& row = rows[i];
         storeFactoryChanged("/data/settings/bad.json", [&](Json::Value& components) {
-            for (const Change& change : row.changes)
-                components[change.table]["instances"][row::HEVC][change.property] = change.value;
+            for (size_t fault = 0; fault <= i; ++fault)
+                components[rows[fault].table]["instances"][row::HEVC][rows[fault].property] = rows[fault].value;
         });
         ASSERT_EQ(FC_OK, h.manager.setTextParam(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, "Pending", row::HEVC));
         EXPECT_EQ(row.expected | FC_OK, h.execute("LOAD_CHANNELS", {{"File", "/data/settings/bad.json"}}))
@@ -167,17 +159,12 @@ TEST_F(ChannelMngrCommands, ARefusedChannelFileChangesNothingButTheStop) {
         EXPECT_TRUE(h.waitLog(row.logged)) << row.logged;
         EXPECT_EQ("Stopped", h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC)) << row.logged;
         EXPECT_EQ(50, h.number(ds::CHANNEL, tbl::AV_SETTINGS, prop::BRIGHTNESS, row::HEVC)) << row.logged;
-        EXPECT_EQ(50, h.number(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, row::HEVC)) << row.logged;
         EXPECT_EQ(value::PROFILE_ULL, h.text(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, row::HEVC))
             << row.logged;
-        std::string pending;
-        h.manager.getNewTextParam(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, pending, row::HEVC);
-        EXPECT_EQ("Pending", pending) << row.logged;
+        EXPECT_TRUE(h.manager.isChangedProperty(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, row::HEVC));
         // The next Play starts the branch of the old data's profile.
-        h.mediator.model().clearRecords();
         EXPECT_EQ(FC_OK, h.execute("Play", {{"RowID", "HEVC"}})) << row.logged;
         EXPECT_EQ("RUN", h.mediator.model().branchState("UDP CH1 ULL")) << row.logged;
-        EXPECT_NE("RUN", h.mediator.model().branchState("UDP CH1")) << row.logged;
     }
 }
 

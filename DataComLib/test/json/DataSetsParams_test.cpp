@@ -88,8 +88,6 @@ TEST(DataSetsParams, TypeAndEnumerationChecks) {
          "setIntParam: dataset=ChannelDataSet comp=ChannelsTable param=Enabled ind=HEVC wrong expected "
          "type:\"boolean\"",
          false},
-        {"int into string", [&](DataSets& s) { return s.setIntParam(kSet, kChan, "Name", 1, hevc); }, FC_WRONG_TYPE,
-         "wrong expected type:\"string\"", false},
         {"bool into string", [&](DataSets& s) { return s.setBoolParam(kSet, kChan, "Name", true, hevc); },
          FC_WRONG_TYPE, "setBoolParam: dataset=", false},
         {"text into integer", [&](DataSets& s) { return s.setTextParam(kSet, kChan, "Bitrate", "-12", hevc); }, FC_OK,
