@@ -26,9 +26,9 @@ namespace datacom {
 // Failures: FC_NO_SUCH_NAME unknown names; FC_WRONG_TYPE a property without a
 // definition, or whose committed value is not of the kind its type admits;
 // FC_BAD_VALUE a value outside an enumeration or its declared range, a text
-// that is no integer or a name that exists already; FC_BODY_ERROR a document that cannot be parsed or
-// a jsoncpp exception (logged with the operation's name); FC_UNAVAILABLE a
-// store that could not be written. A failing operation leaves both trees as
+// that is no integer or a name that exists already; FC_BODY_ERROR a document
+// that cannot be parsed or a jsoncpp exception (logged with the operation's
+// name); FC_UNAVAILABLE a store that could not be written. A failing operation leaves both trees as
 // they were, except that an update keeps the changes it made before it failed.
 class DataSets : public IDataSets {
 public:
@@ -39,7 +39,7 @@ public:
 
     // Loading replaces the committed document of a dataset of the same name;
     // its pending values stay, to be committed onto the new one or rolled back.
-    // A document holding a value that a write would be refused (ValueRules)
+    // A document holding a value that would be refused as a write (ValueRules)
     // replaces nothing: the first such value is logged and its code answered.
     Fcodes loadDataSet(const std::string& file) override;
     Fcodes loadDataSet(const std::string& name, const std::string& file) override;
