@@ -6,8 +6,6 @@
 #include <json/json.h>
 
 #include <fstream>
-#include <functional>
-#include <iterator>
 
 #include "datacom/SysmgtRoot.h"
 #include "support/ManagerHarness.h"
@@ -17,15 +15,6 @@ using namespace datacom;
 using namespace vocab;
 
 using ChannelMngrCommands = ManagerTest;
-
-// Stores the factory channel data, changed by `edit`, as a channel file at `path`.
-static void storeFactoryChanged(const std::string& path, const std::function<void(Json::Value&)>& edit) {
-    std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
-    Json::Value document;
-    in >> document;
-    edit(document["components"]);
-    std::ofstream(sysmgtPath(path)) << document;
-}
 
 TEST_F(ChannelMngrCommands, MissingParametersAnswerBodyErrorWithTheirLogLines) {
     const struct {
@@ -84,6 +73,16 @@ TEST_F(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
     EXPECT_EQ(FC_BODY_ERROR, h.manager.doExecute("no command", result));
     EXPECT_EQ(FC_UNAVAILABLE, h.manager.deleteRow("ChannelsTable", 1));
     EXPECT_TRUE(h.waitLog("deleteRow: Unsupported"));
+}
+
+// Stores the factory channel data, changed by `edit`, as a channel file at `path`.
+template <typename Edit>
+static void storeFactoryChanged(const std::string& path, Edit edit) {
+    std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
+    Json::Value document;
+    in >> document;
+    edit(document["components"]);
+    std::ofstream(sysmgtPath(path)) << document;
 }
 
 TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDefaults) {
