@@ -1,8 +1,8 @@
 #pragma once
 
 // The JSON channel document the store, holder and fuzz tests share: keyed,
-// single and array instances; integer, boolean, string, enum (integer and
-// text) properties.
+// single and array instances; integer (one with a range), boolean, string,
+// enum (integer and text) properties.
 namespace testdoc {
 
 constexpr const char* kChannelDoc = R"({
@@ -22,7 +22,8 @@ constexpr const char* kChannelDoc = R"({
       }
     },
     "Device": {
-      "properties": {"Label": {"type": "string", "default": "enc"}, "Port": {"type": "integer", "default": 5004}},
+      "properties": {"Label": {"type": "string", "default": "enc"},
+                     "Port": {"type": "integer", "default": 5004, "minimum": 1, "maximum": 65535}},
       "instance": {"Label": "encoder", "Port": 5004}
     },
     "Targets": {

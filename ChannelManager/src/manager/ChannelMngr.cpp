@@ -133,10 +133,16 @@ Fcodes ChannelMngr::acceptChanges() {
 
 Fcodes ChannelMngr::loadChannels(const std::string& path) {
     // The loaded data replaces the channels: both stop first, as a "Stop" of
-    // "ALL" would stop them.
+    // "ALL" would stop them. The stop comes before the file is read, also for
+    // a file that will be refused: a front end that asks for a load learns
+    // one outcome for its channels (stopped) whatever the file holds, and no
+    // channel keeps running across a load whose result it cannot know yet.
     ConfigChannelTarnevel(*this, *this).stopAll();
 
     DBG(DBG_SYS) << "loadChannels: Loading " << path;
+    // A refused file (unreadable, or a value its own definitions refuse)
+    // replaces nothing: the channel data, its pending edits and the channels'
+    // configuration stay as they were, so the next Play runs on the old data.
     Fcodes result = loadDataSet(path);
     if (!isOk(result))
         return result;

@@ -30,7 +30,7 @@ const std::vector<SchemaEntry>& channelSchema() {
         {ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, SchemaEntry::Kind::Integer},
         {ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, SchemaEntry::Kind::Integer},
         {ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, SchemaEntry::Kind::Integer},
-        {ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, SchemaEntry::Kind::Text},
+        {ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, SchemaEntry::Kind::Choice},
         {ds::CHANNEL, tbl::PROCESSING, prop::RATE_CONTROL, SchemaEntry::Kind::Text},
         {ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, SchemaEntry::Kind::Boolean},
         {ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, SchemaEntry::Kind::Text},

@@ -9,7 +9,8 @@
 // against this list by a test, so the code and the files cannot drift apart:
 // an operation that names a new property adds its row here.
 struct SchemaEntry {
-    enum class Kind { Text, Integer, Boolean };
+    // Choice: a text among the "values" its definition lists (an "enum").
+    enum class Kind { Text, Integer, Boolean, Choice };
     const char* dataSet;
     const char* component;
     const char* property;

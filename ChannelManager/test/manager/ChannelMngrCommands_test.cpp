@@ -91,6 +91,16 @@ TEST_F(ChannelMngrCommands, WrongLetterCaseReachesTheWorkersRefusal) {
     EXPECT_TRUE(h.waitLog("deleteRow: Unsupported"));
 }
 
+// Stores the factory channel data, changed by `edit`, as a channel file at `path`.
+template <typename Edit>
+static void storeFactoryChanged(const std::string& path, Edit edit) {
+    std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
+    Json::Value document;
+    in >> document;
+    edit(document["components"]);
+    std::ofstream(sysmgtPath(path)) << document;
+}
+
 TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheDefaults) {
     std::vector<std::string> channels;
 
@@ -113,16 +123,12 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
 
     // A stored file of an older release, without "Channel Name": the load adds
     // it from the factory defaults and drops the defaults again.
-    {
-        std::ifstream in(std::string(testpaths::FACTORY_DIR) + "/channel_data_set_vex.json");
-        Json::Value document;
-        in >> document;
-        Json::Value& table = document["components"]["ChannelsTable"];
+    storeFactoryChanged("/data/settings/old.json", [](Json::Value& components) {
+        Json::Value& table = components["ChannelsTable"];
         table["properties"].removeMember("Channel Name");
         for (const std::string& key : table["instances"].getMemberNames())
             table["instances"][key].removeMember("Channel Name");
-        std::ofstream(sysmgtPath("/data/settings/old.json")) << document;
-    }
+    });
     std::string name;
     ASSERT_EQ(FC_OK, h.manager.loadDataSet("/data/settings/old.json"));
     ASSERT_NE(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"))
@@ -130,6 +136,51 @@ TEST_F(ChannelMngrCommands, LoadChannelsNamesTheWordAndMergesAStoredFileWithTheD
     h.execute("LOAD_CHANNELS", {{"File", "/data/settings/old.json"}});
     EXPECT_EQ(FC_OK, h.manager.getTextParam("ChannelDataSet", "ChannelsTable", "Channel Name", name, "HEVC"));
     EXPECT_NE(FC_OK, h.manager.getInstances("Default Dataset", "ChannelsTable", channels));
+}
+
+// A hand-edited channel file with a value its definitions refuse is not
+// loaded: the answer names the kind of fault and the log the first refused
+// value; the channel data, its pending edit and the next Play are those of
+// before. Only the stop, which comes before the file is read, took place.
+TEST_F(ChannelMngrCommands, ARefusedChannelFileChangesNothingButTheStop) {
+    ASSERT_EQ(FC_OK, h.execute("LOAD_CHANNELS", {{"File", "Default"}}));
+    ASSERT_TRUE(h.set({{tbl::PROCESSING, prop::STREAM_PROFILE, row::HEVC, value::PROFILE_ULL}}));
+    ASSERT_EQ(FC_OK, h.execute("Play", {{"RowID", "HEVC"}}));
+    // Each file adds a fault of the HEVC row to those of the one before; the
+    // first in name order is named. The last holds "bright" and "Warp Speed".
+    const struct {
+        const char *table, *property;
+        Json::Value value;
+        Fcodes expected;
+        std::string logged;
+    } rows[] = {
+        {tbl::PROCESSING, prop::STREAM_PROFILE, "Warp Speed", FC_BAD_VALUE,
+         "comp=ChannelProcessingTable param=Stream Profile ind=HEVC refused value=\"Warp Speed\" in file="},
+        {tbl::PROCESSING, prop::FRAME_SAMPLING, 241, FC_BAD_VALUE,
+         "param=Frame Sampling ind=HEVC out of range=241 maximum=240"},
+        {tbl::AV_SETTINGS, prop::BRIGHTNESS, "bright", FC_WRONG_TYPE,
+         "loadDataSet: dataset=ChannelDataSet comp=ChannelAVSettings param=Brightness ind=HEVC refused "
+         "value=\"bright\" in file=/data/settings/bad.json"},
+    };
+    for (size_t i = 0; i < std::size(rows); ++i) {
+        const auto& row = rows[i];
+        storeFactoryChanged("/data/settings/bad.json", [&](Json::Value& components) {
+            for (size_t fault = 0; fault <= i; ++fault)
+                components[rows[fault].table]["instances"][row::HEVC][rows[fault].property] = rows[fault].value;
+        });
+        ASSERT_EQ(FC_OK, h.manager.setTextParam(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, "Pending", row::HEVC));
+        EXPECT_EQ(row.expected | FC_OK, h.execute("LOAD_CHANNELS", {{"File", "/data/settings/bad.json"}}))
+            << row.logged;
+        EXPECT_TRUE(h.waitLog(row.logged)) << row.logged;
+        EXPECT_EQ("Stopped", h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC)) << row.logged;
+        EXPECT_EQ(50, h.number(ds::CHANNEL, tbl::AV_SETTINGS, prop::BRIGHTNESS, row::HEVC)) << row.logged;
+        EXPECT_EQ(value::PROFILE_ULL, h.text(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, row::HEVC))
+            << row.logged;
+        EXPECT_TRUE(h.manager.isChangedProperty(ds::CHANNEL, tbl::CHANNELS, prop::CHANNEL_NAME, row::HEVC));
+        // The next Play starts the branch of the old data's profile.
+        EXPECT_EQ(FC_OK, h.execute("Play", {{"RowID", "HEVC"}})) << row.logged;
+        EXPECT_EQ("RUN", h.mediator.model().branchState("UDP CH1 ULL")) << row.logged;
+    }
 }
 
 TEST_F(ChannelMngrCommands, AcceptChangesCommitsWhatItDoesNotApply) {

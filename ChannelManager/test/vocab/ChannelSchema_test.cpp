@@ -23,6 +23,8 @@ const char* typeOf(SchemaEntry::Kind kind) {
             return "integer";
         case SchemaEntry::Kind::Boolean:
             return "boolean";
+        case SchemaEntry::Kind::Choice:
+            return "enum";
     }
     return "?";
 }
@@ -63,7 +65,7 @@ TEST(ChannelSchema, FactoryDatasetsHoldEveryNameTheCodeUses) {
             std::string text;
             int number = 0;
             bool flag = false;
-            Fcodes read = entry.kind == SchemaEntry::Kind::Text
+            Fcodes read = entry.kind == SchemaEntry::Kind::Text || entry.kind == SchemaEntry::Kind::Choice
                               ? store->getTextParam(entry.dataSet, entry.component, entry.property, text, key)
                           : entry.kind == SchemaEntry::Kind::Integer
                               ? store->getIntParam(entry.dataSet, entry.component, entry.property, number, key)

@@ -25,10 +25,10 @@ namespace datacom {
 //
 // Failures: FC_NO_SUCH_NAME unknown names; FC_WRONG_TYPE a property without a
 // definition, or whose committed value is not of the kind its type admits;
-// FC_BAD_VALUE a value outside an enumeration, a text that is no integer or a
-// name that exists already; FC_BODY_ERROR a document that cannot be parsed or
-// a jsoncpp exception (logged with the operation's name); FC_UNAVAILABLE a
-// store that could not be written. A failing operation leaves both trees as
+// FC_BAD_VALUE a value outside an enumeration or its declared range, a text
+// that is no integer or a name that exists already; FC_BODY_ERROR a document
+// that cannot be parsed or a jsoncpp exception (logged with the operation's
+// name); FC_UNAVAILABLE a store that could not be written. A failing operation leaves both trees as
 // they were, except that an update keeps the changes it made before it failed.
 class DataSets : public IDataSets {
 public:
@@ -39,6 +39,8 @@ public:
 
     // Loading replaces the committed document of a dataset of the same name;
     // its pending values stay, to be committed onto the new one or rolled back.
+    // A document holding a value that would be refused as a write (ValueRules)
+    // replaces nothing: the first such value is logged and its code answered.
     Fcodes loadDataSet(const std::string& file) override;
     Fcodes loadDataSet(const std::string& name, const std::string& file) override;
     // Writes the committed document only, atomically (temporary file, fsync,
@@ -59,7 +61,7 @@ public:
     Fcodes addComponent(const std::string& dataSet, const std::string& component) override;
     Fcodes deleteComponent(const std::string& dataSet, const std::string& component) override;
     // Replaces (or adds) the component with the one given as JSON text, which
-    // must be an object; its pending values are dropped.
+    // must be an object whose values meet ValueRules; its pending values are dropped.
     Fcodes loadComponent(const std::string& dataSet, const std::string& component, const std::string& text) override;
     // Number of instances: array or object size, 1 for a single instance.
     Fcodes getComponentSize(const std::string& dataSet, const std::string& component, int& size) override;
@@ -234,9 +236,6 @@ private:
                        const std::string& property, const Selector& selector, T& value, Fallback&& committedRead);
     Fcodes writeParam(const char* op, bool pending, const std::string& dataSet, const std::string& component,
                       const std::string& property, const Selector& selector, const Json::Value& offered);
-    Fcodes admit(const char* op, const Json::Value& definition, const Json::Value* committedValue,
-                 const Json::Value& offered, Json::Value& stored, const std::string& dataSet,
-                 const std::string& component, const std::string& property, const Selector& selector) const;
     bool pendingPathFits(const std::string& dataSet, const std::string& component, const Selector& selector) const;
     Json::Value& pendingInstance(const std::string& dataSet, const std::string& component, const Selector& selector);
 

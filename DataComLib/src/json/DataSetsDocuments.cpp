@@ -12,6 +12,7 @@
 #include "datacom/TagText.h"
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
+#include "json/ValueRules.h"
 
 namespace datacom {
 
@@ -169,6 +170,11 @@ Fcodes DataSets::loadDocument(const std::string* name, const std::string& file) 
             return FC_BAD_VALUE;
         }
         const std::string key = name ? *name : declared->asString();
+        // Every value meets the rules a write of it would meet before the
+        // document replaces anything: a refused file changes nothing.
+        const Fcodes admitted = dsjson::checkDocument("loadDataSet", key, root, " in file=" + file);
+        if (!isOk(admitted))
+            return admitted;
         Guard guard(*this);
         // Pending values stay: they are edits still to be committed onto (or
         // rolled back from) the document now in place.
@@ -286,6 +292,9 @@ Fcodes DataSets::loadComponent(const std::string& dataSet, const std::string& co
         DBG(DBG_ERROR) << "loadComponent: Failed to parse comp=" << component << "\n err=" << errors;
         return FC_BODY_ERROR;
     }
+    const Fcodes admitted = dsjson::checkComponent("loadComponent", dataSet, component, parsed, "");
+    if (!isOk(admitted))
+        return admitted;
     return guarded("loadComponent", [&] {
         Json::Value* components = member(member(datasets, dataSet), jsonkeys::COMPONENTS);
         if (!components || !components->isObject()) {

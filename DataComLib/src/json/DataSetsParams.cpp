@@ -1,30 +1,18 @@
 // DataSets: the typed parameter family (get, getNew, set, init; int, text,
-// bool; index and key forms) with its type and enumeration checks.
+// bool; index and key forms); the rule a written value meets is ValueRules.
 #include <ostream>
 
 #include "json/DataSets.h"
 #include "json/JsonDataSetKeys.h"
+#include "json/ValueRules.h"
 
 namespace datacom {
 
 using dsjson::member;
+using dsjson::ParamPath;
 using dsjson::Selector;
 
 namespace {
-
-// Streams the parameter path of a log line: "<op>: dataset=d comp=c param=p ind=s".
-struct ParamPath {
-    const char* op;
-    const std::string& dataSet;
-    const std::string& component;
-    const std::string& property;
-    const Selector& selector;
-};
-
-std::ostream& operator<<(std::ostream& out, const ParamPath& path) {
-    return out << path.op << ": dataset=" << path.dataSet << " comp=" << path.component << " param=" << path.property
-               << " ind=" << path.selector.text();
-}
 
 // The library's convertibility test for the requested kind, and delivery.
 bool convertible(const Json::Value& v, const int&) {
@@ -106,69 +94,6 @@ Fcodes DataSets::readPending(const char* op, const std::string& dataSet, const s
     return pending || !isOk(result) ? result : committedRead();
 }
 
-// Decides whether `offered` may be written to a property of this definition
-// and committed value, and what is stored; logs the refusal.
-Fcodes DataSets::admit(const char* op, const Json::Value& definition, const Json::Value* committedValue,
-                       const Json::Value& offered, Json::Value& stored, const std::string& dataSet,
-                       const std::string& component, const std::string& property, const Selector& selector) const {
-    const Json::Value* typeNode = member(definition, jsonkeys::TYPE);
-    const std::string type = typeNode && typeNode->isString() ? typeNode->asString() : std::string();
-    // The committed value must be of the kind the declared type admits; one
-    // that is missing is of no kind. (An enumeration is judged by its values.)
-    auto committedIs = [&](bool (Json::Value::*test)() const) { return committedValue && (committedValue->*test)(); };
-    const ParamPath path{op, dataSet, component, property, selector};
-
-    if (type == jsonkeys::TYPE_ENUM && !offered.isBool()) {
-        const Json::Value* values = member(definition, jsonkeys::VALUES);
-        if (values && values->isArray()) {
-            for (const Json::Value& entry : *values) {
-                bool match = offered.isString() ? (entry.isString() && entry.asString() == offered.asString()) ||
-                                                      (entry.isInt() && entry.asString() == offered.asString())
-                                                : entry.isInt() && offered.isInt() && entry.asInt() == offered.asInt();
-                if (match) {
-                    stored = entry;
-                    return FC_OK;
-                }
-            }
-        }
-        DBG(DBG_ERROR) << path << " absent in enum";
-        return FC_BAD_VALUE;
-    }
-    // Integers of 64 bits too: a counter published beyond 32 bits stays writable.
-    if (offered.isInt64() && type == jsonkeys::TYPE_INTEGER && committedIs(&Json::Value::isInt64)) {
-        stored = offered;
-        return FC_OK;
-    }
-    if (offered.isBool() && type == jsonkeys::TYPE_BOOLEAN && committedIs(&Json::Value::isBool)) {
-        stored = offered;
-        return FC_OK;
-    }
-    if (offered.isString()) {
-        const std::string text = offered.asString();
-        if (type == jsonkeys::TYPE_STRING && committedIs(&Json::Value::isString)) {
-            stored = offered;
-            return FC_OK;
-        }
-        if (type == jsonkeys::TYPE_INTEGER && committedIs(&Json::Value::isInt)) {
-            int number = 0;
-            if (!dsjson::parseInt(text, number)) {
-                DBG(DBG_ERROR) << path << " not an integer=" << text;
-                return FC_BAD_VALUE;
-            }
-            stored = number;
-            DBG(DBG_INFO) << path << " set as int=" << number;
-            return FC_OK;
-        }
-        if (type == jsonkeys::TYPE_BOOLEAN && committedIs(&Json::Value::isBool)) {
-            stored = text == "true";
-            DBG(DBG_INFO) << path << " set as bool=" << (text == "true" ? "true" : "false");
-            return FC_OK;
-        }
-    }
-    DBG(DBG_ERROR) << path << " wrong expected type:" << dsjson::compactText(typeNode ? *typeNode : Json::Value());
-    return FC_WRONG_TYPE;
-}
-
 // Every node the pending write would pass through must be absent or of the
 // right kind, so that the write cannot throw half-way.
 bool DataSets::pendingPathFits(const std::string& dataSet, const std::string& component,
@@ -217,8 +142,8 @@ Fcodes DataSets::writeParam(const char* op, bool pending, const std::string& dat
         // A property without a definition has no type to admit anything.
         const Json::Value undefined;
         Json::Value stored;
-        Fcodes admitted = admit(op, definition ? *definition : undefined, member(*instance, property), offered, stored,
-                                dataSet, component, property, selector);
+        Fcodes admitted = dsjson::admitValue(path, definition ? *definition : undefined, member(*instance, property),
+                                             offered, stored);
         if (!isOk(admitted))
             return admitted;
         if (!pending) {

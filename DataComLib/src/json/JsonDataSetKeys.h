@@ -15,6 +15,9 @@ constexpr const char* DEFAULT = "default";
 constexpr const char* ACCESS = "access";
 constexpr const char* VALUES = "values";
 constexpr const char* DESCRIPTION = "description";
+// An integer property's range, where its definition declares one.
+constexpr const char* MINIMUM = "minimum";
+constexpr const char* MAXIMUM = "maximum";
 
 constexpr const char* TYPE_INTEGER = "integer";
 constexpr const char* TYPE_BOOLEAN = "boolean";

@@ -14,6 +14,7 @@ using dstest::readText;
 using dstest::writeText;
 
 using dstest::kSet;
+using dstest::LogCapture;
 
 namespace {
 
@@ -61,31 +62,53 @@ TEST(DataSetsDocuments, ReadsOfMissingNamesLeaveTheDocumentByteIdentical) {
     EXPECT_FALSE(store.isChanged());
 }
 
-TEST(DataSetsDocuments, MalformedAndWronglyShapedFilesAreRefused) {
+// A refused file replaces nothing: the committed value and the pending edit
+// stay. A value is refused as a write of it would be, the first one logged.
+TEST(DataSetsDocuments, MalformedWronglyShapedAndIllTypedFilesAreRefused) {
     std::string deep = "{\"dataset\": \"ChannelDataSet\", \"components\": {\"C\": ";
     for (int i = 0; i < 100000; ++i)
         deep += "[";
+    auto edited = [](const std::string& from, const std::string& to) {
+        std::string text = dstest::kChannelDoc;
+        return text.replace(text.find(from), from.size(), to);
+    };
     struct Row {
         const char* name;
         std::string text;
+        Fcodes expected;
+        const char* logged = "";
     } rows[] = {
-        {"not JSON", "dataset = ChannelDataSet"},
-        {"truncated", std::string(dstest::kChannelDoc).substr(0, 200)},
-        {"no dataset member", "{\"components\": {}}"},
-        {"dataset not a string", "{\"dataset\": {\"a\": 1}, \"components\": {}}"},
-        {"array root", "[1, 2]"},
-        {"components not an object", "{\"dataset\": \"ChannelDataSet\", \"components\": [1]}"},
-        {"deeply nested", deep},
-        {"empty file", ""},
-        {"a value that would break a record", "{\"dataset\": \"D\", \"components\": {\"C\": {\"p\": \"a>b\"}}}"},
-        {"a name that would break a record", "{\"dataset\": \"D\", \"components\": {\"C<\": {}}}"},
+        {"not JSON", "dataset = ChannelDataSet", FC_BODY_ERROR},
+        {"truncated", std::string(dstest::kChannelDoc).substr(0, 200), FC_BODY_ERROR},
+        {"no dataset member", "{\"components\": {}}", FC_NO_SUCH_NAME},
+        {"dataset not a string", "{\"dataset\": {\"a\": 1}, \"components\": {}}", FC_NO_SUCH_NAME},
+        {"array root", "[1, 2]", FC_NO_SUCH_NAME},
+        {"components not an object", "{\"dataset\": \"ChannelDataSet\", \"components\": [1]}", FC_BODY_ERROR},
+        {"deeply nested", deep, FC_BODY_ERROR},
+        {"empty file", "", FC_BODY_ERROR},
+        {"a value that would break a record", "{\"dataset\": \"D\", \"components\": {\"C\": {\"p\": \"a>b\"}}}",
+         FC_BAD_VALUE},
+        {"a name that would break a record", "{\"dataset\": \"D\", \"components\": {\"C<\": {}}}", FC_BAD_VALUE},
+        {"a text in an integer", edited("\"Bitrate\": 6000", "\"Bitrate\": \"fast\""), FC_WRONG_TYPE,
+         "loadDataSet: dataset=ChannelDataSet comp=ChannelsTable param=Bitrate ind=HEVC refused value=\"fast\" in "
+         "file=/etc/sysmgt/bad.json"},
+        {"a real in an integer", edited("\"Port\": 1234}", "\"Port\": 12.5}"), FC_WRONG_TYPE},
+        {"a text outside its enumeration", edited("\"Profile\": \"Main\"}", "\"Profile\": \"Low\"}"), FC_BAD_VALUE},
+        {"past a declared maximum", edited("\"Port\": 5004}", "\"Port\": 65536}"), FC_BAD_VALUE,
+         "param=Port ind= out of range=65536 maximum=65535"},
+        {"an instance that is no object", edited("{\"Address\": \"127.0.0.1\", \"Port\": 5000}", "7"), FC_BODY_ERROR,
+         "loadDataSet: dataset=ChannelDataSet comp=Targets malformed instance ind=1 in file="},
     };
     DataSets store;
     ASSERT_TRUE(dstest::loadChannelDoc(store));
+    ASSERT_EQ(store.setIntParam(kSet, "ChannelsTable", "Bitrate", 9000, "HEVC"), FC_OK);
     for (const Row& row : rows) {
         writeText("/etc/sysmgt/bad.json", row.text);
-        EXPECT_NE(store.loadDataSet("/etc/sysmgt/bad.json"), FC_OK) << row.name;
+        LogCapture log;
+        EXPECT_EQ(store.loadDataSet("/etc/sysmgt/bad.json"), row.expected) << row.name;
+        EXPECT_NE(log.take().find(row.logged), std::string::npos) << row.name;
         EXPECT_EQ(dstest::valueAt<int>(store, "ChannelsTable", "Bitrate", "HEVC"), 6000) << row.name;
+        EXPECT_EQ(dstest::valueAt<int>(store, "ChannelsTable", "Bitrate", "HEVC", true), 9000) << row.name;
     }
     EXPECT_EQ(store.loadDataSet("/etc/sysmgt/missing.json"), FC_NO_SUCH_NAME);
     // A named load needs no "dataset" member, but still an object.
@@ -174,10 +197,13 @@ TEST(DataSetsDocuments, DataSetsAndComponents) {
                                   "{\"properties\": {\"N\": {\"type\": \"integer\"}}, "
                                   "\"instance\": {\"N\": 3}}"),
               FC_OK);
+    EXPECT_NE(store.loadComponent("Stats", "Counters", "[1]"), FC_OK);
+    EXPECT_EQ(store.loadComponent("Stats", "Counters",
+                                  R"({"properties": {"N": {"type": "integer"}}, "instance": {"N": "4"}})"),
+              FC_WRONG_TYPE);
     int n = 0;
     EXPECT_EQ(store.getIntParam("Stats", "Counters", "N", n, ""), FC_OK);
     EXPECT_EQ(n, 3);
-    EXPECT_NE(store.loadComponent("Stats", "Counters", "[1]"), FC_OK);
 
     ASSERT_EQ(store.setIntParam("Stats", "Counters", "N", 4, ""), FC_OK);
     ASSERT_EQ(store.deleteComponent("Stats", "Counters"), FC_OK);

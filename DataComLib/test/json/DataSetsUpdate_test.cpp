@@ -112,7 +112,7 @@ TEST_F(DataSetUpdate, FlagsAndFailures) {
     EXPECT_EQ(dstest::readText("/data/settings/after.json"), dstest::readText("/data/settings/before.json"));
 
     // A component of the wrong shape makes jsoncpp throw: a code and a line, no escape.
-    writeText("/data/settings/bad.json", R"({"dataset": "Bad", "components": {"Chan": 5}})");
+    writeText("/data/settings/bad.json", R"({"dataset": "Bad", "components": {"Chan": {"properties": 5}}})");
     ASSERT_EQ(store.loadDataSet("/data/settings/bad.json"), FC_OK);
     LogCapture log;
     EXPECT_EQ(store.updateDataSet("Bad", "Default Dataset", false, true, false), FC_BODY_ERROR);
