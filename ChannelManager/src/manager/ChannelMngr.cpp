@@ -66,11 +66,7 @@ void ChannelMngr::init() {
     initSources();
     DBG(DBG_INFO) << "init: init Sources done.";
 
-    std::string zone;
-    if (isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone, ""))) {
-        DBG(DBG_SYS) << "init: setenv TZ=" << zone;
-        setTimeZone(zone);
-    }
+    readDeviceTimeZone("init");
     const Fcodes deviceSubscribed = engine->requestSubscribe(wire::SOCK_DEV);
 
     engine->start();
@@ -78,6 +74,15 @@ void ChannelMngr::init() {
     // A peer that did not answer, or that restarts later, is subscribed to
     // again when it is there (manager/ChannelMngrPeers.cpp).
     startPeerWatch(mediatorSubscribed, deviceSubscribed);
+}
+
+bool ChannelMngr::readDeviceTimeZone(const char* operation) {
+    std::string zone;
+    if (!isOk(requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, DATE_TIME_TABLE, TZ, zone, "")))
+        return false;
+    DBG(DBG_SYS) << operation << ": setenv TZ=" << zone;
+    setTimeZone(zone);
+    return true;
 }
 
 Fcodes ChannelMngr::initSources() {

@@ -7,7 +7,6 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -15,6 +14,7 @@
 
 #include "datacom/DataHolder.h"
 #include "datacom/Mutex.h"
+#include "manager/PeerWatch.h"
 #include "settings/ChannelRunBook.h"
 #include "settings/IChannelEvents.h"
 
@@ -37,7 +37,8 @@ class MessageCommand;
 // The implementation is split by concern: manager/ChannelMngr.cpp (start-up, loading,
 // change acceptance), manager/ChannelMngrCommands.cpp (execute, doExecute, deleteRow),
 // manager/ChannelMngrEventDispatch.cpp (doHandle), manager/ChannelMngrBroadcast.cpp (outgoing
-// events), manager/ChannelMngrTimer.cpp (the periodic source refresh).
+// events), manager/ChannelMngrTimer.cpp (the periodic source refresh), manager/ChannelMngrPeers.cpp
+// (peers that come late or come back, by the rules of manager/PeerWatch.h).
 class ChannelMngr : public datacom::DataHolder, public IChannelEvents {
 public:
     static ChannelMngr* getInstance();
@@ -99,14 +100,6 @@ public:
     void stopPeerWatch() DATACOM_EXCLUDES(watchMutex, this);
     // How often the watcher looks at the peers' sockets (1 s unless changed).
     void setPeerWatchPeriod(std::chrono::milliseconds period) DATACOM_EXCLUDES(watchMutex);
-    // What tells one process's socket from the next one's.
-    struct SocketIdentity {
-        uint64_t device = 0, inode = 0;
-        int64_t changedNs = 0;
-        bool operator==(const SocketIdentity& o) const {
-            return device == o.device && inode == o.inode && changedNs == o.changedNs;
-        }
-    };
 
     // ---- Periodic source refresh (manager/ChannelMngrTimer.cpp) ----
 
@@ -189,13 +182,8 @@ private:
     // One peer the daemon needs the events of.
     struct WatchedPeer {
         const char* socket;
-        bool configures;            // the mediator: configured again when it comes back
-        SocketIdentity identity{};  // the one acted on
-        SocketIdentity seen{};      // the last one seen
-        bool subscribed = false;
-        bool configure = false;  // due once the subscription is acknowledged
-        int backoffSec = 0;
-        std::chrono::steady_clock::time_point nextTry{};
+        void (ChannelMngr::*afterReturn)();  // what a new process behind the socket needs from us
+        PeerWatch watch;
     };
     // Started by init with the results of its two subscriptions.
     void startPeerWatch(datacom::Fcodes mediatorSubscribed, datacom::Fcodes deviceSubscribed);
@@ -205,6 +193,11 @@ private:
     void watchPeer(WatchedPeer& peer);
     datacom::Fcodes subscribeTo(const char* peer);
     void configureMediatorAgain();
+    // A restarted device manager's time zone, asked for as at start-up.
+    void readTimeZoneAgain();
+    // Asks the device manager for its time zone and sets "TZ" when it
+    // answers, logged under `operation`; a failure keeps the zone in force.
+    bool readDeviceTimeZone(const char* operation);
 
     static void* refreshWork(void* self);
     void refreshLoop();

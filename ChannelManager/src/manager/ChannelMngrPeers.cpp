@@ -2,17 +2,17 @@
 // and the device manager at start-up; a peer that was not there then, or that
 // restarts later (a new process behind the same socket), would never send it
 // another event. A watcher thread, "tChPeers", looks at each peer's socket
-// file about once a second: the file's identity (device, inode, change time)
-// tells a peer that appeared or was replaced, once it held for a period. Such a peer is subscribed to
-// again, retried with a back-off of 1, 2, 4, then 8 seconds at most until it
-// acknowledges. A mediator that appeared or restarted has no configuration:
-// once subscribed, every channel is configured again and the channels that
-// were playing play again, with one INFO line. Idle, the thread wakes once a
-// period and makes one stat() per peer.
+// file about once a period: the file's identity (device, inode, change time)
+// tells a peer that appeared or was replaced, once it held for a period
+// (manager/PeerWatch.h). Such a peer is subscribed to again, retried with a
+// back-off of 1, 2, 4, then 8 seconds at most until it acknowledges. Then
+// what the new process lacks is given to it: a mediator has no configuration,
+// so every channel is configured again and the channels that were playing
+// play again, with one INFO line; a device manager's time zone is read again,
+// as at start-up. Idle, the thread wakes once a period and makes one stat()
+// per peer.
 #include <sys/prctl.h>
 #include <sys/stat.h>
-
-#include <algorithm>
 
 #include "channel/ConfigChannelTarnevel.h"
 #include "datacom/DbgPrintClient.h"
@@ -29,12 +29,11 @@ using namespace vocab;
 
 namespace {
 
-constexpr int MAX_BACKOFF_SEC = 8;
 // One short try per attempt: the back-off does the retrying.
 constexpr unsigned SUBSCRIBE_TIMEOUT_SEC = 1;
 
 // What tells one process's socket from the next one's; 0 when there is none.
-ChannelMngr::SocketIdentity socketIdentity(const char* logicalPath) {
+SocketIdentity socketIdentity(const char* logicalPath) {
     struct stat info {};
     if (stat(sysmgtPath(logicalPath).c_str(), &info) != 0 || !S_ISSOCK(info.st_mode))
         return {};
@@ -49,13 +48,11 @@ ChannelRunBook& ChannelMngr::runBook() {
 }
 
 void ChannelMngr::startPeerWatch(Fcodes mediatorSubscribed, Fcodes deviceSubscribed) {
-    peers = {{wire::SOCK_MEDIATOR, true}, {wire::SOCK_DEV, false}};
-    peers[0].subscribed = isOk(mediatorSubscribed);
-    peers[1].subscribed = isOk(deviceSubscribed);
-    for (WatchedPeer& peer : peers) {
-        peer.identity = peer.seen = socketIdentity(peer.socket);
-        peer.nextTry = std::chrono::steady_clock::now();
-    }
+    const auto now = PeerWatch::Clock::now();
+    peers = {{wire::SOCK_MEDIATOR, &ChannelMngr::configureMediatorAgain,
+              PeerWatch(socketIdentity(wire::SOCK_MEDIATOR), isOk(mediatorSubscribed), now)},
+             {wire::SOCK_DEV, &ChannelMngr::readTimeZoneAgain,
+              PeerWatch(socketIdentity(wire::SOCK_DEV), isOk(deviceSubscribed), now)}};
     {
         ScopedLock<Mutex> guard(watchMutex);
         watchStopping = false;
@@ -97,38 +94,20 @@ bool ChannelMngr::awaitPeerWatchTurn() {
 }
 
 void ChannelMngr::watchPeer(WatchedPeer& peer) {
-    // Acted on once it held for a whole period: a new socket's change time
-    // moves again when its owner sets its mode just after binding it, and
-    // that must not count as a second restart.
-    const SocketIdentity now = socketIdentity(peer.socket);
-    const bool settled = now == peer.seen;
-    peer.seen = now;
-    if (settled && !(now == peer.identity)) {
-        if (now.inode != 0) {
-            DBG(DBG_INFO) << "peerWatch: peer=" << peer.socket
-                          << (peer.identity.inode != 0 ? " restarted" : " appeared");
-            // Whatever it was told before went with the process before it.
-            peer.subscribed = false;
-            peer.configure = peer.configures;
-            peer.backoffSec = 0;
-            peer.nextTry = std::chrono::steady_clock::now();
-        }
-        peer.identity = now;
+    PeerWatch& watch = peer.watch;
+    const PeerWatch::Change change = watch.look(socketIdentity(peer.socket), PeerWatch::Clock::now());
+    if (change != PeerWatch::Change::None)
+        DBG(DBG_INFO) << "peerWatch: peer=" << peer.socket
+                      << (change == PeerWatch::Change::Restarted ? " restarted" : " appeared");
+    if (watch.subscribeDue(PeerWatch::Clock::now())) {
+        const bool acknowledged = isOk(subscribeTo(peer.socket));
+        watch.subscribeAnswered(acknowledged, PeerWatch::Clock::now());
+        if (!acknowledged)
+            DBG(DBG_WARN) << "peerWatch: no answer to SUBSCRIBE from peer=" << peer.socket << ", next try in "
+                          << watch.backoffSec() << " s";
     }
-    if (peer.subscribed || now.inode == 0 || std::chrono::steady_clock::now() < peer.nextTry)
-        return;
-    if (!isOk(subscribeTo(peer.socket))) {
-        peer.backoffSec = std::min(MAX_BACKOFF_SEC, peer.backoffSec == 0 ? 1 : 2 * peer.backoffSec);
-        peer.nextTry = std::chrono::steady_clock::now() + std::chrono::seconds(peer.backoffSec);
-        DBG(DBG_WARN) << "peerWatch: no answer to SUBSCRIBE from peer=" << peer.socket << ", next try in "
-                      << peer.backoffSec << " s";
-        return;
-    }
-    peer.subscribed = true;
-    if (peer.configure) {
-        peer.configure = false;
-        configureMediatorAgain();
-    }
+    if (watch.takeReturnWork())
+        (this->*peer.afterReturn)();
 }
 
 Fcodes ChannelMngr::subscribeTo(const char* peer) {
@@ -169,4 +148,13 @@ void ChannelMngr::configureMediatorAgain() {
     // Once all is done: whoever reads it finds the channels as they stay.
     DBG(DBG_INFO) << "peerWatch: mediator restarted: " << rows.size()
                   << " channels configured again, playing again: " << (names.empty() ? "none" : names);
+}
+
+// The zone is the device manager's to say; while it cannot say, the one in
+// force stays. Read and logged as at start-up, under the watch's own name
+// ("peerWatch: setenv TZ="); a failure, which start-up leaves silent, is a
+// warning here, since the zone in force may now be stale.
+void ChannelMngr::readTimeZoneAgain() {
+    if (!readDeviceTimeZone("peerWatch"))
+        DBG(DBG_WARN) << "peerWatch: no time zone from peer=" << wire::SOCK_DEV << ", TZ kept";
 }

@@ -48,13 +48,14 @@
 // Refusals (the reply becomes a NACK with the code and Size 0): an unknown data
 // set, component, instance, table, row or item gives FC_NO_SUCH_NAME; a missing
 // Name, ID or SET Value, or a body with neither element, FC_BODY_ERROR;
-// a value holding '"', '<' or '>', which the wire cannot carry, FC_BAD_VALUE; a
-// failed write the holder's code. Every refusal logs a line beginning
-// "treatDataMsg: ". All Items are tried and the codes merged. After a failed SET
-// the holder's rollbackChanges() runs (treatMsg), and for a DataSet body the
-// JSON values this request wrote are put back as they were pending before it
-// (a value, or none), in reverse order, so that no part of a refused SET stays
-// pending while other clients' pending edits survive.
+// a value or an echoed name holding '"', '<' or '>', which the wire cannot
+// carry, FC_BAD_VALUE (a SET's value before it is written, a stored one before
+// it is written out); a failed write the holder's code. Every refusal logs a
+// line beginning "treatDataMsg: ". All Items are tried and the codes merged.
+// After a failed SET the holder's rollbackChanges() runs (treatMsg), and for a
+// DataSet body the JSON values this request wrote are put back as they were
+// pending before it (a value, or none), in reverse order, so that no part of a
+// refused SET stays pending while other clients' pending edits survive.
 #include <string>
 #include <vector>
 
@@ -98,6 +99,15 @@ size_t findElement(const std::string& text, size_t from, const char* tag) {
     return std::string::npos;
 }
 
+// A name of the request that the reply echoes: refused, as a value would be,
+// when it holds what the reply could not carry (only a '<' gets this far).
+bool echoFits(const char* what, const std::string& name) {
+    if (fitsTagValue(name))
+        return true;
+    DBG(DBG_ERROR) << "treatDataMsg: " << what << "=" << name << " holds a '\"', '<' or '>'";
+    return false;
+}
+
 bool isDecimal(const std::string& text) {
     if (text.empty() || text.size() > 9)
         return false;
@@ -135,8 +145,9 @@ private:
                          const Instance& instance, std::string& value);
     bool findInstance(const std::string& dataSet, const std::string& component, const std::string& rowId,
                       Instance& instance);
-    // Name (and, for SET, Value) of an Item; false when one is missing.
-    bool itemAttributes(const std::string& element, std::string& name, std::string& value);
+    // Name (and, for SET, Value) of an Item: FC_BODY_ERROR when one is
+    // missing, FC_BAD_VALUE for a SET value the reply could not carry back.
+    Fcodes itemAttributes(const std::string& element, std::string& name, std::string& value);
     Fcodes appendItem(const std::string& name, const std::string& value);
 
     IDataHolder& holder;
@@ -154,6 +165,8 @@ auto onInstance(const Instance& instance, Operation operation) -> decltype(opera
 Fcodes DataRequest::serveDataSet(const std::string& element) {
     std::string dataSetId;
     attribute(element, wire::ATTR_ID, dataSetId);
+    if (!echoFits("dataset", dataSetId))
+        return FC_BAD_VALUE;
     out += "\t<DataSet ID=\"" + dataSetId + "\" >\n";
     Fcodes result = FC_OK;
     std::string component;
@@ -169,6 +182,8 @@ Fcodes DataRequest::serveComponent(const std::string& dataSetId, const std::stri
         DBG(DBG_ERROR) << "treatDataMsg: Not found tags Name in:\n" << element;
         return FC_BODY_ERROR;
     }
+    if (!echoFits("comp", component))
+        return FC_BAD_VALUE;
     std::string dataSet = dataSetId;
     if (dataSet.empty() && !isOk(holder.findDataSetWithComponent(dataSet, component))) {
         DBG(DBG_ERROR) << "treatDataMsg: Not Found a DataSet with comp=" << component;
@@ -206,6 +221,10 @@ Fcodes DataRequest::serveComponent(const std::string& dataSetId, const std::stri
             result |= FC_BODY_ERROR;
             continue;
         }
+        if (!echoFits("row", rowId)) {
+            result |= FC_BAD_VALUE;
+            continue;
+        }
         Instance instance;
         if (!findInstance(dataSet, component, rowId, instance)) {
             DBG(DBG_ERROR) << "treatDataMsg: No such row=" << rowId << " in comp=" << component
@@ -238,8 +257,8 @@ Fcodes DataRequest::serveJsonItem(const std::string& dataSet, const std::string&
                                   const std::vector<std::string>& properties, const std::string& rowId,
                                   const Instance& instance, const std::string& element) {
     std::string property, value;
-    if (!itemAttributes(element, property, value))
-        return FC_BODY_ERROR;
+    if (const Fcodes refused = itemAttributes(element, property, value); !isOk(refused))
+        return refused;
     bool known = false;
     for (const std::string& candidate : properties)
         known = known || candidate == property;
@@ -326,6 +345,8 @@ Fcodes DataRequest::serveTable(const std::string& element) {
         DBG(DBG_ERROR) << "treatDataMsg: Not found tags Name in:\n" << element;
         return FC_BODY_ERROR;
     }
+    if (!echoFits("table", table))
+        return FC_BAD_VALUE;
     out += "\t<Table Name=\"" + table + "\" >\n";
     Fcodes result = FC_OK;
     std::string row, rowId, item;
@@ -333,6 +354,10 @@ Fcodes DataRequest::serveTable(const std::string& element) {
         if (!attribute(row, wire::ATTR_ID, rowId)) {
             DBG(DBG_ERROR) << "treatDataMsg: Not found tags ID in:\n" << row;
             result |= FC_BODY_ERROR;
+            continue;
+        }
+        if (!echoFits("row", rowId)) {
+            result |= FC_BAD_VALUE;
             continue;
         }
         out += "\t\t<Row ID=\"" + rowId + "\" >\n";
@@ -346,8 +371,8 @@ Fcodes DataRequest::serveTable(const std::string& element) {
 
 Fcodes DataRequest::serveTableItem(const std::string& table, const std::string& rowId, const std::string& element) {
     std::string column, value;
-    if (!itemAttributes(element, column, value))
-        return FC_BODY_ERROR;
+    if (const Fcodes refused = itemAttributes(element, column, value); !isOk(refused))
+        return refused;
     const int row = tagToInt(rowId);
     if (isSet) {
         Fcodes written = holder.setStringParam(table, row, column, value);
@@ -367,16 +392,25 @@ Fcodes DataRequest::serveTableItem(const std::string& table, const std::string& 
     return appendItem(column, value);
 }
 
-bool DataRequest::itemAttributes(const std::string& element, std::string& name, std::string& value) {
+Fcodes DataRequest::itemAttributes(const std::string& element, std::string& name, std::string& value) {
     if (!attribute(element, wire::ATTR_NAME, name)) {
         DBG(DBG_ERROR) << "treatDataMsg: Not found tags Name in:\n" << element;
-        return false;
+        return FC_BODY_ERROR;
     }
+    if (!echoFits("item", name))
+        return FC_BAD_VALUE;
     if (isSet && !attribute(element, wire::ATTR_VALUE, value)) {
         DBG(DBG_ERROR) << "treatDataMsg: Not found tags Value in:\n" << element;
-        return false;
+        return FC_BODY_ERROR;
     }
-    return true;
+    // Refused before it is written: a stored value no reply can carry would
+    // make every later GET of it fail. (Only '<' reaches here: a '"' ends
+    // the attribute and a '>' the element.)
+    if (isSet && !fitsTagValue(value)) {
+        DBG(DBG_ERROR) << "treatDataMsg: value of item=" << name << " holds a '\"', '<' or '>': " << value;
+        return FC_BAD_VALUE;
+    }
+    return FC_OK;
 }
 
 Fcodes DataRequest::appendItem(const std::string& name, const std::string& value) {

@@ -138,21 +138,32 @@ TEST(DataCommunicatorData, RepliesRepeatTheRequestByteForByte) {
                           "<BODY><Table Name=\"Chan\" ><Row ID=\"1\" ><Item Name=\"Name\" /></Row></Table>"
                           "</BODY>"),
               nack(FC_BODY_ERROR));
-    // A stored value the wire cannot carry is refused, whichever delimiter it holds, and
-    // no request carries one out.
+    // A value the wire cannot carry is refused on every path with the bare NACK: stored (GET of a
+    // component or a table), sent (a SET, leaving nothing pending), or a name the reply echoes.
+    const std::pair<const char*, std::string> refused[] = {
+        {"GET", "<DataSet ID=\"vsrc\" ><Component Name=\"Video\" ><Item Name=\"Format\" /></Component></DataSet>"},
+        {"GET", "<Table Name=\"Chan\" ><Row ID=\"2\" ><Item Name=\"Name\" /></Row></Table>"},
+        {"SET", "<Table Name=\"Chan\" ><Row ID=\"1\" ><Item Name=\"Name\" Value=\"a<b\" /></Row></Table>"},
+        {"SET",
+         "<DataSet ID=\"\" ><Component Name=\"Video\" ><Item Name=\"Format\" Value=\"a<b\" /></Component></DataSet>"},
+        {"GET", "<Table Name=\"Chan\" ><Row ID=\"1<x\" ><Item Name=\"Name\" /></Row></Table>"},
+        {"GET", "<Table Name=\"Ch<an\" ><Row ID=\"1\" ></Row></Table>"},
+        {"GET", "<DataSet ID=\"vs<rc\" ></DataSet>"}};
+    std::string before, after;  // the table's pending value
+    engines.holder.getNewStringParam("Chan", 1, "Name", before);
     for (const char* stored : {"say \"hi\"", "a<b", "1080p>"}) {
         engines.holder.setJson("vsrc", "Video", "", "Format", stored);
-        EXPECT_EQ(engines.ask("GET",
-                              "<BODY><DataSet ID=\"vsrc\" ><Component Name=\"Video\" ><Item Name=\"Format\" />"
-                              "</Component></DataSet></BODY>"),
-                  nack(FC_BAD_VALUE))
-            << stored;
+        engines.holder.addCell("Chan", 2, "Name", stored);
+        for (const auto& [type, body] : refused)
+            EXPECT_EQ(engines.ask(type, "<BODY>" + body + "</BODY>"), nack(FC_BAD_VALUE)) << stored << " " << body;
         std::string value = stored;
         EXPECT_EQ(engines.client.requestSetDataItem(EnginePair::SERVER, "Chan", 1, "Name", stored, 2, 1), FC_BAD_VALUE);
         EXPECT_EQ(engines.client.requestGetParam(EnginePair::SERVER, "vsrc", "Video", "Format", value,
                                                  ParamAccess::Write, "", 2, 1),
                   FC_BAD_VALUE);
     }
+    EXPECT_EQ(engines.holder.getNewStringParam("Chan", 1, "Name", after), FC_OK);
+    EXPECT_EQ(after, before);
 }
 
 }  // namespace
