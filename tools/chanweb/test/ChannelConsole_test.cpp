@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+
+#include <future>
+#include <memory>
+#include <string>
+
+#include "ChannelConsole.h"
+#include "ConsoleFeed.h"
+#include "engine/EngineTestSupport.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr const char* MANAGER = "/tmp/sockFakeChan";
+
+// A channel manager whose commands wait until the test lets them go.
+class HeldManager : public FakeDataHolder {
+public:
+    datacom::Fcodes execute(const std::string& command, std::string& result) override {
+        entered.set_value();
+        released.wait_for(5s);
+        return FakeDataHolder::execute(command, result);
+    }
+    std::promise<void> entered, release;
+    std::shared_future<void> released = release.get_future().share();
+};
+
+// Waits up to `limit` for a message of the feed that holds `text`.
+bool feedShows(ConsoleFeed& feed, uint64_t& cursor, const std::string& text, std::chrono::milliseconds limit) {
+    const auto until = std::chrono::steady_clock::now() + limit;
+    for (auto now = until - limit; now < until; now = std::chrono::steady_clock::now())
+        if (feed.next(cursor, std::chrono::duration_cast<std::chrono::milliseconds>(until - now)).find(text) !=
+            std::string::npos)
+            return true;
+    return false;
+}
+
+}  // namespace
+
+// A manager that does not answer (bound, never reading) is known as such; a
+// press is then answered at once and not sent. Once a manager answers again,
+// the next press reaches it, and a second press meanwhile is refused.
+TEST(ChannelConsole, StoppedManagerAnsweredAtOnceAndUsedAgainWhenItAnswers) {
+    auto stopped = std::make_unique<RawPeer>(MANAGER);
+    ConsoleFeed feed;
+    ChannelConsole console(feed, MANAGER);
+    console.start("/tmp/chanweb-test");
+    uint64_t cursor = 0;
+    ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"not answering\"}", 5000ms));
+    std::string answer;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(console.press("stop", "HEVC", answer), ChannelConsole::Press::NotAnswering);
+    EXPECT_LT(secondsSince(start), 2.0);
+    EXPECT_NE(answer.find("\"daemon\":\"not answering\""), std::string::npos) << answer;
+    for (std::string datagram; stopped->receive(datagram, 0);)
+        EXPECT_EQ(datagram.find("\"Stop\""), std::string::npos) << "sent while not answering:\n" << datagram;
+
+    stopped.reset();
+    HeldManager holder;
+    datacom::DataCommunicator manager;
+    manager.init(&holder, MANAGER, "/tmp/sockFakeChanSend", "tFakeChan");
+    manager.start();
+    ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"answering\"}", 5000ms));
+    auto played = std::async(std::launch::async, [&] {
+        std::string reply;
+        return console.press("play", "HEVC", reply) == ChannelConsole::Press::Done ? reply : "not done";
+    });
+    ASSERT_EQ(holder.entered.get_future().wait_for(3s), std::future_status::ready);
+    EXPECT_EQ(console.press("stop", "H.264", answer), ChannelConsole::Press::Busy);
+    holder.release.set_value();
+    EXPECT_NE(played.get().find("\"result\":\"OK\""), std::string::npos);
+    console.stop();
+    manager.stop();
+}
