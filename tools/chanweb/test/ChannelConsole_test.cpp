@@ -1,22 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <memory>
-#include <string>
 
 #include "ChannelConsole.h"
-#include "ConsoleFeed.h"
 #include "engine/EngineTestSupport.h"
 
 using namespace std::chrono_literals;
 
-namespace {
-
-constexpr const char* MANAGER = "/tmp/sockFakeChan";
-
 // A channel manager whose commands wait until the test lets them go.
-class HeldManager : public FakeDataHolder {
-public:
+struct HeldManager : FakeDataHolder {
     datacom::Fcodes execute(const std::string& command, std::string& result) override {
         entered.set_value();
         released.wait_for(5s);
@@ -27,7 +19,7 @@ public:
 };
 
 // Waits up to `limit` for a message of the feed that holds `text`.
-bool feedShows(ConsoleFeed& feed, uint64_t& cursor, const std::string& text, std::chrono::milliseconds limit) {
+static bool feedShows(ConsoleFeed& feed, uint64_t& cursor, const std::string& text, std::chrono::milliseconds limit) {
     const auto until = std::chrono::steady_clock::now() + limit;
     for (auto now = until - limit; now < until; now = std::chrono::steady_clock::now())
         if (feed.next(cursor, std::chrono::duration_cast<std::chrono::milliseconds>(until - now)).find(text) !=
@@ -36,15 +28,14 @@ bool feedShows(ConsoleFeed& feed, uint64_t& cursor, const std::string& text, std
     return false;
 }
 
-}  // namespace
-
 // A manager that does not answer (bound, never reading) is known as such; a
 // press is then answered at once and not sent. Once a manager answers again,
 // the next press reaches it, and a second press meanwhile is refused.
 TEST(ChannelConsole, StoppedManagerAnsweredAtOnceAndUsedAgainWhenItAnswers) {
-    auto stopped = std::make_unique<RawPeer>(MANAGER);
+    const char* manager = "/tmp/sockFakeChan";
+    auto stopped = std::make_unique<RawPeer>(manager);
     ConsoleFeed feed;
-    ChannelConsole console(feed, MANAGER);
+    ChannelConsole console(feed, manager);
     console.start("/tmp/chanweb-test");
     uint64_t cursor = 0;
     ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"not answering\"}", 5000ms));
@@ -58,9 +49,9 @@ TEST(ChannelConsole, StoppedManagerAnsweredAtOnceAndUsedAgainWhenItAnswers) {
 
     stopped.reset();
     HeldManager holder;
-    datacom::DataCommunicator manager;
-    manager.init(&holder, MANAGER, "/tmp/sockFakeChanSend", "tFakeChan");
-    manager.start();
+    datacom::DataCommunicator server;
+    server.init(&holder, manager, "/tmp/sockFakeChanSend", "tFakeChan");
+    server.start();
     ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"answering\"}", 5000ms));
     auto played = std::async(std::launch::async, [&] {
         std::string reply;
@@ -71,5 +62,5 @@ TEST(ChannelConsole, StoppedManagerAnsweredAtOnceAndUsedAgainWhenItAnswers) {
     holder.release.set_value();
     EXPECT_NE(played.get().find("\"result\":\"OK\""), std::string::npos);
     console.stop();
-    manager.stop();
+    server.stop();
 }

@@ -1,22 +1,16 @@
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "ChanwebArgs.h"
 #include "ConsoleRoutes.h"
+#include "engine/EngineTestSupport.h"
 
 using namespace std::chrono_literals;
-
-namespace {
 
 // The console's routes on the real server, on a free port of 127.0.0.1, as
 // chanweb runs them by default (its console is not started: no manager).
@@ -24,8 +18,7 @@ class ConsoleServer : public testing::Test {
 protected:
     void SetUp() override {
         addConsoleRoutes(server, feed, console);
-        port = server.bind_to_any_port("127.0.0.1");
-        ASSERT_GT(port, 0);
+        ASSERT_GT(port = server.bind_to_any_port("127.0.0.1"), 0);
         serving = std::thread([this] { server.listen_after_bind(); });
         for (auto until = std::chrono::steady_clock::now() + 5s; !server.is_running();
              std::this_thread::sleep_for(10ms))
@@ -39,30 +32,26 @@ protected:
         if (serving.joinable())
             serving.join();
     }
-    // Sends `request` on a new connection (left open) and returns what came
-    // back until `until` was in it, the connection closed, or a second passed.
+    // A new connection, closed at the end of the test.
+    int connection() {
+        open.push_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_in to{AF_INET, htons(static_cast<uint16_t>(port)), {htonl(INADDR_LOOPBACK)}, {}};
+        return connect(open.back(), reinterpret_cast<sockaddr*>(&to), sizeof to) == 0 ? open.back() : -1;
+    }
+    // Sends `request` on a new connection and returns what came back until
+    // `until` was in it, the connection closed, or a second passed.
     std::string send(const std::string& request, const std::string& until = "\r\n\r\n") {
-        const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        open.push_back(fd);
-        sockaddr_in to{};
-        to.sin_family = AF_INET;
-        to.sin_port = htons(static_cast<uint16_t>(port));
-        to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const int fd = connection();
         std::string reply;
-        if (connect(fd, reinterpret_cast<sockaddr*>(&to), sizeof to) != 0 ||
-            write(fd, request.data(), request.size()) != static_cast<ssize_t>(request.size()))
-            return reply;
         char buffer[4096];
         pollfd readable{fd, POLLIN, 0};
-        ssize_t got = 0;
-        while (reply.find(until) == std::string::npos && poll(&readable, 1, 1000) == 1 &&
-               (got = read(fd, buffer, sizeof buffer)) > 0)
+        for (ssize_t got = write(fd, request.data(), request.size());
+             got > 0 && reply.find(until) == std::string::npos && poll(&readable, 1, 1000) == 1 &&
+             (got = read(fd, buffer, sizeof buffer)) > 0;)
             reply.append(buffer, static_cast<size_t>(got));
         return reply;
     }
-    static int status(const std::string& reply) {
-        return reply.rfind("HTTP/1.1 ", 0) == 0 ? std::stoi(reply.substr(9)) : 0;
-    }
+    static int status(const std::string& reply) { return reply.rfind("HTTP/1.1 ", 0) ? 0 : std::stoi(reply.substr(9)); }
 
     ConsoleFeed feed;
     ChannelConsole console{feed, "/tmp/sockNobody"};
@@ -74,24 +63,31 @@ protected:
 
 const std::string STREAM = "GET /api/events HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n";
 
-}  // namespace
-
-// Only the bind address and localhost pass; no Host, an empty one or a foreign one is refused.
-TEST_F(ConsoleServer, HostIsTheBindAddressOrLocalhost) {
-    const struct {
-        std::string hostLine;
-        int status;
-    } rows[] = {
-        {"Host: 127.0.0.1:" + std::to_string(port) + "\r\n", 200},
-        {"Host: localhost\r\n", 200},
-        {"", 421},
-        {"Host: \r\n", 421},
-        {"Host: :" + std::to_string(port) + "\r\n", 421},
-        {"Host: rebound.example\r\n", 421},
+// Only 127.0.0.1 is bound, not elsewhere without --allow-remote; only it and
+// localhost pass as Host (none, an empty one or a foreign one is refused);
+// every reply forbids framing, sniffing and referrers; a body over 64 KiB is
+// refused, and so are several byte ranges.
+TEST_F(ConsoleServer, RefusesWhatAHostileClientTries) {
+    ChanwebOptions options;
+    EXPECT_NE(parseChanwebArgs({"--bind", "0.0.0.0"}, options).find("no authentication"), std::string::npos);
+    EXPECT_EQ(parseChanwebArgs({"--bind", "0.0.0.0", "--allow-remote"}, options), "");
+    auto withHost = [&](const std::string& line) {
+        return status(send("GET /api/status HTTP/1.1\r\n" + line + "\r\n"));
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(status(send("GET /api/status HTTP/1.1\r\n" + row.hostLine + "Connection: close\r\n\r\n")), row.status)
-            << row.hostLine;
+    EXPECT_EQ(withHost("Host: 127.0.0.1:" + std::to_string(port) + "\r\n"), 200);
+    EXPECT_EQ(withHost("Host: localhost\r\n"), 200);
+    for (const char* line : {"", "Host: \r\n", "Host: :8080\r\n", "Host: rebound.example\r\n"})
+        EXPECT_EQ(withHost(line), 421) << line;
+    const std::string reply = send("GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+    for (const char* header : {"X-Frame-Options: DENY", "frame-ancestors 'none'", "X-Content-Type-Options: nosniff",
+                               "Referrer-Policy: no-referrer"})
+        EXPECT_NE(reply.find(header), std::string::npos) << header << " missing in\n" << reply;
+    for (const size_t size : {GuardedServer::MAX_BODY, GuardedServer::MAX_BODY + 1})
+        EXPECT_EQ(status(send("POST /api/press HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " + std::to_string(size) +
+                              "\r\n\r\n" + std::string(size, 'a'))),
+                  size == 64 * 1024 ? 403 : 413)  // 403: read, then refused for want of X-Chanweb
+            << size;
+    EXPECT_EQ(status(send("GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\nRange: bytes=0-1,2-3\r\n\r\n")), 416);
 }
 
 // 16 event streams are served and the 17th refused, while status still
@@ -102,7 +98,7 @@ TEST_F(ConsoleServer, SixteenEventStreamsAtOnce) {
     const std::string refused = send(STREAM);
     EXPECT_EQ(status(refused), 503);
     EXPECT_NE(refused.find("Retry-After: 5\r\n"), std::string::npos) << refused;
-    EXPECT_EQ(status(send("GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n")), 200);
+    EXPECT_EQ(status(send("GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n")), 200);
     close(open.front());
     open.erase(open.begin());
     int again = 0;
@@ -120,5 +116,17 @@ TEST_F(ConsoleServer, ReconnectGetsOnlyLaterMessages) {
         send("GET /api/events HTTP/1.1\r\nHost: 127.0.0.1\r\nLast-Event-ID: 2\r\n\r\n", "\"n\":3");
     EXPECT_NE(reply.find("id: 3\nevent: log\ndata: {\"n\":3}"), std::string::npos) << reply;
     EXPECT_EQ(reply.find("\"n\":2"), std::string::npos) << reply;
-    EXPECT_EQ(reply.find("event: gap"), std::string::npos) << reply;
+}
+
+// A client that trickles its request, a byte every 300 ms, is cut once
+// REQUEST_SEC (5 s) passed since it connected, not later and not sooner.
+TEST_F(ConsoleServer, TricklingClientIsCutAfterFiveSeconds) {
+    const int fd = connection();
+    const std::string text = "GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: " + std::string(100, 'a');
+    const auto start = std::chrono::steady_clock::now();
+    pollfd closed{fd, POLLIN, 0};
+    for (size_t at = 0; at < text.size() && write(fd, &text[at], 1) == 1 && poll(&closed, 1, 300) == 0; ++at) {
+    }
+    EXPECT_GT(secondsSince(start), 4.5);
+    EXPECT_LT(secondsSince(start), 6.5);
 }
