@@ -169,8 +169,9 @@ ChannelConsole::Press ChannelConsole::press(const std::string& action, const std
     Fcodes code = FC_COMM_ERROR;
     const bool sent = ask(
         [&] {
-            code = sendServiceCommand(engine, managerSocket, id, params, replyBody, COMMAND_TIMEOUT_SEC);
-            return code != FC_COMM_ERROR;
+            bool replied = false;
+            code = sendServiceCommand(engine, managerSocket, id, params, replyBody, COMMAND_TIMEOUT_SEC, &replied);
+            return replied;  // a Play's "Communication Error" may be the mediator's, not the manager's silence
         },
         true);
     pressing = false;
@@ -209,9 +210,10 @@ void ChannelConsole::refreshLoop() {
                 std::string reply;
                 ask(
                     [&] {
-                        return sendServiceCommand(engine, managerSocket, wire::CMD_SUBSCRIBE,
-                                                  {{wire::PARAM_SOCK_NAME, socketName}}, reply,
-                                                  READ_TIMEOUT_SEC) != FC_COMM_ERROR;
+                        bool replied = false;
+                        sendServiceCommand(engine, managerSocket, wire::CMD_SUBSCRIBE,
+                                           {{wire::PARAM_SOCK_NAME, socketName}}, reply, READ_TIMEOUT_SEC, &replied);
+                        return replied;
                     },
                     false);
                 lastSubscribe = now;
