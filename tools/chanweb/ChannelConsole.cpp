@@ -198,8 +198,8 @@ void ChannelConsole::refreshLoop() {
     while (!stopping) {
         const auto now = std::chrono::steady_clock::now();
         const bool subscribeDue = now - lastSubscribe >= std::chrono::milliseconds(SUBSCRIBE_EVERY_MS);
-        // Not answering: asked again soon, whether channel data is loaded or
-        // not, so that its first answer is seen at once.
+        // Not answering: asked again every RETRY_MS rather than REFRESH_MS,
+        // so that its first answer is seen at once.
         const bool refreshDue = poked || (unanswered && now - lastRefresh >= std::chrono::milliseconds(RETRY_MS)) ||
                                 (loaded && now - lastRefresh >= std::chrono::milliseconds(REFRESH_MS));
         if (subscribeDue || refreshDue) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <thread>
 
 #include "ChanwebArgs.h"
@@ -12,8 +13,31 @@
 
 using namespace std::chrono_literals;
 
+constexpr const char* MANAGER = "/tmp/sockFakeChan";
+
+// A channel manager whose commands wait until the test lets them go.
+struct HeldManager : FakeDataHolder {
+    datacom::Fcodes execute(const std::string& command, std::string& result) override {
+        entered.set_value();
+        released.wait_for(5s);
+        return FakeDataHolder::execute(command, result);
+    }
+    std::promise<void> entered, release;
+    std::shared_future<void> released = release.get_future().share();
+};
+
+// Waits up to `limit` for a message of the feed that holds `text`.
+static bool feedShows(ConsoleFeed& feed, uint64_t& cursor, const std::string& text, std::chrono::milliseconds limit) {
+    const auto until = std::chrono::steady_clock::now() + limit;
+    for (auto now = until - limit; now < until; now = std::chrono::steady_clock::now())
+        if (feed.next(cursor, std::chrono::duration_cast<std::chrono::milliseconds>(until - now)).find(text) !=
+            std::string::npos)
+            return true;
+    return false;
+}
+
 // The console's routes on the real server, on a free port of 127.0.0.1, as
-// chanweb runs them by default (its console is not started: no manager).
+// chanweb runs them by default (its console started only where a test needs it).
 class ConsoleServer : public testing::Test {
 protected:
     void SetUp() override {
@@ -54,7 +78,7 @@ protected:
     static int status(const std::string& reply) { return reply.rfind("HTTP/1.1 ", 0) ? 0 : std::stoi(reply.substr(9)); }
 
     ConsoleFeed feed;
-    ChannelConsole console{feed, "/tmp/sockNobody"};
+    ChannelConsole console{feed, MANAGER};
     GuardedServer server{allowedHosts(ChanwebOptions())};
     std::thread serving;
     int port = 0;
@@ -129,4 +153,57 @@ TEST_F(ConsoleServer, TricklingClientIsCutAfterFiveSeconds) {
     }
     EXPECT_GT(secondsSince(start), 4.5);
     EXPECT_LT(secondsSince(start), 6.5);
+}
+
+// A manager that does not answer (bound, never reading) is known as such:
+// status says so and a press is answered at once, not sent. Once a manager
+// answers again the next press reaches it, and a second press meanwhile is
+// refused; its verdict "Communication Error" (the mediator's) is an answer.
+// A manager that goes away is asked again until it answers.
+TEST_F(ConsoleServer, StoppedManagerAnsweredAtOnceAndUsedAgainWhenItAnswers) {
+    auto stopped = std::make_unique<RawPeer>(MANAGER);
+    console.start("/tmp/chanweb-test");
+    uint64_t cursor = 0;
+    ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"not answering\"}", 5000ms));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_NE(send("GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n", "}\n").find("\"daemon\":\"not answering\"}"),
+              std::string::npos);
+    const std::string answer = send(
+        "POST /api/press?action=stop&row=HEVC HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+        "X-Chanweb: 1\r\nContent-Length: 0\r\n\r\n",
+        "}\n");
+    EXPECT_LT(secondsSince(start), 2.0);
+    EXPECT_EQ(status(answer), 503);
+    EXPECT_NE(answer.find("\"daemon\":\"not answering\""), std::string::npos) << answer;
+    for (std::string datagram; stopped->receive(datagram, 0);)
+        EXPECT_EQ(datagram.find("\"Stop\""), std::string::npos) << "sent while not answering:\n" << datagram;
+
+    stopped.reset();
+    HeldManager holder;
+    auto manager = std::make_unique<datacom::DataCommunicator>();
+    manager->init(&holder, MANAGER, "/tmp/sockFakeChanSend", "tFakeChan");
+    manager->start();
+    ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"answering\"}", 5000ms));
+    holder.setExecuteAnswer("", datacom::FC_COMM_ERROR);
+    auto played = std::async(std::launch::async, [&] {
+        std::string reply;
+        return console.press("play", "HEVC", reply) == ChannelConsole::Press::Done ? reply : "not done";
+    });
+    ASSERT_EQ(holder.entered.get_future().wait_for(3s), std::future_status::ready);
+    std::string busy;
+    EXPECT_EQ(console.press("stop", "H.264", busy), ChannelConsole::Press::Busy);
+    holder.release.set_value();
+    EXPECT_NE(played.get().find("\"result\":\"Communication Error\""), std::string::npos);
+    EXPECT_TRUE(console.answering());
+
+    // Gone (its socket closed), then back: asked again within RETRY_MS, not at the next REFRESH_MS.
+    manager.reset();
+    console.press("stop", "HEVC", busy);  // finds it gone, if the refresher did not
+    ASSERT_TRUE(feedShows(feed, cursor, "{\"daemon\":\"not answering\"}", 3000ms));
+    manager = std::make_unique<datacom::DataCommunicator>();
+    manager->init(&holder, MANAGER, "/tmp/sockFakeChanSend", "tFakeChan");
+    manager->start();
+    for (auto until = std::chrono::steady_clock::now() + 1s; !console.answering(); std::this_thread::sleep_for(20ms))
+        ASSERT_LT(std::chrono::steady_clock::now(), until) << "not asked again at once";
+    console.stop();
 }
