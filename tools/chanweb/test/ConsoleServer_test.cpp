@@ -15,15 +15,23 @@ using namespace std::chrono_literals;
 
 constexpr const char* MANAGER = "/tmp/sockFakeChan";
 
-// A channel manager whose commands wait until the test lets them go.
+// A channel manager whose commands wait until the test lets them go, and
+// its reads too once the first command went.
 struct HeldManager : FakeDataHolder {
     datacom::Fcodes execute(const std::string& command, std::string& result) override {
         entered.set_value();
         released.wait_for(5s);
         return FakeDataHolder::execute(command, result);
     }
-    std::promise<void> entered, release;
-    std::shared_future<void> released = release.get_future().share();
+    using FakeDataHolder::getTextParam;
+    datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& v,
+                                 const std::string& key) override {
+        if (released.wait_for(0s) == std::future_status::ready)
+            readsReleased.wait_for(5s);
+        return FakeDataHolder::getTextParam(d, c, p, v, key);
+    }
+    std::promise<void> entered, release, releaseReads;
+    std::shared_future<void> released = release.get_future().share(), readsReleased = releaseReads.get_future().share();
 };
 
 // Waits up to `limit` for a message of the feed that holds `text`.
@@ -194,7 +202,8 @@ TEST_F(ConsoleServer, StoppedManagerAnsweredAtOnceAndUsedAgainWhenItAnswers) {
     EXPECT_EQ(console.press("stop", "H.264", busy), ChannelConsole::Press::Busy);
     holder.release.set_value();
     EXPECT_NE(played.get().find("\"result\":\"Communication Error\""), std::string::npos);
-    EXPECT_TRUE(console.answering());
+    EXPECT_TRUE(console.answering());  // while the status read after the press waits
+    holder.releaseReads.set_value();
 
     // Gone (its socket closed), then back: asked again within RETRY_MS, not at the next REFRESH_MS.
     manager.reset();
