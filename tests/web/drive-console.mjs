@@ -123,27 +123,14 @@ try {
   writeFileSync(screenshot, Buffer.from(data, "base64"));
   if (data.length < 1000) throw new Error("the screenshot is empty");
   console.log("ok - screenshot " + screenshot);
-  // A frozen daemon: status still answers at once and the page says so; it comes back live.
+  // A frozen daemon: the page says so and a press is answered at once; it comes back live.
   process.kill(Number(daemonPid), "SIGSTOP");
   try {
     await waitFor("the page says the daemon is not answering",
                   "document.getElementById('link').textContent === 'daemon not answering'", 8000);
-    const took = await evaluate(`(async () => { const t = Date.now(); const r = await fetch("/api/status");
-                                  const s = await r.json(); return s.daemon === "not answering" ? Date.now() - t : -1; })()`);
-    if (!(took >= 0 && took < 2000)) throw new Error("status with the daemon stopped: " + took + " ms");
-    console.log("ok - status answers in " + took + " ms with the daemon stopped, saying so");
-    // A press waits its bound; a second one meanwhile is refused at once.
-    const presses = await evaluate(`(async () => {
-      const press = () => fetch("/api/press?action=stop&row=H.264", { method: "POST", headers: { "X-Chanweb": "1" } });
-      const t0 = Date.now(), first = press();
-      await new Promise((resolve) => setTimeout(resolve, 300));
-      const t1 = Date.now(), second = await press(), secondMs = Date.now() - t1;
-      const firstStatus = (await first).status;
-      return { firstMs: Date.now() - t0, firstStatus, second: second.status, secondMs };
-    })()`);
-    if (presses.second !== 409 || presses.secondMs > 500 || presses.firstMs > 9000)
-      throw new Error("presses with the daemon stopped: " + JSON.stringify(presses));
-    console.log("ok - a press waits " + presses.firstMs + " ms at most, a second meanwhile is refused (409)");
+    await click('.channel[data-row="H.264"] button.stop');
+    await waitFor("a press is answered within 2 s: not sent, daemon not answering",
+                  "document.getElementById('log').textContent.includes('Stop not sent: daemon not answering')", 2000);
   } finally {
     process.kill(Number(daemonPid), "SIGCONT");
   }

@@ -75,12 +75,14 @@ std::string dataBody(const std::string& dataSet, const std::string& component, c
 // NACK (the engine's own requestCommand turns a NACK into FC_HEADER_ERROR; a
 // person wants the service's reason), FC_OK for the expected RESPONSE.
 Fcodes exchange(DataCommunicator& engine, const std::string& socket, const char* type, const std::string& body,
-                std::string& replyBody, unsigned timeoutSec) {
+                std::string& replyBody, unsigned timeoutSec, bool* answered = nullptr) {
     MessageHeader request, reply;
     request.ID = wire::PLACEHOLDER_REQUEST_ID;
     request.Type = type;
     request.Size = static_cast<int32_t>(body.size());
     Fcodes code = engine.sendRequest(socket, request, body, reply, replyBody, timeoutSec, ONE_TRY);
+    if (answered != nullptr)
+        *answered = isOk(code);
     if (!isOk(code))
         return code;
     if (reply.ID != request.ID)
@@ -92,16 +94,17 @@ Fcodes exchange(DataCommunicator& engine, const std::string& socket, const char*
 }
 
 Fcodes sendCommand(DataCommunicator& engine, const std::string& socket, const std::string& text, std::string& replyBody,
-                   unsigned timeoutSec) {
-    return exchange(engine, socket, msgtype::COMMAND, "<BODY>\n\t" + text + "\n</BODY>\n", replyBody, timeoutSec);
+                   unsigned timeoutSec, bool* answered = nullptr) {
+    return exchange(engine, socket, msgtype::COMMAND, "<BODY>\n\t" + text + "\n</BODY>\n", replyBody, timeoutSec,
+                    answered);
 }
 
 }  // namespace
 
 Fcodes sendServiceCommand(DataCommunicator& engine, const std::string& socket, const std::string& id,
                           const std::vector<std::pair<std::string, std::string>>& params, std::string& replyBody,
-                          unsigned timeoutSec) {
-    return sendCommand(engine, socket, commandText(id, params), replyBody, timeoutSec);
+                          unsigned timeoutSec, bool* answered) {
+    return sendCommand(engine, socket, commandText(id, params), replyBody, timeoutSec, answered);
 }
 
 Fcodes runCommand(DataCommunicator& engine, const ChanctlOptions& options, FILE* out) {

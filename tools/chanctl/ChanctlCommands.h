@@ -34,9 +34,11 @@ StatusView readStatus(datacom::DataCommunicator& engine, const std::string& sock
 
 // One command with its parameters to the service at `socket`, one try; its
 // verdict as runCommand gives it, the answer's body in `replyBody`.
+// `answered` (when given): whether the service replied at all, since its
+// verdict may itself be "Communication Error" (from the service's own peers).
 datacom::Fcodes sendServiceCommand(datacom::DataCommunicator& engine, const std::string& socket, const std::string& id,
                                    const std::vector<std::pair<std::string, std::string>>& params,
-                                   std::string& replyBody, unsigned timeoutSec);
+                                   std::string& replyBody, unsigned timeoutSec, bool* answered = nullptr);
 
 // One value of a JSON data set of the service at `socket`, read ("GET", empty
 // `setValue` ignored) or written ("SET", `write` true; `value` then receives

@@ -28,6 +28,14 @@ namespace {
 constexpr unsigned READ_TIMEOUT_SEC = 2;
 constexpr unsigned COMMAND_TIMEOUT_SEC = 4;
 constexpr int SUBSCRIBE_EVERY_MS = 10000;  // a restarted manager forgets its subscribers
+constexpr int LOCK_SLICE_MS = 50;
+
+std::string oneLine(const Json::Value& value) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    return Json::writeString(builder, value);
+}
 
 std::string withoutNewline(std::string text) {
     while (!text.empty() && text.back() == '\n')
@@ -98,18 +106,26 @@ void ChannelConsole::poke() {
     wake.notify_all();
 }
 
-template <typename Request>
-auto ChannelConsole::timed(Request request) -> decltype(request()) {
-    std::lock_guard<std::mutex> guard(requests);
+bool ChannelConsole::ask(const std::function<bool()>& request, bool onlyWhileAnswering) {
+    // The mutex is waited for in slices: a press must not sit behind a
+    // refresher that is itself waiting for a manager that does not answer.
+    std::unique_lock<std::timed_mutex> lock(requests, std::defer_lock);
+    for (;;) {
+        if (onlyWhileAnswering && !answering())
+            return false;
+        if (lock.owns_lock())
+            break;
+        lock.try_lock_for(std::chrono::milliseconds(LOCK_SLICE_MS));
+    }
     pendingSinceMs = nowMs();
-    auto result = request();
+    unanswered = !request();
     pendingSinceMs = 0;
-    return result;
+    return true;
 }
 
 bool ChannelConsole::answering() const {
     const int64_t since = pendingSinceMs;
-    return !lastUnanswered && (since == 0 || nowMs() - since < STALL_MS);
+    return !unanswered && (since == 0 || nowMs() - since < STALL_MS);
 }
 
 // Publishes each change of answering() as a "daemon" message, within a
@@ -146,13 +162,26 @@ ChannelConsole::Press ChannelConsole::press(const std::string& action, const std
     }
     if (pressing.exchange(true))
         return Press::Busy;
+    // A manager known not to answer is not sent the command: the press is
+    // answered at once rather than after COMMAND_TIMEOUT_SEC, and a manager
+    // that wakes later does not carry out a command its user saw fail.
     std::string replyBody;
-    const Fcodes code = timed([&] {
-        const Fcodes sent = sendServiceCommand(engine, managerSocket, id, params, replyBody, COMMAND_TIMEOUT_SEC);
-        lastUnanswered = sent == FC_COMM_ERROR;
-        return sent;
-    });
+    Fcodes code = FC_COMM_ERROR;
+    const bool sent = ask(
+        [&] {
+            bool replied = false;
+            code = sendServiceCommand(engine, managerSocket, id, params, replyBody, COMMAND_TIMEOUT_SEC, &replied);
+            return replied;  // a Play's "Communication Error" may be the mediator's, not the manager's silence
+        },
+        true);
     pressing = false;
+    if (!sent) {
+        Json::Value refused;
+        Json::Reader().parse(commandJson(id, code, ""), refused);
+        refused["daemon"] = "not answering";
+        answer = oneLine(refused) + "\n";
+        return Press::NotAnswering;
+    }
     {
         std::lock_guard<std::mutex> guard(mutex);
         loaded = loaded || action == "load";
@@ -169,17 +198,24 @@ void ChannelConsole::refreshLoop() {
     while (!stopping) {
         const auto now = std::chrono::steady_clock::now();
         const bool subscribeDue = now - lastSubscribe >= std::chrono::milliseconds(SUBSCRIBE_EVERY_MS);
-        const bool refreshDue = poked || (loaded && now - lastRefresh >= std::chrono::milliseconds(REFRESH_MS));
+        // Not answering: asked again every RETRY_MS rather than REFRESH_MS,
+        // so that its first answer is seen at once.
+        const bool refreshDue = poked || (unanswered && now - lastRefresh >= std::chrono::milliseconds(RETRY_MS)) ||
+                                (loaded && now - lastRefresh >= std::chrono::milliseconds(REFRESH_MS));
         if (subscribeDue || refreshDue) {
             poked = false;
             lock.unlock();
             if (subscribeDue) {
                 // The engine's own subscribe waits 10 s three times; this one is bounded like the rest.
                 std::string reply;
-                timed([&] {
-                    return sendServiceCommand(engine, managerSocket, wire::CMD_SUBSCRIBE,
-                                              {{wire::PARAM_SOCK_NAME, socketName}}, reply, READ_TIMEOUT_SEC);
-                });
+                ask(
+                    [&] {
+                        bool replied = false;
+                        sendServiceCommand(engine, managerSocket, wire::CMD_SUBSCRIBE,
+                                           {{wire::PARAM_SOCK_NAME, socketName}}, reply, READ_TIMEOUT_SEC, &replied);
+                        return replied;
+                    },
+                    false);
                 lastSubscribe = now;
             }
             if (refreshDue) {
@@ -195,8 +231,12 @@ void ChannelConsole::refreshLoop() {
 
 void ChannelConsole::refresh() {
     StatusView view;
-    view = timed([&] { return readStatus(engine, managerSocket, READ_TIMEOUT_SEC); });
-    lastUnanswered = (view.code & FC_COMM_ERROR) == FC_COMM_ERROR;
+    ask(
+        [&] {
+            view = readStatus(engine, managerSocket, READ_TIMEOUT_SEC);
+            return (view.code & FC_COMM_ERROR) != FC_COMM_ERROR;
+        },
+        false);
     Json::Value status = statusValue(view);
     status["socket"] = managerSocket;
     Json::Value chart(Json::objectValue);
@@ -224,8 +264,8 @@ void ChannelConsole::refresh() {
         chart[row::HEVC] = second;
     }
     status["chart"] = chart;
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["emitUTF8"] = true;
-    feed.publish("status", Json::writeString(builder, status));
+    // A manager that stays away is asked every RETRY_MS: the same status is not sent again each time.
+    const std::string text = oneLine(status);
+    if (text != feed.status())
+        feed.publish("status", text);
 }

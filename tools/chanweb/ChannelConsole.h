@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -21,7 +22,9 @@
 // engine waits for each reply on its one send socket. Every request has a
 // bound of a few seconds, one button press is served at a time (another is
 // refused at once, not queued), and a manager that stops answering is
-// published as the "daemon" message instead of holding the console.
+// published as the "daemon" message instead of holding the console: once it
+// is known not to answer, a press is answered at once without being sent,
+// and the refresher asks the manager again every RETRY_MS until it answers.
 class ChannelConsole : public datacom::NullDataHolder {
 public:
     static constexpr int REFRESH_MS = 2000;
@@ -29,8 +32,10 @@ public:
     // A request unanswered this long (or one that went unanswered) makes the
     // manager "not answering" until the next answer.
     static constexpr int STALL_MS = 1500;
+    // How soon the refresher asks a manager that did not answer again.
+    static constexpr int RETRY_MS = 250;
 
-    enum class Press { Done, Unknown, Busy };
+    enum class Press { Done, Unknown, Busy, NotAnswering };
 
     ChannelConsole(ConsoleFeed& feed, std::string managerSocket);
     ~ChannelConsole() override;  // stops the refresher, then the engine
@@ -45,7 +50,10 @@ public:
     // One button: "play" or "stop" of the channel `row`, "load" (LOAD_CHANNELS
     // "Default") or "store" (STORE_CHANNELS to STORE_FILE). `answer` gets the
     // manager's answer as a JSON line (chanctl --json's). Unknown: the action
-    // or the row is not one of them; Busy: another press is still waiting.
+    // or the row is not one of them; Busy: another press is still waiting;
+    // NotAnswering: the manager is known not to answer (before the press or
+    // while it waited for another request), so nothing was sent; `answer` is
+    // then that line with "daemon":"not answering".
     Press press(const std::string& action, const std::string& row, std::string& answer);
     // False while the manager does not answer (see STALL_MS).
     bool answering() const;
@@ -57,18 +65,20 @@ private:
     void refresh();  // request mutex not held
     void poke();
     void watchLoop();
-    // One request to the manager under the request mutex, timed for answering().
-    template <typename Request>
-    auto timed(Request request) -> decltype(request());
+    // One request to the manager under the request mutex, timed for
+    // answering(); `request` tells whether the manager answered. With
+    // `onlyWhileAnswering`, false (nothing sent) once the manager is known not
+    // to answer, before or while waiting for the mutex.
+    bool ask(const std::function<bool()>& request, bool onlyWhileAnswering);
 
     ConsoleFeed& feed;
     const std::string managerSocket;
     datacom::DataCommunicator engine;
     std::string socketName;
-    std::mutex requests;  // one request at a time on the engine
+    std::timed_mutex requests;  // one request at a time on the engine
     std::atomic<bool> pressing{false};
     std::atomic<int64_t> pendingSinceMs{0};  // 0: no request waiting for the manager
-    std::atomic<bool> lastUnanswered{false};
+    std::atomic<bool> unanswered{false};     // the last request went unanswered
 
     std::mutex mutex;  // guards the fields below
     std::condition_variable wake;

@@ -73,6 +73,14 @@ std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOption
     return "";
 }
 
+std::vector<std::string> allowedHosts(const ChanwebOptions& options) {
+    std::vector<std::string> hosts = {options.bind, "localhost"};
+    if (options.bind == "localhost")
+        hosts.push_back("127.0.0.1");
+    hosts.insert(hosts.end(), options.hosts.begin(), options.hosts.end());
+    return hosts;
+}
+
 const char* chanwebUsage() {
     return "Usage: chanweb [--port N] [--bind ADDR --allow-remote] [--host NAME]...\n"
            "               [--socket PATH] [--www DIR] [--timeout S]\n"

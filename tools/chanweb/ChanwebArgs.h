@@ -22,5 +22,9 @@ struct ChanwebOptions {
 // refused unless --allow-remote is given too: the console has no authentication.
 std::string parseChanwebArgs(const std::vector<std::string>& args, ChanwebOptions& options);
 
+// The names a request's Host may carry: the bind address, "localhost"
+// (and 127.0.0.1 when bound to "localhost") and each --host.
+std::vector<std::string> allowedHosts(const ChanwebOptions& options);
+
 // The --help text.
 const char* chanwebUsage();

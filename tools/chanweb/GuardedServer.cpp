@@ -74,8 +74,9 @@ void GuardedServer::releaseStream() {
     --streams;
 }
 
+// A request without a Host (or with an empty one) names no site: refused like a foreign one.
 bool GuardedServer::hostAllowed(const std::string& host) const {
-    return std::find(hosts.begin(), hosts.end(), host) != hosts.end();
+    return !host.empty() && std::find(hosts.begin(), hosts.end(), host) != hosts.end();
 }
 
 void GuardedServer::arm(bool on) {

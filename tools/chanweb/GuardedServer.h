@@ -18,8 +18,8 @@
 //   keep-alive is bounded in requests and idle time;
 // - request bodies over MAX_BODY are refused (413) without being kept, and a
 //   request for several byte ranges is refused (416);
-// - a Host that is not one of `hosts` is refused (421): a foreign name that a
-//   DNS trick points at this machine reaches nothing;
+// - a Host that is not one of `hosts`, or none, is refused (421): a foreign
+//   name that a DNS trick points at this machine reaches nothing;
 // - every reply forbids framing, other origins' content, type sniffing and
 //   referrers.
 class GuardedServer : public httplib::Server {

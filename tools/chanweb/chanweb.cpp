@@ -17,11 +17,10 @@
 #include <thread>
 #include <vector>
 
-#include <json/json.h>
-
 #include "ChannelConsole.h"
 #include "ChanwebArgs.h"
 #include "ConsoleFeed.h"
+#include "ConsoleRoutes.h"
 #include "GuardedServer.h"
 #include "QuietDebugLog.h"
 #include "ToolSocket.h"
@@ -31,10 +30,6 @@
 using namespace datacom;
 
 namespace {
-
-constexpr auto KEEPALIVE = std::chrono::milliseconds(15000);
-constexpr auto STREAM_SLICE = std::chrono::milliseconds(500);
-constexpr int RETRY_AFTER_SEC = 5;
 
 // chanweb's own sockets take the buttons' answers and the manager's events:
 // never writable by other users. When the manager's socket is shared with a
@@ -130,76 +125,9 @@ int main(int argc, char** argv) {
 
     ConsoleFeed feed;
     ChannelConsole console(feed, options.socket);
-    std::vector<std::string> hosts = {options.bind, "localhost", options.bind == "localhost" ? "127.0.0.1" : ""};
-    hosts.insert(hosts.end(), options.hosts.begin(), options.hosts.end());
-    GuardedServer server(hosts);
+    GuardedServer server(allowedHosts(options));
     server.set_mount_point("/", www);
-    server.Get("/api/status", [&](const httplib::Request&, httplib::Response& res) {
-        Json::Value status;
-        Json::Reader().parse(feed.status().empty() ? "{}" : feed.status(), status);
-        status["daemon"] = console.answering() ? "answering" : "not answering";
-        Json::StreamWriterBuilder builder;
-        builder["indentation"] = "";
-        res.set_content(Json::writeString(builder, status) + "\n", "application/json");
-    });
-    server.Get("/api/events", [&](const httplib::Request& req, httplib::Response& res) {
-        if (!server.takeStream()) {
-            res.status = 503;
-            res.set_header("Retry-After", std::to_string(RETRY_AFTER_SEC));
-            res.set_header("Connection", "close");  // its worker is free at once
-            res.set_content("{\"error\":\"too many event streams\"}\n", "application/json");
-            return;
-        }
-        res.set_header("Cache-Control", "no-cache");
-        // A reconnecting page names the last message it saw and gets only the later ones.
-        auto cursor =
-            std::make_shared<uint64_t>(std::strtoull(req.get_header_value("Last-Event-ID").c_str(), nullptr, 10));
-        auto first = std::make_shared<bool>(true);
-        auto idle = std::make_shared<std::chrono::milliseconds>(0);
-        // Waits in short slices, so that a client that went away gives up its
-        // place within one, and writes a comment after KEEPALIVE of silence.
-        res.set_chunked_content_provider(
-            "text/event-stream",
-            [&feed, cursor, first, idle, socket = GuardedServer::currentSocket()](size_t, httplib::DataSink& sink) {
-                if (feed.closed() || GuardedServer::peerGone(socket))
-                    return false;
-                std::string chunk = *first ? "retry: 2000\n\n" : "";
-                *first = false;
-                chunk += feed.next(*cursor, STREAM_SLICE);
-                *idle = chunk.empty() ? *idle + STREAM_SLICE : std::chrono::milliseconds(0);
-                if (*idle >= KEEPALIVE) {
-                    chunk = ": keep-alive\n\n";
-                    *idle = std::chrono::milliseconds(0);
-                }
-                return !feed.closed() && (chunk.empty() || sink.write(chunk.data(), chunk.size()));
-            },
-            [&server](bool) { server.releaseStream(); });
-    });
-    // A button. The header a page of another origin cannot send without asking
-    // first (and chanweb answers no such question) keeps other sites' pages
-    // from pressing buttons through the visitor's browser.
-    server.Post("/api/press", [&](const httplib::Request& req, httplib::Response& res) {
-        if (req.get_header_value("X-Chanweb") != "1") {
-            res.status = 403;
-            res.set_content("{\"error\":\"X-Chanweb header missing\"}\n", "application/json");
-            return;
-        }
-        std::string answer;
-        switch (console.press(req.get_param_value("action"), req.get_param_value("row"), answer)) {
-            case ChannelConsole::Press::Unknown:
-                res.status = 400;
-                res.set_content("{\"error\":\"unknown action or row\"}\n", "application/json");
-                return;
-            case ChannelConsole::Press::Busy:
-                res.status = 409;
-                res.set_content("{\"error\":\"another press is still waiting for the channel manager\"}\n",
-                                "application/json");
-                return;
-            case ChannelConsole::Press::Done:
-                res.set_content(answer, "application/json");
-                return;
-        }
-    });
+    addConsoleRoutes(server, feed, console);
 
     const int port = options.port == 0 ? server.bind_to_any_port(options.bind)
                                        : (server.bind_to_port(options.bind, options.port) ? options.port : -1);

@@ -124,7 +124,9 @@ async function press(action, row) {
       appendEvent({ id: action + " refused: another press is still waiting", source: row || "", fcode: 0 });
       return;
     }
-    if (reply.result && reply.result !== "OK") {
+    if (reply.daemon === "not answering") {
+      appendEvent({ id: reply.command + " not sent: daemon not answering", source: row || "", fcode: reply.fcode });
+    } else if (reply.result && reply.result !== "OK") {
       appendEvent({ id: reply.command + " refused: " + reply.result, source: row || "", fcode: reply.fcode });
     }
   } catch (error) {
