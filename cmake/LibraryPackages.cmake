@@ -96,7 +96,9 @@ endforeach()
 # the ldconfig trigger, through which dpkg refreshes the loader's cache once
 # per run instead of a maintainer script calling ldconfig. CPack adds such
 # scripts to every package with a library under /usr/lib; DebianTriggers.cmake
-# drops them again from the packages that activate the trigger.
+# drops them again from the packages that activate the trigger (CPack runs it
+# from CMake 3.19 on; an older one leaves the scripts, which work, and lintian
+# warns).
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 file(WRITE ${PROJECT_BINARY_DIR}/lib-package/triggers "activate-noawait ldconfig\n")
