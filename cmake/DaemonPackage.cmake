@@ -1,23 +1,9 @@
 # The daemon package's Debian files (component "daemon", package
-# channel-manager): copyright, changelog and manual pages under /usr/share,
-# the maintainer scripts (service user and group, registration with the init
-# system) and the configuration files. Texts in etc/debian/. lintian finds
-# nothing to override (the device leg runs it).
-set(_debian ${PROJECT_SOURCE_DIR}/etc/debian)
-set(_staged ${PROJECT_BINARY_DIR}/etc/debian)
-find_program(GZIP_PROGRAM gzip REQUIRED)
-
-# gzip -9n: no name, no time stamp, so two builds give the same bytes.
-function(_sysmgt_gzip source target)
-  execute_process(COMMAND ${GZIP_PROGRAM} -9nc ${source} OUTPUT_FILE ${target} RESULT_VARIABLE _failed)
-  if(_failed)
-    message(FATAL_ERROR "gzip ${source} failed")
-  endif()
-endfunction()
-
-configure_file(${_debian}/changelog.in ${_staged}/changelog @ONLY)
-_sysmgt_gzip(${_staged}/changelog ${_staged}/changelog.gz)
-install(FILES ${_staged}/changelog.gz ${_debian}/copyright DESTINATION share/doc/channel-manager)
+# channel-manager): copyright, changelog (DebianDocs.cmake) and manual pages
+# under /usr/share, the maintainer scripts (service user and group,
+# registration with the init system) and the configuration files. Texts in
+# etc/debian/. lintian finds nothing to override (the device leg runs it).
+sysmgt_debian_docs(daemon channel-manager)
 
 set(_pages channel_manager.8 chanctl.1 dbglog.1)
 if(TARGET chanweb)
@@ -47,8 +33,10 @@ set(CPACK_DEBIAN_DAEMON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Channel Manager Maintainers <channel-manager@sysmgt-appliance.de>")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_SECTION admin)
-# The synopsis is CPACK_PACKAGE_DESCRIPTION_SUMMARY; CPack indents these lines.
-set(CPACK_DEBIAN_DAEMON_DESCRIPTION "The channel manager owns the two encoding channels of the video encoder
+# Each package's description has its synopsis in its first line (no summary
+# common to all packages is set); CPack indents the lines after it.
+set(CPACK_DEBIAN_DAEMON_DESCRIPTION "Channel manager daemon of the encoder appliance, with chanctl and dbglog
+The channel manager owns the two encoding channels of the video encoder
 appliance: it loads their data, configures, plays and stops them through
 the mediator, probes their targets and reports their state as events.
 

@@ -59,14 +59,54 @@ set(CPACK_DEBIAN_DATACOM_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_DATACOM_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_TARNEVELCLIENT_DEV_PACKAGE_SECTION libdevel)
-set(CPACK_COMPONENT_DATACOM_DESCRIPTION "Messaging and data library of the encoder appliance's daemons")
-set(CPACK_COMPONENT_DATACOM_DEV_DESCRIPTION "DataComLib development files: headers, CMake package, pkg-config")
-set(CPACK_COMPONENT_TARNEVELCLIENT_DESCRIPTION "Client of the encoder appliance's media mediator")
-set(CPACK_COMPONENT_TARNEVELCLIENT_DEV_DESCRIPTION "Mediator client development files: headers, CMake targets, pkg-config")
-# The runtime packages' shlibs files, so that a daemon built against them depends on them.
-set(CPACK_DEBIAN_DATACOM_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_GENERATE_SHLIBS ON)
+# The first line of each description is the package's synopsis.
+set(CPACK_COMPONENT_DATACOM_DESCRIPTION "Messaging and data library of the encoder appliance's daemons
+DataComLib is the base of the appliance's management daemons: the data
+holder with its worker thread, the messaging engine on the appliance's
+local datagram sockets, the tabular and JSON dataset stores and the debug
+log client.
+
+This package holds the shared library libdatacom.so.1.")
+set(CPACK_COMPONENT_DATACOM_DEV_DESCRIPTION "DataComLib development files
+The headers (datacom/), the link library, the CMake package DataComLib
+(find_package(DataComLib 1.0 CONFIG) gives DataComLib::datacom) and the
+pkg-config file datacom.pc: what a daemon of the appliance needs to build
+on DataComLib.")
+set(CPACK_COMPONENT_TARNEVELCLIENT_DESCRIPTION "Client of the encoder appliance's media mediator
+The typed requests a daemon sends to the media mediator (component
+parameters, the assembly, branch state, start and stop), each one command
+through DataComLib's messaging engine.
+
+This package holds the shared library libtarnevelclient.so.1.")
+set(CPACK_COMPONENT_TARNEVELCLIENT_DEV_DESCRIPTION "Media mediator client development files
+The headers (tarnevel/), the link library, the CMake targets
+(DataComLib::tarnevelclient, through find_package(DataComLib)) and the
+pkg-config file tarnevelclient.pc.")
+# All five packages are built from this one tree (the changelog they carry is its).
+foreach(_component DATACOM DATACOM_DEV TARNEVELCLIENT TARNEVELCLIENT_DEV)
+  set(CPACK_DEBIAN_${_component}_PACKAGE_SOURCE channel-manager)
+endforeach()
+foreach(_component datacom datacom_dev tarnevelclient tarnevelclient_dev)
+  string(TOUPPER ${_component} _upper)
+  sysmgt_debian_docs(${_component} ${CPACK_DEBIAN_${_upper}_PACKAGE_NAME})
+endforeach()
+
+# The runtime packages' control files: shlibs, so that a daemon built against
+# them depends on them (CPack writes it; it reads only the global switch), and
+# the ldconfig trigger, through which dpkg refreshes the loader's cache once
+# per run instead of a maintainer script calling ldconfig. CPack adds such
+# scripts to every package with a library under /usr/lib; DebianTriggers.cmake
+# drops them again from the packages that activate the trigger (CPack runs it
+# from CMake 3.19 on; an older one leaves the scripts, which work, and lintian
+# warns).
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+file(WRITE ${PROJECT_BINARY_DIR}/lib-package/triggers "activate-noawait ldconfig\n")
+foreach(_component DATACOM TARNEVELCLIENT)
+  set(CPACK_DEBIAN_${_component}_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/lib-package/triggers)
+  set(CPACK_DEBIAN_${_component}_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+endforeach()
+list(APPEND CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/DebianTriggers.cmake)
 # libtarnevelclient1 needs libdatacom1 from this same build, which dpkg-shlibdeps
 # finds in the build tree but cannot look up in the package database: named here.
 list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
