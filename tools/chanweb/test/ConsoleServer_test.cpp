@@ -117,7 +117,7 @@ TEST_F(ConsoleServer, RefusesWhatAHostileClientTries) {
     for (const size_t size : {GuardedServer::MAX_BODY, GuardedServer::MAX_BODY + 1})
         EXPECT_EQ(status(send("POST /api/press HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Length: " + std::to_string(size) +
                               "\r\n\r\n" + std::string(size, 'a'))),
-                  size == 64 * 1024 ? 403 : 413)  // 403: read, then refused for want of X-Chanweb
+                  size == size_t{64} * 1024 ? 403 : 413)  // 403: read, then refused for want of X-Chanweb
             << size;
     EXPECT_EQ(status(send("GET /api/status HTTP/1.1\r\nHost: 127.0.0.1\r\nRange: bytes=0-1,2-3\r\n\r\n")), 416);
 }
