@@ -107,16 +107,29 @@ void ChannelConsole::poke() {
 }
 
 bool ChannelConsole::ask(const std::function<bool()>& request, bool onlyWhileAnswering) {
-    // The mutex is waited for in slices: a press must not sit behind a
+    // The gate is waited for in slices: a press must not sit behind a
     // refresher that is itself waiting for a manager that does not answer.
-    std::unique_lock<std::timed_mutex> lock(requests, std::defer_lock);
-    for (;;) {
-        if (onlyWhileAnswering && !answering())
-            return false;
-        if (lock.owns_lock())
-            break;
-        lock.try_lock_for(std::chrono::milliseconds(LOCK_SLICE_MS));
+    {
+        std::unique_lock<std::mutex> gate(requestGate);
+        for (;;) {
+            if (onlyWhileAnswering && !answering())
+                return false;
+            if (!requestBusy)
+                break;
+            requestDone.wait_for(gate, std::chrono::milliseconds(LOCK_SLICE_MS));
+        }
+        requestBusy = true;
     }
+    struct Release {  // the gate opens again however the request ends
+        ChannelConsole& console;
+        ~Release() {
+            {
+                std::lock_guard<std::mutex> gate(console.requestGate);
+                console.requestBusy = false;
+            }
+            console.requestDone.notify_all();
+        }
+    } release{*this};
     pendingSinceMs = nowMs();
     unanswered = !request();
     pendingSinceMs = 0;

@@ -75,7 +75,11 @@ private:
     const std::string managerSocket;
     datacom::DataCommunicator engine;
     std::string socketName;
-    std::timed_mutex requests;  // one request at a time on the engine
+    // One request at a time on the engine: `requestBusy` under `requestGate`
+    // rather than a timed mutex, whose timed lock the thread sanitizer does not see.
+    std::mutex requestGate;
+    std::condition_variable requestDone;
+    bool requestBusy = false;
     std::atomic<bool> pressing{false};
     std::atomic<int64_t> pendingSinceMs{0};  // 0: no request waiting for the manager
     std::atomic<bool> unanswered{false};     // the last request went unanswered
