@@ -1,7 +1,8 @@
 // What an appliance lives through over days, each story as an operator met
-// it against the simulated peers: a profile change while playing, a stop for
-// the input around a data-stream event, a Zixi bitrate request around a
-// format change, and a mediator that restarts behind the daemon's back.
+// it against the simulated peers: a profile change while playing, a Zixi
+// bitrate request around a format change, and a mediator that restarts
+// behind the daemon's back. (A stop for the input around a data-stream event
+// is a step of OperatorFlows' format-stop table.)
 #include <gtest/gtest.h>
 
 #include "support/ManagerHarness.h"
@@ -63,22 +64,6 @@ TEST(DaysOfUse, StopStopsWhatThePlayStartedWhateverWasActivatedSince) {
                        {tbl::TARGET, prop::STREAMING_PROTOCOL, "HEVC Target1", value::SRT}}));
     run(h, cmd::STOP, row::HEVC);
     EXPECT_EQ("", runningCh1(h));
-}
-
-// Stopped for its input, the channel keeps that fact through a data-stream
-// "OFF" and plays again once a valid input returns.
-TEST(DaysOfUse, AChannelStoppedForItsInputComesBackThroughADataStreamOff) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
-    ASSERT_EQ(FC_OK, h.channel().playChannel(row::HEVC));
-    detect(h, UNFIT);
-    ASSERT_EQ(state::STOPPING, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC));
-    dataStream(h, mediatorEvent(ev::DATA_STREAM, row::HEVC, "OFF"));
-    EXPECT_EQ(int(FC_OK), h.number(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, row::HEVC));
-    detect(h, "None");
-    detect(h, VALID);
-    EXPECT_EQ(state::PLAYING, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC));
-    EXPECT_EQ("UDP CH1", runningCh1(h));
 }
 
 // A Zixi request lowers the bitrate, the input goes unfit (the stop restores

@@ -185,11 +185,12 @@ TEST(OperatorFlows, AConfigurationTurnsOffWhatItNoLongerUses) {
 
 // An input whose format the channel cannot take stops it for its format, with
 // or without "Format as Detected": "Stopping" with 0x20010, nothing invalid
-// committed, resumed when a fitting input returns, but not after the
-// operator's Stop or Play (here one whose branch start is refused).
+// committed, resumed when a fitting input returns (also after a data-stream
+// "OFF" cleared the code), but not after the operator's Stop or Play (here
+// one whose branch start is refused).
 TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
     const std::string unfit = "2048x1080p @ 24", fit = "1920x1080i @ 25", stop = "Stop", play = "Play",
-                      refusedPlay = "Play, start refused";
+                      refusedPlay = "Play, start refused", off = "Data Stream OFF";
     for (const bool asDetected : {false, true}) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready());
@@ -197,20 +198,24 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
                                                  row::H264));
         ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264));
         const struct {
-            const std::string& what;  // an input format or the operator's command
+            const std::string& what;  // an input format, the operator's command or a mediator event
             const char* channel;      // "State Fcode Status" afterwards
         } steps[] = {
-            {unfit, "Stopping 20010 OK"}, {fit, "Playing 10000 OK"},          {unfit, "Stopping 20010 OK"},
-            {stop, "Stopping 20020 OK"},  {fit, "Stopping 20020 OK"},         {play, "Playing 10000 OK"},
-            {unfit, "Stopping 20010 OK"}, {refusedPlay, "Stopping 20010 OK"}, {fit, "Stopping 20010 OK"},
+            {unfit, "Stopping 20010 OK"}, {off, "Stopping 10000 OK"},   {fit, "Playing 10000 OK"},
+            {unfit, "Stopping 20010 OK"}, {stop, "Stopping 20020 OK"},  {fit, "Stopping 20020 OK"},
+            {play, "Playing 10000 OK"},   {unfit, "Stopping 20010 OK"}, {refusedPlay, "Stopping 20010 OK"},
+            {fit, "Stopping 20010 OK"},
         };
         for (const auto& step : steps) {
             if (step.what == refusedPlay)
                 h.failNext("Tarnevel Start Branch");
+            MessageEvent dataStreamOff = mediatorEvent(ev::DATA_STREAM, row::H264, "OFF");
             if (step.what == stop)
                 command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
             else if (step.what == play || step.what == refusedPlay)
                 command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
+            else if (step.what == off)
+                h.channel().handleDataStreamEvent(&dataStreamOff);
             else
                 detectFormat(h, value::SRC_HD_SDI, step.what);
             EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264)) << asDetected << " " << step.what;
