@@ -19,11 +19,6 @@ Fcodes run(ChannelHarness& h, const std::string& id, const std::string& rowId) {
     return h.channelCommand(id, {{cmd::PARAM_ROW_ID, rowId}});
 }
 
-void detect(ChannelHarness& h, const char* format) {
-    MessageEvent event = mediatorEvent(ev::AUTO_DETECTION, value::SRC_HDMI, "ON", {{"Input Detected", format}});
-    h.channel().updateVideoSource(&event);
-}
-
 void dataStream(ChannelHarness& h, const MessageEvent& event) {
     MessageEvent copy = event;
     h.channel().handleDataStreamEvent(&copy);
@@ -75,9 +70,9 @@ TEST(DaysOfUse, AResumedChannelRunsTheBitrateItShows) {
     ASSERT_EQ(FC_OK, h.channel().playChannel(row::HEVC));
     dataStream(h, mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::HEVC, "ON", {{"Total Bitrate", "2000000"}}));
     const std::string zixiVideo = lastWrite(h, "Video Encoder CH1/Bitrate=");
-    detect(h, UNFIT);
+    detectFormat(h, value::SRC_HDMI, UNFIT);
     EXPECT_EQ(5000000, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC));
-    detect(h, VALID);
+    detectFormat(h, value::SRC_HDMI, VALID);
     ASSERT_EQ(state::PLAYING, h.text(ds::CHANNEL, tbl::CHANNELS, prop::STATE, row::HEVC));
     const int shown = h.number(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, row::HEVC);
     EXPECT_NE(zixiVideo, std::to_string(shown));

@@ -24,12 +24,8 @@ namespace {
 
 using RowChange = std::function<void(PipelineBench&)>;
 
-Fcodes command(ChannelHarness& h, const std::string& id, const Params& params) {
-    return h.channelCommand(id, params);
-}
-
 Fcodes activate(ChannelHarness& h, const std::string& rowId) {
-    return command(h, cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, rowId}});
+    return h.channelCommand(cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, rowId}});
 }
 
 // "State Fcode Status" of a channel, the code in hexadecimal.
@@ -211,9 +207,9 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
                 h.failNext("Tarnevel Start Branch");
             MessageEvent dataStreamOff = mediatorEvent(ev::DATA_STREAM, row::H264, "OFF");
             if (step.what == stop)
-                command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
+                h.channelCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
             else if (step.what == play || step.what == refusedPlay)
-                command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
+                h.channelCommand(cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
             else if (step.what == off)
                 h.channel().handleDataStreamEvent(&dataStreamOff);
             else
@@ -398,7 +394,7 @@ TEST(OperatorFlows, OnTheFlyForOneChannelPlayAndActivateForAll) {
         h.mediator.model().clearRecords();
         Params params = r.rowId;
         params.insert(params.end(), bitrates.begin(), bitrates.end());
-        EXPECT_EQ(FC_OK, command(h, cmd::CHANGE_ON_THE_FLY, params)) << r.name;
+        EXPECT_EQ(FC_OK, h.channelCommand(cmd::CHANGE_ON_THE_FLY, params)) << r.name;
         EXPECT_EQ(r.h264Total, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264)) << r.name;
         EXPECT_EQ(r.hevcTotal, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC)) << r.name;
         const bool changed = std::string(r.name) == "HEVC";
@@ -406,8 +402,8 @@ TEST(OperatorFlows, OnTheFlyForOneChannelPlayAndActivateForAll) {
         EXPECT_EQ(changed ? 1 : 0, count(h.recorder.names(), "Bitrate Recalculated HEVC")) << r.name;
     }
     h.recorder.clear();
-    EXPECT_EQ(FC_OK, command(h, cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, row::ALL}}));
-    EXPECT_EQ(FC_OK, command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::ALL}}));
+    EXPECT_EQ(FC_OK, h.channelCommand(cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, row::ALL}}));
+    EXPECT_EQ(FC_OK, h.channelCommand(cmd::PLAY, {{cmd::PARAM_ROW_ID, row::ALL}}));
     const std::vector<std::string> names = h.recorder.names();
     for (const char* channel : {row::H264, row::HEVC}) {
         EXPECT_EQ(1, count(names, std::string("Channel Configured ") + channel)) << channel;
