@@ -32,10 +32,8 @@
 // The processes of the system tests and the test's own peer: every wait is
 // bounded, every process ends by its pid.
 
-// chanctl's options that aim it at a peer's socket.
+// chanctl's options that aim it at the simulated mediator's socket.
 inline const std::string AT_MEDIATOR = "--socket /tmp/sockTarnevelMediator ";
-inline const std::string AT_DEV = "--socket /tmp/sockDev ";
-inline const std::string AT_SAP = "--socket /tmp/sockSap ";
 
 // Polls `ready` every 20 ms until it holds or `limitSec` passed; its last answer.
 template <typename Condition>

@@ -123,7 +123,8 @@ TEST(MediatorModel, ReceiverInputChangesRaiseAutoDetection) {
     EXPECT_EQ(FC_NO_SUCH_NAME, model.setInput("SDI 2", "None", events));
 }
 
-// What the SAP tests of the channel do not send: repeats and refusals.
+// What the SAP tests of the channel do not send: repeats, refusals and the
+// withdrawal of every stream at once.
 TEST(SapModel, RepeatsAreHarmlessAndRefusalsNameTheirCause) {
     SapModel model;
     const MessageParams::ParamMap stream = {
@@ -135,6 +136,9 @@ TEST(SapModel, RepeatsAreHarmlessAndRefusalsNameTheirCause) {
     EXPECT_EQ(FC_NO_SUCH_NAME, model.serve(makeCommand("STOP ALL SAP ", {})));
     EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_SAP, stream)));
     EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_SAP, stream)));
+    EXPECT_TRUE(model.streams().empty());
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_START_SAP, stream)));
+    EXPECT_EQ(FC_OK, model.serve(makeCommand(sim::CMD_STOP_ALL_SAP, {})));
     EXPECT_TRUE(model.streams().empty());
 }
 

@@ -24,12 +24,8 @@ namespace {
 
 using RowChange = std::function<void(PipelineBench&)>;
 
-Fcodes command(ChannelHarness& h, const std::string& id, const Params& params) {
-    return h.channelCommand(id, params);
-}
-
 Fcodes activate(ChannelHarness& h, const std::string& rowId) {
-    return command(h, cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, rowId}});
+    return h.channelCommand(cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, rowId}});
 }
 
 // "State Fcode Status" of a channel, the code in hexadecimal.
@@ -185,11 +181,12 @@ TEST(OperatorFlows, AConfigurationTurnsOffWhatItNoLongerUses) {
 
 // An input whose format the channel cannot take stops it for its format, with
 // or without "Format as Detected": "Stopping" with 0x20010, nothing invalid
-// committed, resumed when a fitting input returns, but not after the
-// operator's Stop or Play (here one whose branch start is refused).
+// committed, resumed when a fitting input returns (also after a data-stream
+// "OFF" cleared the code), but not after the operator's Stop or Play (here
+// one whose branch start is refused).
 TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
     const std::string unfit = "2048x1080p @ 24", fit = "1920x1080i @ 25", stop = "Stop", play = "Play",
-                      refusedPlay = "Play, start refused";
+                      refusedPlay = "Play, start refused", off = "Data Stream OFF";
     for (const bool asDetected : {false, true}) {
         ChannelHarness h;
         ASSERT_TRUE(h.ready());
@@ -197,20 +194,24 @@ TEST(OperatorFlows, AFormatStopStaysAFormatStopUntilAFittingInputReturns) {
                                                  row::H264));
         ASSERT_EQ(FC_OK, h.channel().playChannel(row::H264));
         const struct {
-            const std::string& what;  // an input format or the operator's command
+            const std::string& what;  // an input format, the operator's command or a mediator event
             const char* channel;      // "State Fcode Status" afterwards
         } steps[] = {
-            {unfit, "Stopping 20010 OK"}, {fit, "Playing 10000 OK"},          {unfit, "Stopping 20010 OK"},
-            {stop, "Stopping 20020 OK"},  {fit, "Stopping 20020 OK"},         {play, "Playing 10000 OK"},
-            {unfit, "Stopping 20010 OK"}, {refusedPlay, "Stopping 20010 OK"}, {fit, "Stopping 20010 OK"},
+            {unfit, "Stopping 20010 OK"}, {off, "Stopping 10000 OK"},   {fit, "Playing 10000 OK"},
+            {unfit, "Stopping 20010 OK"}, {stop, "Stopping 20020 OK"},  {fit, "Stopping 20020 OK"},
+            {play, "Playing 10000 OK"},   {unfit, "Stopping 20010 OK"}, {refusedPlay, "Stopping 20010 OK"},
+            {fit, "Stopping 20010 OK"},
         };
         for (const auto& step : steps) {
             if (step.what == refusedPlay)
                 h.failNext("Tarnevel Start Branch");
+            MessageEvent dataStreamOff = mediatorEvent(ev::DATA_STREAM, row::H264, "OFF");
             if (step.what == stop)
-                command(h, cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
+                h.channelCommand(cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}});
             else if (step.what == play || step.what == refusedPlay)
-                command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
+                h.channelCommand(cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}});
+            else if (step.what == off)
+                h.channel().handleDataStreamEvent(&dataStreamOff);
             else
                 detectFormat(h, value::SRC_HD_SDI, step.what);
             EXPECT_EQ(step.channel, stateFcodeStatus(h, row::H264)) << asDetected << " " << step.what;
@@ -393,7 +394,7 @@ TEST(OperatorFlows, OnTheFlyForOneChannelPlayAndActivateForAll) {
         h.mediator.model().clearRecords();
         Params params = r.rowId;
         params.insert(params.end(), bitrates.begin(), bitrates.end());
-        EXPECT_EQ(FC_OK, command(h, cmd::CHANGE_ON_THE_FLY, params)) << r.name;
+        EXPECT_EQ(FC_OK, h.channelCommand(cmd::CHANGE_ON_THE_FLY, params)) << r.name;
         EXPECT_EQ(r.h264Total, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::H264)) << r.name;
         EXPECT_EQ(r.hevcTotal, h.number(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, row::HEVC)) << r.name;
         const bool changed = std::string(r.name) == "HEVC";
@@ -401,8 +402,8 @@ TEST(OperatorFlows, OnTheFlyForOneChannelPlayAndActivateForAll) {
         EXPECT_EQ(changed ? 1 : 0, count(h.recorder.names(), "Bitrate Recalculated HEVC")) << r.name;
     }
     h.recorder.clear();
-    EXPECT_EQ(FC_OK, command(h, cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, row::ALL}}));
-    EXPECT_EQ(FC_OK, command(h, cmd::PLAY, {{cmd::PARAM_ROW_ID, row::ALL}}));
+    EXPECT_EQ(FC_OK, h.channelCommand(cmd::ACTIVATE_ROW, {{cmd::PARAM_ROW_ID, row::ALL}}));
+    EXPECT_EQ(FC_OK, h.channelCommand(cmd::PLAY, {{cmd::PARAM_ROW_ID, row::ALL}}));
     const std::vector<std::string> names = h.recorder.names();
     for (const char* channel : {row::H264, row::HEVC}) {
         EXPECT_EQ(1, count(names, std::string("Channel Configured ") + channel)) << channel;
