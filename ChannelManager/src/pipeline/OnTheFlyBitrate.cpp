@@ -5,11 +5,12 @@
 #include "datacom/DbgPrintClient.h"
 #include "pipeline/PipelineConfigurator.h"
 #include "settings/BitrateModel.h"
-#include "settings/ChannelSettings.h"
+#include "settings/ChannelSnapshot.h"
 #include "settings/IChannelEvents.h"
 #include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
@@ -20,13 +21,6 @@ using namespace vocab;
 // A new total and maximum for a running encoder: the settings are read once,
 // the bitrate model computes from them, and the results go to the encoder and
 // back into "ChannelProcessingTable".
-
-namespace {
-
-// The encoder parameter that makes a running encoder take its new bitrates.
-constexpr const char* APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
-
-}  // namespace
 
 // Sets one encoder parameter; a refusal is logged and the change goes on.
 void PipelineConfigurator::setEncoderOnTheFly(const std::string& rowId, const std::string& component,
@@ -43,8 +37,8 @@ Fcodes PipelineConfigurator::changeBitrateOnTheFly(const std::string& rowId, int
         return FC_OK;
     const std::string encoder = med::VIDEO_ENCODER[channel];
 
-    ChannelSettings settings;
-    Fcodes result = FC_OK | readChannelSettings(ctx.holder, rowId, settings);
+    ChannelSnapshot settings;
+    Fcodes result = FC_OK | readChannelSnapshot(ctx.holder, rowId, settings);
     const bool encodeVideo = settings.encodeVideo;
     const bool pcrOnVideoPid = settings.pcrOnVideoPid();
     const float frameRate = static_cast<float>(settings.frameSampling);
@@ -74,7 +68,7 @@ Fcodes PipelineConfigurator::changeBitrateOnTheFly(const std::string& rowId, int
     }
     setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
     if (channel == 1)
-        setEncoderOnTheFly(rowId, encoder, APPLY_ON_THE_FLY, 1);
+        setEncoderOnTheFly(rowId, encoder, med::PARAM_APPLY_ON_THE_FLY, 1);
 
     result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
     result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);

@@ -1,15 +1,13 @@
 #include <string>
 #include <vector>
 
-#include "datacom/DataHolder.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TextTables.h"
 #include "vocab/ChannelWireTexts.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -31,22 +29,21 @@ using namespace vocab;
 // path (assembly check, failure line); one the mediator reports off already
 // is left alone, so a run only writes what changes.
 
-void PipelineConfigurator::configUnusedComponents(PipelineRun& run) {
-    const int ch = run.channel;
+void configUnusedComponents(const ChannelSnapshot& s, PipelineOutput& out) {
+    const int ch = s.channel;
     std::vector<std::string> candidates = {
         med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch], med::ZIXI_FEEDER_2[ch],
-        med::SRT_SENDER[ch],          med::SRT_SENDER_2[ch],      med::RTSP_SERVER[ch], run.comp("Rtmp Server "),
-        run.comp("KlvoSDI Wrapper "), run.comp("KlvoSDI Filter ")};
+        med::SRT_SENDER[ch],          med::SRT_SENDER_2[ch],      med::RTSP_SERVER[ch], out.comp("Rtmp Server "),
+        out.comp("KlvoSDI Wrapper "), out.comp("KlvoSDI Filter ")};
     if (ch == 1)
         for (const char* c :
              {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay", "PCM Converter Str0 CH1 Low Delay"})
             candidates.push_back(c);
 
-    const std::string other = row::otherChannel(ch);
-    if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, other))
+    if (!s.otherSdiOutPreview)
         candidates.push_back("SDI_TRANSMITTER");
-    const std::string otherKlv = run.text(tbl::PROCESSING, prop::INGEST_KLV, other, value::KLV_NONE);
-    const std::string otherKlv2 = run.text(tbl::PROCESSING, prop::INGEST_KLV2, other, value::KLV_NONE);
+    const std::string& otherKlv = s.otherIngestKlv;
+    const std::string& otherKlv2 = s.otherIngestKlv2;
     const struct {
         const char* filter;
         const char* kind;
@@ -59,14 +56,9 @@ void PipelineConfigurator::configUnusedComponents(PipelineRun& run) {
         if (otherKlv != f.kind && otherKlv2 != f.kind)
             candidates.push_back(f.filter);
 
-    for (const std::string& component : candidates) {
-        if (run.enabled.count(component) != 0 || !run.present(component))
-            continue;
-        int on = 1;
-        if (isOk(ITarnevelClient::getTarnevelIntParam(&ctx.holder, component, "Enable", &on)) && on == 0)
-            continue;
-        run.put(component, "Enable", false);
-    }
+    for (const std::string& component : candidates)
+        if (out.enabled.count(component) == 0 && out.present(component))
+            out.turnOff(component);
     // The KLV branch of a playing channel whose ingest changed.
-    run.result |= side.klvFollowSettings(run.rowId);
+    out.followKlv();
 }

@@ -227,6 +227,9 @@ constexpr const char* PROFILE_ULL = "Ultra Low Latency - LAN";
 // Rate control
 constexpr const char* CBR = "CBR";
 constexpr const char* CAPPED_VBR = "Capped VBR";
+constexpr const char* VBR = "VBR";
+// Frame rate ratio
+constexpr const char* HALF_OF_INPUT = "Half of Input";
 // KLV ingest
 constexpr const char* KLV_NONE = "None";
 constexpr const char* KLV_SERIAL = "Serial";
@@ -241,6 +244,8 @@ constexpr const char* SRC_HDMI = "HDMI";
 // Embedded audio sources
 constexpr const char* AUDIO_SDI_EMBEDDED = "SDI Embedded";
 constexpr const char* AUDIO_HDMI_EMBEDDED = "HDMI Embedded";
+// The analogue line input, the one audio source with a gain to set
+constexpr const char* AUDIO_UNBALANCED_ANALOG = "Unbalanced analog";
 // GOP structures the HEVC format rules test
 constexpr const char* GOP_I = "I";
 constexpr const char* GOP_IP = "IP";
