@@ -96,6 +96,8 @@ TEST(BitrateModel, CalcBitratesModelsTheTransportStream) {
          0, 0},
         {"RTMP: no overhead", {H, "RTMP", I, "CBR", 10, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false, 4000000,
          4000000, 0, 0},
+        {"RTMP total from the video counts the KLV", {H, "RTMP", I, "CBR", 0, 128000, AAC, K48, "IP", "SDI", true}, 0,
+         4000000, 25, false, 4307500, 4000000, 211500, 96000},
         {"RTP ES from the total", {H, "RTP ES", I, "CBR", 10, 128000, AAC, K48, "IP", N, true}, 5000000, 0, 25, false,
          5000000, 4724500, 211500, 64000},
         {"no target", {H, "", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false, 4000000, 4000000, 0, 0},
