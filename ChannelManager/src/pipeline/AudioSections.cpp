@@ -63,7 +63,7 @@ void configAudioInput(const ChannelSnapshot& s, PipelineOutput& out) {
             out.unknown("Audio Source", a.source + " " + a.track);
             continue;
         }
-        out.put(std::string(i == 0 ? "AUDIO_MUX_STR0_" : "AUDIO_MUX_STR1_") + s.suffix, "Input", input);
+        out.put(std::string(i == 0 ? "AUDIO_MUX_STR0_" : "AUDIO_MUX_STR1_") + s.suffix, med::PARAM_INPUT, input);
     }
 }
 
@@ -112,7 +112,7 @@ void configSdiOutput(const ChannelSnapshot& s, PipelineOutput& out) {
         return;
     const char* receiver = med::receiverOf(s.source);
     if (receiver)
-        out.put("VIDEO_MIXER_SDI_TX", "Input", receiver);
+        out.put("VIDEO_MIXER_SDI_TX", med::PARAM_INPUT, receiver);
     else
         out.unknown("source", s.source);
     bool anyAudio = false;
@@ -126,7 +126,7 @@ void configSdiOutput(const ChannelSnapshot& s, PipelineOutput& out) {
             if (input.empty())
                 out.unknown("Audio Source", s.audio[i].source + " " + s.audio[i].track);
             else
-                out.put(mux, "Input", input);
+                out.put(mux, med::PARAM_INPUT, input);
         }
         const std::string mode = on ? s.audio[i].channelMode : "";
         out.put(mux, side + " Left", !on || mode == "Mono Right");
@@ -151,7 +151,7 @@ void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
         // The normal capture stands aside only when the low-delay path carries
         // the stream: any other codec goes through the normal encoder, ULL or not.
         const bool lowDelayStream = lowDelay && i == 0 && a.encode && (a.format == "AAC-ELD" || a.format == "PCM");
-        out.put("Audio Capture " + str, "Enable", a.encode && !lowDelayStream);
+        out.put("Audio Capture " + str, med::PARAM_ENABLE, a.encode && !lowDelayStream);
         if (!a.encode)
             continue;
         if (lowDelayStream) {
@@ -159,13 +159,13 @@ void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
             out.enable("Audio Capture Str0 CH1 Low Delay");
             out.put("Audio Capture Buffer Str0 CH1", "Samples per Frame", eld ? 480 : 240);
             out.enable(eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
-            out.put("Audio Switch " + str, "Input",
+            out.put("Audio Switch " + str, med::PARAM_INPUT,
                     eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
             if (eld)
-                out.put("AAC Encoder Str0 CH1 Low Delay", "Bitrate", a.bitrate);
+                out.put("AAC Encoder Str0 CH1 Low Delay", med::PARAM_BITRATE, a.bitrate);
             continue;
         }
-        out.put("Audio Switch " + str, "Input", encoder);
+        out.put("Audio Switch " + str, med::PARAM_INPUT, encoder);
         if (s.channel == 0) {
             const char* codec = pipeline::lookup(pipeline::AUDIO_CODEC, a.format);
             if (!codec) {
@@ -179,7 +179,7 @@ void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
             out.put(encoder, "Object Type", object);
         else if (s.channel == 1)
             out.unknown("Audio Encoding Format", a.format);
-        out.put(encoder, "Bitrate", a.bitrate);
+        out.put(encoder, med::PARAM_BITRATE, a.bitrate);
         if (a.channelMode == "Mono Left" || a.channelMode == "Mono Right" || a.channelMode == "Stereo")
             out.put(encoder, "Channel Mode", a.channelMode);
         else

@@ -33,7 +33,7 @@ void configKlvIngest(const ChannelSnapshot& s, PipelineOutput& out) {
         const std::string& ingest = k == 0 ? s.ingestKlv : s.ingestKlv2;
         const std::string klvSwitch = (k == 0 ? "KLV Switch " : "KLV Switch_2 ") + s.suffix;
         if (ingest == value::KLV_NONE) {
-            out.put(klvSwitch, "Enable", false);
+            out.put(klvSwitch, med::PARAM_ENABLE, false);
             continue;
         }
         std::string filter;
@@ -61,8 +61,8 @@ void configKlvIngest(const ChannelSnapshot& s, PipelineOutput& out) {
         }
         if (filter.empty())
             continue;
-        out.put(klvSwitch, "Input", filter);
-        out.put(klvSwitch, "Enable", true);
+        out.put(klvSwitch, med::PARAM_INPUT, filter);
+        out.put(klvSwitch, med::PARAM_ENABLE, true);
         const bool cropped = s.channel == 0 && s.cropEnable;
         out.enable(filter);
         out.put(filter, "Parsing", cropped ? "UAS LDS" : "Simple");
@@ -80,7 +80,7 @@ void configKlvOverSdi(const ChannelSnapshot& s, PipelineOutput& out) {
     };
     const bool sdi = fromSdi(s.ingestKlv) || fromSdi(s.ingestKlv2);
     out.klvSdiSource(sdi);
-    out.put(out.comp("KlvoSDI Drop "), "Enable", !sdi);
+    out.put(out.comp("KlvoSDI Drop "), med::PARAM_ENABLE, !sdi);
 }
 
 // Section 24. Without "Encryption", and for the SRT modes that the SRT

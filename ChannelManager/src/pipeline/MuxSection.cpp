@@ -61,7 +61,7 @@ void configMultiplexer(const ChannelSnapshot& s, PipelineOutput& out) {
     out.put(mux, "Margin overhead percent", out.bitrates.overheadPercent);
     const char* mode = pipeline::lookup(pipeline::MUX_RATE_CONTROL, s.rateControl);
     if (mode) {
-        out.put(mux, "Rate Control Mode", mode);
+        out.put(mux, med::PARAM_RATE_CONTROL_MODE, mode);
         out.put(mux, "Round Muxrate", std::string(mode) == value::CBR);
     } else {
         out.unknown("Rate Control", s.rateControl);

@@ -41,7 +41,7 @@ void configVideoInput(const ChannelSnapshot& s, PipelineOutput& out) {
         out.unknown("source", s.source);
         return;
     }
-    out.put(out.comp("VIDEO_MIXER_"), "Input", receiver);
+    out.put(out.comp(med::VIDEO_MIXER), med::PARAM_INPUT, receiver);
 }
 
 // Section 9. Without a signal the genlock keeps its default.
@@ -68,7 +68,7 @@ void configVideoProcessing(const ChannelSnapshot& s, PipelineOutput& out) {
         out.put("VIDEO_FILTER_CH0", "Strength", strength);
     } else {
         const bool ull = s.ultraLowLatency();
-        out.put("FB_MUX_CH1", "Input", ull ? "LOW_LATENCY_VIDEO_BUFFER_CH1" : "FRAMEBUFFER_CH1");
+        out.put("FB_MUX_CH1", med::PARAM_INPUT, ull ? "LOW_LATENCY_VIDEO_BUFFER_CH1" : "FRAMEBUFFER_CH1");
         out.put("SYNCGEN_CH1", "External Sync", ull);
         out.put(encoder, "Enable Filter", filter);
         out.put(encoder, "Filter Force", strength);
@@ -98,5 +98,5 @@ void configCrop(const ChannelSnapshot& s, PipelineOutput& out) {
 
 // Section 21.
 void configVideoSwitch(const ChannelSnapshot& s, PipelineOutput& out) {
-    out.put(out.comp("Video Switch "), "Enable", s.encodeVideo);
+    out.put(out.comp("Video Switch "), med::PARAM_ENABLE, s.encodeVideo);
 }
