@@ -63,7 +63,7 @@ void configAudioInput(const ChannelSnapshot& s, PipelineOutput& out) {
             out.unknown("Audio Source", a.source + " " + a.track);
             continue;
         }
-        out.put(std::string(i == 0 ? "AUDIO_MUX_STR0_" : "AUDIO_MUX_STR1_") + s.suffix, med::PARAM_INPUT, input);
+        out.put(std::string(i == 0 ? med::AUDIO_MUX_STR0 : med::AUDIO_MUX_STR1) + s.suffix, med::PARAM_INPUT, input);
     }
 }
 
@@ -78,7 +78,7 @@ void configAudioSampleRate(const ChannelSnapshot& s, PipelineOutput& out) {
             out.unknown("Audio Sampling", a.sampling);
             continue;
         }
-        out.put("Audio Capture " + stream(i) + " " + s.suffix, "Audio Sample Rate", rate);
+        out.put(med::AUDIO_CAPTURE + stream(i) + " " + s.suffix, med::PARAM_AUDIO_SAMPLE_RATE, rate);
     }
 }
 
@@ -88,18 +88,18 @@ void configAudioSampleRate(const ChannelSnapshot& s, PipelineOutput& out) {
 // leaves the side it does not carry disabled.
 void configTestPatterns(const ChannelSnapshot& s, PipelineOutput& out) {
     const bool bars = s.forceColorBar;
-    out.put(out.comp("VFW_"), "State", bars ? "Enable" : "Automatic");
-    out.put(out.comp("VFW_"), "Type", "Color Bar");
+    out.put(out.comp(med::VFW), med::PARAM_STATE, bars ? "Enable" : "Automatic");
+    out.put(out.comp(med::VFW), med::PARAM_TYPE, "Color Bar");
     for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
         const ChannelSnapshot::Audio& a = s.audio[i];
         if (!a.encode)
             continue;
-        const std::string afw = (i == 0 ? "AFW_" : "AFW_STR1_") + s.suffix;
+        const std::string afw = (i == 0 ? med::AFW : med::AFW_STR1) + s.suffix;
         const char* on = bars ? "Enable" : "Automatic";
-        out.put(afw, "Left Enable", a.channelMode == "Mono Right" ? "Disable" : on);
-        out.put(afw, "Right Enable", a.channelMode == "Mono Left" ? "Disable" : on);
-        out.put(afw, "Left Mode", bars ? "Sinus" : "Silence");
-        out.put(afw, "Right Mode", bars ? "Sinus" : "Silence");
+        out.put(afw, med::PARAM_LEFT_ENABLE, a.channelMode == "Mono Right" ? "Disable" : on);
+        out.put(afw, med::PARAM_RIGHT_ENABLE, a.channelMode == "Mono Left" ? "Disable" : on);
+        out.put(afw, med::PARAM_LEFT_MODE, bars ? "Sinus" : "Silence");
+        out.put(afw, med::PARAM_RIGHT_MODE, bars ? "Sinus" : "Silence");
     }
 }
 
@@ -112,13 +112,13 @@ void configSdiOutput(const ChannelSnapshot& s, PipelineOutput& out) {
         return;
     const char* receiver = med::receiverOf(s.source);
     if (receiver)
-        out.put("VIDEO_MIXER_SDI_TX", med::PARAM_INPUT, receiver);
+        out.put(med::VIDEO_MIXER_SDI_TX, med::PARAM_INPUT, receiver);
     else
         out.unknown("source", s.source);
     bool anyAudio = false;
     for (size_t i = 0; i < 2; ++i) {
-        const std::string mux = "SDI_TX_AUDIO_MUX_" + std::to_string(i);
-        const std::string side = "Mute Channel " + std::to_string(i);
+        const std::string mux = med::SDI_TX_AUDIO_MUX + std::to_string(i);
+        const std::string side = med::PARAM_MUTE_CHANNEL + std::to_string(i);
         const bool on = i < s.audio.size() && s.audio[i].enabled;
         if (on) {
             anyAudio = true;
@@ -129,13 +129,13 @@ void configSdiOutput(const ChannelSnapshot& s, PipelineOutput& out) {
                 out.put(mux, med::PARAM_INPUT, input);
         }
         const std::string mode = on ? s.audio[i].channelMode : "";
-        out.put(mux, side + " Left", !on || mode == "Mono Right");
-        out.put(mux, side + " Right", !on || mode == "Mono Left");
+        out.put(mux, side + med::PARAM_MUTE_LEFT, !on || mode == "Mono Right");
+        out.put(mux, side + med::PARAM_MUTE_RIGHT, !on || mode == "Mono Left");
     }
-    out.put("SDI_TRANSMITTER", "Video Source", "VIDEO_MIXER_SDI_TX");
-    out.put("SDI_TRANSMITTER", "Frame Buffer", s.source != value::SRC_HD_SDI);
-    out.put("SDI_TRANSMITTER", "Audio Embedder", anyAudio);
-    out.enable("SDI_TRANSMITTER");
+    out.put(med::SDI_TRANSMITTER, med::PARAM_VIDEO_SOURCE, med::VIDEO_MIXER_SDI_TX);
+    out.put(med::SDI_TRANSMITTER, med::PARAM_FRAME_BUFFER, s.source != value::SRC_HD_SDI);
+    out.put(med::SDI_TRANSMITTER, med::PARAM_AUDIO_EMBEDDER, anyAudio);
+    out.enable(med::SDI_TRANSMITTER);
 }
 
 // Sections 19 (HEVC) and 20 (H.264). On HEVC with "Ultra Low Latency - LAN",
@@ -147,41 +147,41 @@ void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
     for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
         const ChannelSnapshot::Audio& a = s.audio[i];
         const std::string str = stream(i) + " " + s.suffix;
-        const std::string encoder = "Audio Encoder " + str;
+        const std::string encoder = med::AUDIO_ENCODER + str;
         // The normal capture stands aside only when the low-delay path carries
         // the stream: any other codec goes through the normal encoder, ULL or not.
         const bool lowDelayStream = lowDelay && i == 0 && a.encode && (a.format == "AAC-ELD" || a.format == "PCM");
-        out.put("Audio Capture " + str, med::PARAM_ENABLE, a.encode && !lowDelayStream);
+        out.put(med::AUDIO_CAPTURE + str, med::PARAM_ENABLE, a.encode && !lowDelayStream);
         if (!a.encode)
             continue;
         if (lowDelayStream) {
             const bool eld = a.format == "AAC-ELD";
-            out.enable("Audio Capture Str0 CH1 Low Delay");
-            out.put("Audio Capture Buffer Str0 CH1", "Samples per Frame", eld ? 480 : 240);
-            out.enable(eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
-            out.put("Audio Switch " + str, med::PARAM_INPUT,
-                    eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
+            out.enable(med::AUDIO_CAPTURE_STR0_CH1_LOW_DELAY);
+            out.put(med::AUDIO_CAPTURE_BUFFER_STR0_CH1, med::PARAM_SAMPLES_PER_FRAME, eld ? 480 : 240);
+            out.enable(eld ? med::AAC_ENCODER_STR0_CH1_LOW_DELAY : med::PCM_CONVERTER_STR0_CH1_LOW_DELAY);
+            out.put(med::AUDIO_SWITCH + str, med::PARAM_INPUT,
+                    eld ? med::AAC_ENCODER_STR0_CH1_LOW_DELAY : med::PCM_CONVERTER_STR0_CH1_LOW_DELAY);
             if (eld)
-                out.put("AAC Encoder Str0 CH1 Low Delay", med::PARAM_BITRATE, a.bitrate);
+                out.put(med::AAC_ENCODER_STR0_CH1_LOW_DELAY, med::PARAM_BITRATE, a.bitrate);
             continue;
         }
-        out.put("Audio Switch " + str, med::PARAM_INPUT, encoder);
+        out.put(med::AUDIO_SWITCH + str, med::PARAM_INPUT, encoder);
         if (s.channel == 0) {
             const char* codec = pipeline::lookup(pipeline::AUDIO_CODEC, a.format);
             if (!codec) {
                 out.unknown("Audio Encoding Format", a.format);
                 continue;
             }
-            out.put(encoder, "Audio Codec", codec);
+            out.put(encoder, med::PARAM_AUDIO_CODEC, codec);
         }
         const char* object = pipeline::lookup(pipeline::AUDIO_OBJECT_TYPE, a.format);
         if (object)
-            out.put(encoder, "Object Type", object);
+            out.put(encoder, med::PARAM_OBJECT_TYPE, object);
         else if (s.channel == 1)
             out.unknown("Audio Encoding Format", a.format);
         out.put(encoder, med::PARAM_BITRATE, a.bitrate);
         if (a.channelMode == "Mono Left" || a.channelMode == "Mono Right" || a.channelMode == "Stereo")
-            out.put(encoder, "Channel Mode", a.channelMode);
+            out.put(encoder, med::PARAM_CHANNEL_MODE, a.channelMode);
         else
             out.unknown("Channel Mode", a.channelMode);
     }

@@ -38,10 +38,10 @@ void configEncodingResolution(const ChannelSnapshot& s, PipelineOutput& out) {
     if (parsed < 3 || (scan != 'p' && scan != 'i')) {
         out.unknown("Encoding Format", s.encodingFormat);
     } else {
-        out.put(encoder, "Encoding Resolution", "Custom");
-        out.put(encoder, "Encoding Width", w);
-        out.put(encoder, "Encoding Height", h);
-        out.put(encoder, "Interlaced/Progressive", scan == 'i' ? "Interlaced" : "Progressive");
+        out.put(encoder, med::PARAM_ENCODING_RESOLUTION, "Custom");
+        out.put(encoder, med::PARAM_ENCODING_WIDTH, w);
+        out.put(encoder, med::PARAM_ENCODING_HEIGHT, h);
+        out.put(encoder, med::PARAM_INTERLACED_PROGRESSIVE, scan == 'i' ? "Interlaced" : "Progressive");
         out.put(encoder, prop::FRAME_SAMPLING, s.frameSampling);
     }
     if (s.aspectRatio == "Same as Input") {
@@ -50,8 +50,8 @@ void configEncodingResolution(const ChannelSnapshot& s, PipelineOutput& out) {
         int x = 0, y = 0;
         std::sscanf(ratio, "%d:%d", &x, &y);
         out.put(encoder, prop::ASPECT_RATIO, "Custom");
-        out.put(encoder, "Aspect Ratio X", x);
-        out.put(encoder, "Aspect Ratio Y", y);
+        out.put(encoder, med::PARAM_ASPECT_RATIO_X, x);
+        out.put(encoder, med::PARAM_ASPECT_RATIO_Y, y);
     } else {
         // The appliance's own text, trailing blank included, kept letter for letter.
         out.unknown("Aspect Ratio or Aspect Ratio ", s.aspectRatio);
@@ -120,7 +120,7 @@ static void configCodingH264(const ChannelSnapshot& s, PipelineOutput& out) {
     else
         out.unknown("Video Codec Profile", s.videoCodecProfile);
     if (const char* entropy = pipeline::lookup(pipeline::ENTROPY_CODING, s.vlcMode))
-        out.put(encoder, "Entropy Coding", entropy);
+        out.put(encoder, med::PARAM_ENTROPY_CODING, entropy);
     else
         out.unknown("VLC Mode", s.vlcMode);
     if (const char* gop = pipeline::lookup(pipeline::H264_GOP, s.gopStructure))
@@ -132,12 +132,12 @@ static void configCodingH264(const ChannelSnapshot& s, PipelineOutput& out) {
         out.put(encoder, prop::PICTURE_CODING, coding);
     else
         out.unknown("Picture Coding", s.pictureCoding);
-    out.put(encoder, "SEI Picture Timing", s.timestamps);
-    out.put(encoder, "SEI User Data Unregistred", s.latencyMeasurement);
+    out.put(encoder, med::PARAM_SEI_PICTURE_TIMING, s.timestamps);
+    out.put(encoder, med::PARAM_SEI_USER_DATA_UNREGISTRED, s.latencyMeasurement);
     // Every IDR carries its parameter sets so a receiver can join at any GOP.
-    out.put(encoder, "SPS/PPS per IDR", true);
-    out.put(encoder, "SPS per Picture", s.spsPpsPerPicture);
-    out.put(encoder, "QP Mode", s.autoAdapt ? "Auto" : "Manual");
+    out.put(encoder, med::PARAM_SPS_PPS_PER_IDR, true);
+    out.put(encoder, med::PARAM_SPS_PER_PICTURE, s.spsPpsPerPicture);
+    out.put(encoder, med::PARAM_QP_MODE, s.autoAdapt ? "Auto" : "Manual");
     out.put(encoder, prop::QP_BASE, s.qpBase);
     out.put(encoder, prop::QP_RANGE_MIN, s.qpRangeMin);
     out.put(encoder, prop::QP_RANGE_MAX, s.qpMax);
@@ -150,8 +150,8 @@ static void configCodingHevc(const ChannelSnapshot& s, PipelineOutput& out) {
     const char* chroma = pipeline::lookup(pipeline::HEVC_CHROMA, s.videoCodecProfile);
     const char* depth = pipeline::lookup(pipeline::HEVC_BIT_DEPTH, s.videoCodecProfile);
     if (chroma && depth) {
-        out.put(encoder, "Chroma Format", chroma);
-        out.put(encoder, "Bit Depth", std::atoi(depth));
+        out.put(encoder, med::PARAM_CHROMA_FORMAT, chroma);
+        out.put(encoder, med::PARAM_BIT_DEPTH, std::atoi(depth));
     } else {
         out.unknown("Video Codec Profile", s.videoCodecProfile);
     }
@@ -159,7 +159,7 @@ static void configCodingHevc(const ChannelSnapshot& s, PipelineOutput& out) {
         DBG(DBG_INFO) << "configChannel: rowId=" << s.rowId << " gopStruct=" << s.gopStructure
                       << " gopSize=" << s.gopSize;
         out.put(encoder, prop::GOP_STRUCTURE, s.gopStructure);
-        out.put(encoder, "Sub-GOP Size", std::atoi(sub));
+        out.put(encoder, med::PARAM_SUB_GOP_SIZE, std::atoi(sub));
     } else {
         out.unknown("GOP Structure", s.gopStructure);
     }
@@ -169,7 +169,7 @@ static void configCodingHevc(const ChannelSnapshot& s, PipelineOutput& out) {
         out.put(encoder, prop::ERROR_RESILIENCE, resilience);
     else
         out.unknown("Error Resilience", s.errorResilience);
-    out.put(encoder, "SEI Timecode", s.timestamps);
+    out.put(encoder, med::PARAM_SEI_TIMECODE, s.timestamps);
 }
 
 // Section 17. The timestamp generator of the channel inserts the MISB
@@ -182,5 +182,5 @@ void configGopAndCoding(const ChannelSnapshot& s, PipelineOutput& out) {
         configCodingH264(s, out);
     else
         configCodingHevc(s, out);
-    out.put("TIMESTAMP_GENERATOR_" + std::to_string(s.channel), "MISB Timestamps", s.timestamps);
+    out.put(med::TIMESTAMP_GENERATOR + std::to_string(s.channel), med::PARAM_MISB_TIMESTAMPS, s.timestamps);
 }

@@ -31,7 +31,7 @@ int cropFactor(const ChannelSnapshot& s, int cropped, int input) {
 void configKlvIngest(const ChannelSnapshot& s, PipelineOutput& out) {
     for (int k = 0; k < 2; ++k) {
         const std::string& ingest = k == 0 ? s.ingestKlv : s.ingestKlv2;
-        const std::string klvSwitch = (k == 0 ? "KLV Switch " : "KLV Switch_2 ") + s.suffix;
+        const std::string klvSwitch = (k == 0 ? med::KLV_SWITCH : med::KLV_SWITCH_2) + s.suffix;
         if (ingest == value::KLV_NONE) {
             out.put(klvSwitch, med::PARAM_ENABLE, false);
             continue;
@@ -45,10 +45,10 @@ void configKlvIngest(const ChannelSnapshot& s, PipelineOutput& out) {
             else
                 out.unknown("Input Data Format", format);
         } else if (ingest == value::KLV_SDI_SYNC) {
-            filter = out.comp("KlvoSDI Filter ");
-            out.enable(out.comp("KlvoSDI Wrapper "));
+            filter = out.comp(med::KLVOSDI_FILTER);
+            out.enable(out.comp(med::KLVOSDI_WRAPPER));
         } else if (ingest == value::KLV_SDI) {
-            filter = "KlvoSDI Filter Async";
+            filter = med::KLVOSDI_FILTER_ASYNC;
         } else if (ingest == value::KLV_IP) {
             const std::string& encapsulation = s.klvIpEncapsulation;
             const char* found = pipeline::lookup(pipeline::KLV_IP_FILTER, encapsulation);
@@ -65,10 +65,10 @@ void configKlvIngest(const ChannelSnapshot& s, PipelineOutput& out) {
         out.put(klvSwitch, med::PARAM_ENABLE, true);
         const bool cropped = s.channel == 0 && s.cropEnable;
         out.enable(filter);
-        out.put(filter, "Parsing", cropped ? "UAS LDS" : "Simple");
-        out.put(filter, "Update LDS Keys", cropped);
-        out.put(filter, "H Crop Factor (x1000)", cropFactor(s, s.cropWidth, s.inputWidth));
-        out.put(filter, "V Crop Factor (x1000)", cropFactor(s, s.cropHeight, s.inputHeight));
+        out.put(filter, med::PARAM_PARSING, cropped ? "UAS LDS" : "Simple");
+        out.put(filter, med::PARAM_UPDATE_LDS_KEYS, cropped);
+        out.put(filter, med::PARAM_H_CROP_FACTOR_X1000, cropFactor(s, s.cropWidth, s.inputWidth));
+        out.put(filter, med::PARAM_V_CROP_FACTOR_X1000, cropFactor(s, s.cropHeight, s.inputHeight));
     }
 }
 
@@ -80,16 +80,16 @@ void configKlvOverSdi(const ChannelSnapshot& s, PipelineOutput& out) {
     };
     const bool sdi = fromSdi(s.ingestKlv) || fromSdi(s.ingestKlv2);
     out.klvSdiSource(sdi);
-    out.put(out.comp("KlvoSDI Drop "), med::PARAM_ENABLE, !sdi);
+    out.put(out.comp(med::KLVOSDI_DROP), med::PARAM_ENABLE, !sdi);
 }
 
 // Section 24. Without "Encryption", and for the SRT modes that the SRT
 // sender applies itself, the stream passes through unencrypted here.
 void configEncryption(const ChannelSnapshot& s, PipelineOutput& out) {
-    const std::string aes = out.comp("AES Encrypt ");
+    const std::string aes = out.comp(med::AES_ENCRYPT);
     const bool srtMode = s.aesMode == "128-bit (SRT)" || s.aesMode == "256-bit (SRT)";
     if (!s.encryption || srtMode) {
-        out.put(aes, "Encryption Mode", "Pass Through");
+        out.put(aes, med::PARAM_ENCRYPTION_MODE, "Pass Through");
         return;
     }
     const char* cipher = pipeline::lookup(pipeline::AES_CIPHER, s.aesMode);
@@ -97,7 +97,7 @@ void configEncryption(const ChannelSnapshot& s, PipelineOutput& out) {
         out.unknown("AES Mode", s.aesMode);
         return;
     }
-    out.put(aes, "Encryption Mode", "Software");
-    out.put(aes, "Encryption Cipher", cipher);
+    out.put(aes, med::PARAM_ENCRYPTION_MODE, "Software");
+    out.put(aes, med::PARAM_ENCRYPTION_CIPHER, cipher);
     out.put(aes, prop::AES_KEY, s.aesKey);
 }

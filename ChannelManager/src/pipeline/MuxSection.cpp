@@ -46,23 +46,23 @@ void configMultiplexer(const ChannelSnapshot& s, PipelineOutput& out) {
     select(s.audioEncoded(1), s.audioEncoded(1) ? s.audio[1].pid : 0);
     select(klv1, s.klvPid);
     select(klv2, s.klv2Pid);
-    out.put(mux, "Selected PIDs", pids);
+    out.put(mux, med::PARAM_SELECTED_PIDS, pids);
     out.put(mux, prop::VIDEO_PID, s.videoPid);
     if (s.audioEncoded(0))
         out.put(mux, prop::AUDIO_PID, s.audio[0].pid);
     if (s.audioEncoded(1))
-        out.put(mux, "Audio2 PID", s.audio[1].pid);
+        out.put(mux, med::PARAM_AUDIO2_PID, s.audio[1].pid);
     out.put(mux, prop::PCR_PID, s.pcrPid);
     out.put(mux, prop::PMT_PID, s.pmtPid);
     if (klv1)
         out.put(mux, prop::KLV_PID, s.klvPid);
     if (klv2)
         out.put(mux, prop::KLV2_PID, s.klv2Pid);
-    out.put(mux, "Margin overhead percent", out.bitrates.overheadPercent);
+    out.put(mux, med::PARAM_MARGIN_OVERHEAD_PERCENT, out.bitrates.overheadPercent);
     const char* mode = pipeline::lookup(pipeline::MUX_RATE_CONTROL, s.rateControl);
     if (mode) {
         out.put(mux, med::PARAM_RATE_CONTROL_MODE, mode);
-        out.put(mux, "Round Muxrate", std::string(mode) == value::CBR);
+        out.put(mux, med::PARAM_ROUND_MUXRATE, std::string(mode) == value::CBR);
     } else {
         out.unknown("Rate Control", s.rateControl);
     }
@@ -70,8 +70,8 @@ void configMultiplexer(const ChannelSnapshot& s, PipelineOutput& out) {
     for (const ChannelSnapshot::Target& t : s.targets)
         if (t.enabled && packetSize == 0)
             packetSize = t.packetSize;
-    out.put(mux, "Output Granularity", pipeline::outputGranularity(packetSize, s.ultraLowLatency()));
+    out.put(mux, med::PARAM_OUTPUT_GRANULARITY, pipeline::outputGranularity(packetSize, s.ultraLowLatency()));
     out.put(mux, prop::INITIAL_DELAY, s.initialDelay);
     out.put(mux, prop::MAX_DELAY, s.maximumDelay);
-    out.put(mux, "Delay Mode", s.ultraLowLatency() ? "No Wait" : "Normal");
+    out.put(mux, med::PARAM_DELAY_MODE, s.ultraLowLatency() ? "No Wait" : "Normal");
 }

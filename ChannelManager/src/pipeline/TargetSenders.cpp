@@ -85,44 +85,44 @@ static void configUdpSender(const ChannelSnapshot& s, PipelineOutput& out, size_
     const ChannelSnapshot::Target& t = s.targets[target];
     const std::string snd = (target == 0 ? med::UDP_SENDER : med::UDP_SENDER_2)[s.channel];
     out.enable(snd);
-    out.put(snd, "Stream Format", pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol));
+    out.put(snd, med::PARAM_STREAM_FORMAT, pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol));
     const std::string fecMode = t.fecMode;
     const int columns = t.fecColumns;
     const int rows = t.fecRows;
     if (t.protocol == value::PRO_MPEG) {
         if (fecMode == "1-D" || fecMode == "2-D") {
-            out.put(snd, "FEC Mode", fecMode);
-            out.put(snd, "FEC D", rows);
-            out.put(snd, "FEC L", columns);
-            out.put(snd, "UDP Port FEC A", t.fecPort1d);
+            out.put(snd, med::PARAM_FEC_MODE, fecMode);
+            out.put(snd, med::PARAM_FEC_D, rows);
+            out.put(snd, med::PARAM_FEC_L, columns);
+            out.put(snd, med::PARAM_UDP_PORT_FEC_A, t.fecPort1d);
             if (fecMode == "2-D")
-                out.put(snd, "UDP Port FEC B", t.fecPort2d);
+                out.put(snd, med::PARAM_UDP_PORT_FEC_B, t.fecPort2d);
         } else {
             out.unknown("FEC Mode", fecMode);
         }
     }
-    out.put(snd, "IP Address", t.address);
-    out.put(snd, "UDP Port", t.port);
-    out.put(snd, "Max Payload Size", t.packetSize);
+    out.put(snd, med::PARAM_IP_ADDRESS, t.address);
+    out.put(snd, med::PARAM_UDP_PORT, t.port);
+    out.put(snd, med::PARAM_MAX_PAYLOAD_SIZE, t.packetSize);
     out.put(snd, prop::TTL, t.ttl);
-    out.put(snd, "Refresh Interfaces", true);
+    out.put(snd, med::PARAM_REFRESH_INTERFACES, true);
     if (const char* itf = pipeline::lookup(pipeline::MULTICAST_INTERFACE, t.interface))
-        out.put(snd, "Multicast Interface", itf);
+        out.put(snd, med::PARAM_MULTICAST_INTERFACE, itf);
     else
         out.unknown("Network Interface", t.interface);
     const char* shaping = pipeline::lookup(pipeline::TRAFFIC_SHAPING, t.shaping);
     if (!shaping) {
         out.unknown("Traffic Shaping", t.shaping);
     } else {
-        out.put(snd, "Traffic Shaping", shaping);
+        out.put(snd, med::PARAM_TRAFFIC_SHAPING, shaping);
         if (t.shaping != "None") {
-            out.put(snd, "Traffic Shaping HTB Max Bandwidth",
+            out.put(snd, med::PARAM_TRAFFIC_SHAPING_HTB_MAX_BANDWIDTH,
                     out.bitrates.max > out.bitrates.total ? out.bitrates.max : out.bitrates.total);
-            out.put(snd, "Traffic Shaping Bitrate OverHead (HTB only)",
+            out.put(snd, med::PARAM_TRAFFIC_SHAPING_BITRATE_OVERHEAD_HTB_ONLY,
                     pipeline::htbOverheadPercent(t.protocol, t.packetSize, fecMode, columns, rows));
         }
     }
-    out.put(snd, "Sync processing", s.ultraLowLatency());
+    out.put(snd, med::PARAM_SYNC_PROCESSING, s.ultraLowLatency());
 }
 
 static void configRtspServer(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
@@ -131,12 +131,12 @@ static void configRtspServer(const ChannelSnapshot& s, PipelineOutput& out, size
     if (!makeDirectories(SDP_DIR))
         DBG(DBG_ERROR) << "configChannel: rowId=" << s.rowId << " Error: cannot create dir=" << SDP_DIR;
     out.enable(snd);
-    out.put(snd, "RTSP port", s.rtspPort);
+    out.put(snd, med::PARAM_RTSP_PORT, s.rtspPort);
     out.put(snd, med::PARAM_SDP_DIRECTORY, SDP_DIR);
-    out.put(snd, "Live URIs", pipeline::liveUris(s.audioEncoded(0), s.audioEncoded(1)));
-    out.put(snd, "RTP packet size", t.packetSize);
+    out.put(snd, med::PARAM_LIVE_URIS, pipeline::liveUris(s.audioEncoded(0), s.audioEncoded(1)));
+    out.put(snd, med::PARAM_RTP_PACKET_SIZE, t.packetSize);
     if (const char* itf = pipeline::lookup(pipeline::MULTICAST_INTERFACE, t.interface))
-        out.put(snd, "Multicast interface", itf);
+        out.put(snd, med::PARAM_RTSP_MULTICAST_INTERFACE, itf);
     else
         out.unknown("Network Interface", t.interface);
 }
@@ -150,41 +150,41 @@ static void configZixiFeeder(const ChannelSnapshot& s, PipelineOutput& out, size
                                 t.zixiMaxBitrate, low, high);
     const bool ull = s.ultraLowLatency();
     out.enable(snd);
-    out.put(snd, "Broadcaster IP", t.address);
-    out.put(snd, "Broadcaster Port", t.port);
-    out.put(snd, "Max Packet Size", t.packetSize);
+    out.put(snd, med::PARAM_BROADCASTER_IP, t.address);
+    out.put(snd, med::PARAM_BROADCASTER_PORT, t.port);
+    out.put(snd, med::PARAM_MAX_PACKET_SIZE, t.packetSize);
     out.put(snd, prop::STREAM_ID, t.zixiStreamId);
-    out.put(snd, "Session or Pwd", t.zixiPassword);
+    out.put(snd, med::PARAM_SESSION_OR_PWD, t.zixiPassword);
     out.put(snd, prop::LATENCY, t.zixiLatency);
-    out.put(snd, "FEC overhead (percent)", kZixiFecPercent);
-    out.put(snd, "FEC block ms", ull ? 20 : 100);
-    out.put(snd, "Max Delay Packets", ull ? 10 : 100);
-    out.put(snd, "Max Data Rate",
+    out.put(snd, med::PARAM_FEC_OVERHEAD_PERCENT, kZixiFecPercent);
+    out.put(snd, med::PARAM_FEC_BLOCK_MS, ull ? 20 : 100);
+    out.put(snd, med::PARAM_MAX_DELAY_PACKETS, ull ? 10 : 100);
+    out.put(snd, med::PARAM_MAX_DATA_RATE,
             dynamic ? high : (out.bitrates.max > out.bitrates.total ? out.bitrates.max : out.bitrates.total));
-    out.put(snd, "Adjustable bitrate", dynamic);
-    out.put(snd, "Adjustable bitrate min", low);
-    out.put(snd, "Adjustable bitrate max", high);
-    out.put(snd, "Adaptive Mode", dynamic ? "Fec" : "None");
+    out.put(snd, med::PARAM_ADJUSTABLE_BITRATE, dynamic);
+    out.put(snd, med::PARAM_ADJUSTABLE_BITRATE_MIN, low);
+    out.put(snd, med::PARAM_ADJUSTABLE_BITRATE_MAX, high);
+    out.put(snd, med::PARAM_ADAPTIVE_MODE, dynamic ? "Fec" : "None");
     out.put(snd, prop::ENABLE_FAILOVER, t.zixiFailover);
-    out.put(snd, "Failover Broadcaster IP", t.zixiFailoverAddress);
-    out.put(snd, "Failover Broadcaster Port", t.zixiFailoverPort);
+    out.put(snd, med::PARAM_FAILOVER_BROADCASTER_IP, t.zixiFailoverAddress);
+    out.put(snd, med::PARAM_FAILOVER_BROADCASTER_PORT, t.zixiFailoverPort);
 }
 
 static void configSrtSender(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
     const ChannelSnapshot::Target& t = s.targets[target];
     const std::string snd = (target == 0 ? med::SRT_SENDER : med::SRT_SENDER_2)[s.channel];
     out.enable(snd);
-    out.put(snd, "Network interface", "Any (Use route table)");
+    out.put(snd, med::PARAM_NETWORK_INTERFACE, "Any (Use route table)");
     const std::string mode = t.srtMode;
     if (const char* receiver = pipeline::lookup(pipeline::SRT_RECEIVER_MODE, mode))
-        out.put(snd, "Receiver Mode", receiver);
+        out.put(snd, med::PARAM_RECEIVER_MODE, receiver);
     else
         out.unknown("SRT Mode", mode);
-    out.put(snd, "Server IP", t.address);
-    out.put(snd, "Port", t.port);
-    out.put(snd, "Latency (ms)", t.srtLatency);
+    out.put(snd, med::PARAM_SERVER_IP, t.address);
+    out.put(snd, med::PARAM_PORT, t.port);
+    out.put(snd, med::PARAM_LATENCY_MS, t.srtLatency);
     out.put(snd, prop::TTL, t.ttl);
-    out.put(snd, "Max Payload Size", t.packetSize);
+    out.put(snd, med::PARAM_MAX_PAYLOAD_SIZE, t.packetSize);
     const bool channelAes = s.encryption && (s.aesMode == "128-bit (SRT)" || s.aesMode == "256-bit (SRT)");
     const std::string aesMode = channelAes ? s.aesMode : t.srtAesMode;
     const std::string aesKey = channelAes ? s.aesKey : t.srtAesKey;
@@ -192,22 +192,22 @@ static void configSrtSender(const ChannelSnapshot& s, PipelineOutput& out, size_
     if (!aes) {
         out.unknown("AES Mode", aesMode);
     } else {
-        out.put(snd, "AES Mode", aes);
+        out.put(snd, med::PARAM_AES_MODE, aes);
         if (aesMode != "Disabled")
             out.put(snd, prop::AES_KEY, aesKey);
     }
     out.put(snd, prop::STREAM_ID, t.srtStreamId);
-    out.put(snd, "Packet Filter", pipeline::srtPacketFilter(t.srtFec, t.srtColumns, t.srtRows));
+    out.put(snd, med::PARAM_PACKET_FILTER, pipeline::srtPacketFilter(t.srtFec, t.srtColumns, t.srtRows));
 }
 
 // Only channel 0's assembly has an RTMP server; on a build without one the
 // writes are skipped by the assembly check.
 static void configRtmpServer(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
     const ChannelSnapshot::Target& t = s.targets[target];
-    const std::string snd = out.comp("Rtmp Server ");
+    const std::string snd = out.comp(med::RTMP_SERVER);
     out.enable(snd);
     out.put(snd, prop::RTMP_SERVER_URL, t.rtmpUrl);
-    out.put(snd, "Name of published stream", t.rtmpStreamName);
+    out.put(snd, med::PARAM_NAME_OF_PUBLISHED_STREAM, t.rtmpStreamName);
     out.put(snd, prop::USERNAME, t.rtmpUsername);
     out.put(snd, prop::PASSWORD, t.rtmpPassword);
 }

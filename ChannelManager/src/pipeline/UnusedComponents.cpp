@@ -32,26 +32,27 @@ using namespace vocab;
 void configUnusedComponents(const ChannelSnapshot& s, PipelineOutput& out) {
     const int ch = s.channel;
     std::vector<std::string> candidates = {
-        med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch], med::ZIXI_FEEDER_2[ch],
-        med::SRT_SENDER[ch],          med::SRT_SENDER_2[ch],      med::RTSP_SERVER[ch], out.comp("Rtmp Server "),
-        out.comp("KlvoSDI Wrapper "), out.comp("KlvoSDI Filter ")};
+        med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch],
+        med::ZIXI_FEEDER_2[ch],       med::SRT_SENDER[ch],        med::SRT_SENDER_2[ch],
+        med::RTSP_SERVER[ch],         out.comp(med::RTMP_SERVER), out.comp(med::KLVOSDI_WRAPPER),
+        out.comp(med::KLVOSDI_FILTER)};
     if (ch == 1)
-        for (const char* c :
-             {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay", "PCM Converter Str0 CH1 Low Delay"})
+        for (const char* c : {med::AUDIO_CAPTURE_STR0_CH1_LOW_DELAY, med::AAC_ENCODER_STR0_CH1_LOW_DELAY,
+                              med::PCM_CONVERTER_STR0_CH1_LOW_DELAY})
             candidates.push_back(c);
 
     if (!s.otherSdiOutPreview)
-        candidates.push_back("SDI_TRANSMITTER");
+        candidates.push_back(med::SDI_TRANSMITTER);
     const std::string& otherKlv = s.otherIngestKlv;
     const std::string& otherKlv2 = s.otherIngestKlv2;
     const struct {
         const char* filter;
         const char* kind;
-    } sharedFilters[] = {{"KLVoSerial Filter", value::KLV_SERIAL},
-                         {"RAW KLV RS232 Filter", value::KLV_SERIAL},
-                         {"KlvoSDI Filter Async", value::KLV_SDI},
-                         {"TS KLV Filter", value::KLV_IP},
-                         {"RAW KLV Filter", value::KLV_IP}};
+    } sharedFilters[] = {{med::KLVOSERIAL_FILTER, value::KLV_SERIAL},
+                         {med::RAW_KLV_RS232_FILTER, value::KLV_SERIAL},
+                         {med::KLVOSDI_FILTER_ASYNC, value::KLV_SDI},
+                         {med::TS_KLV_FILTER, value::KLV_IP},
+                         {med::RAW_KLV_FILTER, value::KLV_IP}};
     for (const auto& f : sharedFilters)
         if (otherKlv != f.kind && otherKlv2 != f.kind)
             candidates.push_back(f.filter);

@@ -53,7 +53,7 @@ void configGenlock(const ChannelSnapshot& s, PipelineOutput& out) {
         out.unknown("Encoding Format", s.encodingFormat);
         return;
     }
-    out.put(out.comp("GS4911B_"), "Default Video Format", genlock);
+    out.put(out.comp(med::GS4911B), med::PARAM_DEFAULT_VIDEO_FORMAT, genlock);
 }
 
 // Section 13. Closed captions travel in line 21 (CEA-608) of NTSC standard
@@ -64,14 +64,14 @@ void configVideoProcessing(const ChannelSnapshot& s, PipelineOutput& out) {
     const int strength = s.videoFilterStrength;
     const std::string encoder = med::VIDEO_ENCODER[s.channel];
     if (s.channel == 0) {
-        out.put("VIDEO_FILTER_CH0", "Bypass", !filter);
-        out.put("VIDEO_FILTER_CH0", "Strength", strength);
+        out.put(med::VIDEO_FILTER_CH0, med::PARAM_BYPASS, !filter);
+        out.put(med::VIDEO_FILTER_CH0, med::PARAM_STRENGTH, strength);
     } else {
         const bool ull = s.ultraLowLatency();
-        out.put("FB_MUX_CH1", med::PARAM_INPUT, ull ? "LOW_LATENCY_VIDEO_BUFFER_CH1" : "FRAMEBUFFER_CH1");
-        out.put("SYNCGEN_CH1", "External Sync", ull);
-        out.put(encoder, "Enable Filter", filter);
-        out.put(encoder, "Filter Force", strength);
+        out.put(med::FB_MUX_CH1, med::PARAM_INPUT, ull ? med::LOW_LATENCY_VIDEO_BUFFER_CH1 : med::FRAMEBUFFER_CH1);
+        out.put(med::SYNCGEN_CH1, med::PARAM_EXTERNAL_SYNC, ull);
+        out.put(encoder, med::PARAM_ENABLE_FILTER, filter);
+        out.put(encoder, med::PARAM_FILTER_FORCE, strength);
     }
     const bool ntscSd = s.inputDetected == "720x480i @ 29.97";
     std::string caption = "Off";
@@ -81,14 +81,14 @@ void configVideoProcessing(const ChannelSnapshot& s, PipelineOutput& out) {
         caption = ntscSd ? "CEA-608" : "CEA-708";
     if (s.channel == 1 && !s.closedCaption)
         caption = "Off";
-    out.put(encoder, "Closed Caption", caption);
+    out.put(encoder, med::PARAM_CLOSED_CAPTION, caption);
 }
 
 // Section 18: the capture crops channel 0 only.
 void configCrop(const ChannelSnapshot& s, PipelineOutput& out) {
     if (s.channel != 0)
         return;
-    const char* capture = "Video Full Capture CH0";
+    const char* capture = med::VIDEO_FULL_CAPTURE_CH0;
     out.put(capture, prop::CROP_ENABLE, s.cropEnable);
     out.put(capture, prop::CROP_X, s.cropX);
     out.put(capture, prop::CROP_Y, s.cropY);
@@ -98,5 +98,5 @@ void configCrop(const ChannelSnapshot& s, PipelineOutput& out) {
 
 // Section 21.
 void configVideoSwitch(const ChannelSnapshot& s, PipelineOutput& out) {
-    out.put(out.comp("Video Switch "), med::PARAM_ENABLE, s.encodeVideo);
+    out.put(out.comp(med::VIDEO_SWITCH), med::PARAM_ENABLE, s.encodeVideo);
 }
