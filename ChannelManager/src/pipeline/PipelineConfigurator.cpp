@@ -109,7 +109,7 @@ Fcodes PipelineConfigurator::configChannel(const std::string& rowId) {
 // comp=..." (with " assembly=" for an assembly-checked component) and the
 // rest goes on. An assembly-checked component that the assembly does not
 // hold is skipped: that build of the appliance has no such hardware.
-Fcodes PipelineConfigurator::apply(const PipelineOutput& out) {
+Fcodes PipelineConfigurator::apply(const PipelineOutput& out, bool writeFailures) {
     using Kind = PipelineOutput::Kind;
     using Type = PipelineOutput::Type;
     Fcodes result = FC_OK;
@@ -128,7 +128,8 @@ Fcodes PipelineConfigurator::apply(const PipelineOutput& out) {
                            << " param=" << a.parameter << " comp=" << a.component
                            << (checked ? " assembly=" + out.assembly : std::string()) << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(code);
-            result |= code;
+            if (writeFailures)
+                result |= code;
         }
     };
     for (const PipelineOutput::Action& a : out.actions()) {

@@ -37,12 +37,11 @@ public:
     datacom::Fcodes updateAutomaticParams(const std::string& rowId);
 
 private:
-    // Carries out an output's actions in order; the codes of the failures OR-ed.
-    datacom::Fcodes apply(const PipelineOutput& out);
+    // Carries out an output's actions in order; the codes of the failures
+    // OR-ed, those of refused mediator writes when `writeFailures`.
+    datacom::Fcodes apply(const PipelineOutput& out, bool writeFailures = true);
     // The mediator's assembly, with the error line of a failed read.
     datacom::Fcodes readAssembly(const char* operation, const std::string& rowId, std::string& assembly, bool& read);
-    void setEncoderOnTheFly(const std::string& rowId, const std::string& component, const std::string& parameter,
-                            int value);
     // The effective encoder and multiplexer values into the encoder settings.
     datacom::Fcodes writeBackEncoderSettings(const std::string& rowId);
 
