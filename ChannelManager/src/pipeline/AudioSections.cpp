@@ -88,16 +88,16 @@ void configAudioSampleRate(const ChannelSnapshot& s, PipelineOutput& out) {
 // leaves the side it does not carry disabled.
 void configTestPatterns(const ChannelSnapshot& s, PipelineOutput& out) {
     const bool bars = s.forceColorBar;
-    out.put(out.comp(med::VFW), med::PARAM_STATE, bars ? "Enable" : "Automatic");
+    out.put(out.comp(med::VFW), med::PARAM_STATE, bars ? med::STATE_ENABLE : med::STATE_AUTOMATIC);
     out.put(out.comp(med::VFW), med::PARAM_TYPE, "Color Bar");
     for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
         const ChannelSnapshot::Audio& a = s.audio[i];
         if (!a.encode)
             continue;
         const std::string afw = (i == 0 ? med::AFW : med::AFW_STR1) + s.suffix;
-        const char* on = bars ? "Enable" : "Automatic";
-        out.put(afw, med::PARAM_LEFT_ENABLE, a.channelMode == "Mono Right" ? "Disable" : on);
-        out.put(afw, med::PARAM_RIGHT_ENABLE, a.channelMode == "Mono Left" ? "Disable" : on);
+        const char* on = bars ? med::STATE_ENABLE : med::STATE_AUTOMATIC;
+        out.put(afw, med::PARAM_LEFT_ENABLE, a.channelMode == value::MONO_RIGHT ? med::STATE_DISABLE : on);
+        out.put(afw, med::PARAM_RIGHT_ENABLE, a.channelMode == value::MONO_LEFT ? med::STATE_DISABLE : on);
         out.put(afw, med::PARAM_LEFT_MODE, bars ? "Sinus" : "Silence");
         out.put(afw, med::PARAM_RIGHT_MODE, bars ? "Sinus" : "Silence");
     }
@@ -129,8 +129,8 @@ void configSdiOutput(const ChannelSnapshot& s, PipelineOutput& out) {
                 out.put(mux, med::PARAM_INPUT, input);
         }
         const std::string mode = on ? s.audio[i].channelMode : "";
-        out.put(mux, side + med::PARAM_MUTE_LEFT, !on || mode == "Mono Right");
-        out.put(mux, side + med::PARAM_MUTE_RIGHT, !on || mode == "Mono Left");
+        out.put(mux, side + med::PARAM_MUTE_LEFT, !on || mode == value::MONO_RIGHT);
+        out.put(mux, side + med::PARAM_MUTE_RIGHT, !on || mode == value::MONO_LEFT);
     }
     out.put(med::SDI_TRANSMITTER, med::PARAM_VIDEO_SOURCE, med::VIDEO_MIXER_SDI_TX);
     out.put(med::SDI_TRANSMITTER, med::PARAM_FRAME_BUFFER, s.source != value::SRC_HD_SDI);
@@ -150,12 +150,13 @@ void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
         const std::string encoder = med::AUDIO_ENCODER + str;
         // The normal capture stands aside only when the low-delay path carries
         // the stream: any other codec goes through the normal encoder, ULL or not.
-        const bool lowDelayStream = lowDelay && i == 0 && a.encode && (a.format == "AAC-ELD" || a.format == "PCM");
+        const bool lowDelayStream =
+            lowDelay && i == 0 && a.encode && (a.format == value::AUDIO_AAC_ELD || a.format == value::AUDIO_PCM);
         out.put(med::AUDIO_CAPTURE + str, med::PARAM_ENABLE, a.encode && !lowDelayStream);
         if (!a.encode)
             continue;
         if (lowDelayStream) {
-            const bool eld = a.format == "AAC-ELD";
+            const bool eld = a.format == value::AUDIO_AAC_ELD;
             out.enable(med::AUDIO_CAPTURE_STR0_CH1_LOW_DELAY);
             out.put(med::AUDIO_CAPTURE_BUFFER_STR0_CH1, med::PARAM_SAMPLES_PER_FRAME, eld ? 480 : 240);
             out.enable(eld ? med::AAC_ENCODER_STR0_CH1_LOW_DELAY : med::PCM_CONVERTER_STR0_CH1_LOW_DELAY);
@@ -180,7 +181,7 @@ void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
         else if (s.channel == 1)
             out.unknown("Audio Encoding Format", a.format);
         out.put(encoder, med::PARAM_BITRATE, a.bitrate);
-        if (a.channelMode == "Mono Left" || a.channelMode == "Mono Right" || a.channelMode == "Stereo")
+        if (a.channelMode == value::MONO_LEFT || a.channelMode == value::MONO_RIGHT || a.channelMode == value::STEREO)
             out.put(encoder, med::PARAM_CHANNEL_MODE, a.channelMode);
         else
             out.unknown("Channel Mode", a.channelMode);

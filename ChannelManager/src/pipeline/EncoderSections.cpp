@@ -38,7 +38,7 @@ void configEncodingResolution(const ChannelSnapshot& s, PipelineOutput& out) {
     if (parsed < 3 || (scan != 'p' && scan != 'i')) {
         out.unknown("Encoding Format", s.encodingFormat);
     } else {
-        out.put(encoder, med::PARAM_ENCODING_RESOLUTION, "Custom");
+        out.put(encoder, med::PARAM_ENCODING_RESOLUTION, med::CUSTOM);
         out.put(encoder, med::PARAM_ENCODING_WIDTH, w);
         out.put(encoder, med::PARAM_ENCODING_HEIGHT, h);
         out.put(encoder, med::PARAM_INTERLACED_PROGRESSIVE, scan == 'i' ? "Interlaced" : "Progressive");
@@ -49,7 +49,7 @@ void configEncodingResolution(const ChannelSnapshot& s, PipelineOutput& out) {
     } else if (const char* ratio = pipeline::lookup(pipeline::ASPECT_RATIO, s.aspectRatio)) {
         int x = 0, y = 0;
         std::sscanf(ratio, "%d:%d", &x, &y);
-        out.put(encoder, prop::ASPECT_RATIO, "Custom");
+        out.put(encoder, prop::ASPECT_RATIO, med::CUSTOM);
         out.put(encoder, med::PARAM_ASPECT_RATIO_X, x);
         out.put(encoder, med::PARAM_ASPECT_RATIO_Y, y);
     } else {

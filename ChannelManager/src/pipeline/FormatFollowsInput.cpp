@@ -10,7 +10,7 @@
 using namespace vocab;
 
 // Section 8: the encoding format that follows the detected input (the
-// store adjustment itself is in RunAdjustments.cpp).
+// store adjustment itself is RunAdjustments::followInputFormat).
 //
 // The rules, chosen so that the result always passes validateInputFormat:
 // - The encoding format is the input's own "<w>x<h><scan>"; every detected

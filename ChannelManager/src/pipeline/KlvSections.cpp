@@ -87,7 +87,7 @@ void configKlvOverSdi(const ChannelSnapshot& s, PipelineOutput& out) {
 // sender applies itself, the stream passes through unencrypted here.
 void configEncryption(const ChannelSnapshot& s, PipelineOutput& out) {
     const std::string aes = out.comp(med::AES_ENCRYPT);
-    const bool srtMode = s.aesMode == "128-bit (SRT)" || s.aesMode == "256-bit (SRT)";
+    const bool srtMode = s.aesMode == value::AES_128_SRT || s.aesMode == value::AES_256_SRT;
     if (!s.encryption || srtMode) {
         out.put(aes, med::PARAM_ENCRYPTION_MODE, "Pass Through");
         return;

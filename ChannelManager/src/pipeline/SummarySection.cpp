@@ -33,10 +33,10 @@ std::string pipeline::targetAddressText(const std::string& protocol, const std::
 }
 
 std::string pipeline::fecText(const std::string& protocol, const std::string& fecMode, bool srtFec, int srtRows) {
-    if (protocol == value::PRO_MPEG && (fecMode == "1-D" || fecMode == "2-D"))
+    if (protocol == value::PRO_MPEG && (fecMode == value::FEC_1D || fecMode == value::FEC_2D))
         return fecMode;
     if (protocol == value::SRT && srtFec)
-        return srtRows > 1 ? "2-D" : "1-D";
+        return srtRows > 1 ? value::FEC_2D : value::FEC_1D;
     return "None";
 }
 

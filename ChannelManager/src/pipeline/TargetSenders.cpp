@@ -54,9 +54,9 @@ int pipeline::htbOverheadPercent(const std::string& protocol, int packetSize, co
         return 0;
     const int headers = kIpUdpHeaders + (protocol == value::UDP_TS ? 0 : kRtpHeader);
     int percent = ceilPercent(headers, packetSize);
-    if (protocol == value::PRO_MPEG && columns > 0 && (fecMode == "1-D" || fecMode == "2-D"))
+    if (protocol == value::PRO_MPEG && columns > 0 && (fecMode == value::FEC_1D || fecMode == value::FEC_2D))
         percent += ceilPercent(1, columns);
-    if (protocol == value::PRO_MPEG && rows > 0 && fecMode == "2-D")
+    if (protocol == value::PRO_MPEG && rows > 0 && fecMode == value::FEC_2D)
         percent += ceilPercent(1, rows);
     return percent;
 }
@@ -90,12 +90,12 @@ static void configUdpSender(const ChannelSnapshot& s, PipelineOutput& out, size_
     const int columns = t.fecColumns;
     const int rows = t.fecRows;
     if (t.protocol == value::PRO_MPEG) {
-        if (fecMode == "1-D" || fecMode == "2-D") {
+        if (fecMode == value::FEC_1D || fecMode == value::FEC_2D) {
             out.put(snd, med::PARAM_FEC_MODE, fecMode);
             out.put(snd, med::PARAM_FEC_D, rows);
             out.put(snd, med::PARAM_FEC_L, columns);
             out.put(snd, med::PARAM_UDP_PORT_FEC_A, t.fecPort1d);
-            if (fecMode == "2-D")
+            if (fecMode == value::FEC_2D)
                 out.put(snd, med::PARAM_UDP_PORT_FEC_B, t.fecPort2d);
         } else {
             out.unknown("FEC Mode", fecMode);
@@ -185,7 +185,7 @@ static void configSrtSender(const ChannelSnapshot& s, PipelineOutput& out, size_
     out.put(snd, med::PARAM_LATENCY_MS, t.srtLatency);
     out.put(snd, prop::TTL, t.ttl);
     out.put(snd, med::PARAM_MAX_PAYLOAD_SIZE, t.packetSize);
-    const bool channelAes = s.encryption && (s.aesMode == "128-bit (SRT)" || s.aesMode == "256-bit (SRT)");
+    const bool channelAes = s.encryption && (s.aesMode == value::AES_128_SRT || s.aesMode == value::AES_256_SRT);
     const std::string aesMode = channelAes ? s.aesMode : t.srtAesMode;
     const std::string aesKey = channelAes ? s.aesKey : t.srtAesKey;
     const char* aes = pipeline::lookup(pipeline::SRT_AES_MODE, aesMode);

@@ -228,6 +228,18 @@ constexpr const char* PROFILE_ULL = "Ultra Low Latency - LAN";
 constexpr const char* CBR = "CBR";
 constexpr const char* CAPPED_VBR = "Capped VBR";
 constexpr const char* VBR = "VBR";
+// Audio channel modes and the codecs with a low-delay path
+constexpr const char* MONO_LEFT = "Mono Left";
+constexpr const char* MONO_RIGHT = "Mono Right";
+constexpr const char* STEREO = "Stereo";
+constexpr const char* AUDIO_AAC_ELD = "AAC-ELD";
+constexpr const char* AUDIO_PCM = "PCM";
+// FEC modes of a Pro-MPEG target (and the summary's "FEC")
+constexpr const char* FEC_1D = "1-D";
+constexpr const char* FEC_2D = "2-D";
+// The channel's AES modes that the SRT sender applies itself
+constexpr const char* AES_128_SRT = "128-bit (SRT)";
+constexpr const char* AES_256_SRT = "256-bit (SRT)";
 // Frame rate ratio
 constexpr const char* HALF_OF_INPUT = "Half of Input";
 // KLV ingest

@@ -19,6 +19,11 @@ constexpr const char* VIDEO_MIXER = "VIDEO_MIXER_";
 constexpr const char* UNBALANCED_AMPLIFIER = "UNBALANCED_AMPLIFIER";
 constexpr const char* PARAM_GAIN_STR0 = "Gain Str0";
 constexpr const char* PARAM_GAIN_STR1 = "Gain Str1";
+// Values: a test generator's states, a scaled size.
+constexpr const char* STATE_ENABLE = "Enable";
+constexpr const char* STATE_AUTOMATIC = "Automatic";
+constexpr const char* STATE_DISABLE = "Disable";
+constexpr const char* CUSTOM = "Custom";
 // Components. A name ending in a blank or "_" is completed by the channel
 // ("CH0" / "CH1") or the stream.
 constexpr const char* AAC_ENCODER_STR0_CH1_LOW_DELAY = "AAC Encoder Str0 CH1 Low Delay";
