@@ -1,10 +1,14 @@
 #include "pipeline/PipelineConfigurator.h"
 
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstdint>
 
 #include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
+#include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
 #include "pipeline/PipelineOutput.h"
 #include "pipeline/PipelineSections.h"
@@ -26,6 +30,14 @@ namespace {
 
 constexpr unsigned kDeviceTimeoutSec = 2;
 constexpr unsigned kDeviceTries = 2;
+
+// Creates the directory and its parents under the root; true when it exists.
+bool makeDirectories(const std::string& logical) {
+    const std::string path = sysmgtPath(logical);
+    for (size_t at = path.find('/', 1); at != std::string::npos; at = path.find('/', at + 1))
+        mkdir(path.substr(0, at).c_str(), 0755);
+    return mkdir(path.c_str(), 0755) == 0 || errno == EEXIST;
+}
 
 // A section of a run and the name it is known by.
 struct Section {
@@ -177,6 +189,11 @@ Fcodes PipelineConfigurator::apply(const PipelineOutput& out, bool writeFailures
             }
             case Kind::FollowKlv:
                 result |= side.klvFollowSettings(out.rowId);
+                break;
+            case Kind::MakeDirectory:
+                if (!makeDirectories(a.text))
+                    DBG(DBG_ERROR) << out.operation << ": rowId=" << out.rowId
+                                   << " Error: cannot create dir=" << a.text;
                 break;
         }
     }

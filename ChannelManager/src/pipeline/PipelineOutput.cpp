@@ -93,6 +93,10 @@ void PipelineOutput::followKlv() {
     list.push_back({Kind::FollowKlv, "", "", "", Type::Text, "", 0});
 }
 
+void PipelineOutput::makeDirectory(const std::string& logicalPath) {
+    list.push_back({Kind::MakeDirectory, "", "", "", Type::Text, logicalPath, 0});
+}
+
 void PipelineOutput::unknown(const char* what, const std::string& value) const {
     DBG(DBG_ERROR) << operation << ": rowId=" << rowId << " Unknown " << what << "=" << value;
 }

@@ -16,12 +16,13 @@ struct ChannelSnapshot;
 class PipelineOutput {
 public:
     enum class Kind {
-        Write,         // a mediator parameter
-        TurnOff,       // "Enable" = 0, unless the mediator reports the component off already
-        Store,         // a value of "ChannelDataSet", committed
-        Event,         // an event of the channel to the manager
-        KlvSdiSource,  // the device manager's "Toggle KLVoSDI Input"
-        FollowKlv,     // the KLV branches follow the channel's ingest settings
+        Write,          // a mediator parameter
+        TurnOff,        // "Enable" = 0, unless the mediator reports the component off already
+        Store,          // a value of "ChannelDataSet", committed
+        Event,          // an event of the channel to the manager
+        KlvSdiSource,   // the device manager's "Toggle KLVoSDI Input"
+        FollowKlv,      // the KLV branches follow the channel's ingest settings
+        MakeDirectory,  // a directory (and its parents) under the root, for files a component writes
     };
     enum class Type { Text, Int, Bool };
     struct Action {
@@ -61,6 +62,7 @@ public:
     void event(const char* name, const std::string& description);
     void klvSdiSource(bool sdi);
     void followKlv();
+    void makeDirectory(const std::string& logicalPath);
 
     // Logs "<operation>: rowId=<row> Unknown <what>=<value>".
     void unknown(const char* what, const std::string& value) const;

@@ -1,10 +1,5 @@
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <cstdint>
 
-#include "datacom/DbgPrintClient.h"
-#include "datacom/SysmgtRoot.h"
 #include "pipeline/PipelineSections.h"
 #include "pipeline/TargetSenders.h"
 #include "pipeline/TextTables.h"
@@ -39,13 +34,6 @@ int ceilPercent(int64_t part, int64_t whole) {
     return whole > 0 ? static_cast<int>((part * 100 + whole - 1) / whole) : 0;
 }
 
-// Creates the directory and its parents under the root; true when it exists.
-bool makeDirectories(const std::string& logical) {
-    const std::string path = sysmgtPath(logical);
-    for (size_t at = path.find('/', 1); at != std::string::npos; at = path.find('/', at + 1))
-        mkdir(path.substr(0, at).c_str(), 0755);
-    return mkdir(path.c_str(), 0755) == 0 || errno == EEXIST;
-}
 }  // namespace
 
 int pipeline::htbOverheadPercent(const std::string& protocol, int packetSize, const std::string& fecMode, int columns,
@@ -128,8 +116,7 @@ static void configUdpSender(const ChannelSnapshot& s, PipelineOutput& out, size_
 static void configRtspServer(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
     const ChannelSnapshot::Target& t = s.targets[target];
     const std::string snd = med::RTSP_SERVER[s.channel];
-    if (!makeDirectories(SDP_DIR))
-        DBG(DBG_ERROR) << "configChannel: rowId=" << s.rowId << " Error: cannot create dir=" << SDP_DIR;
+    out.makeDirectory(SDP_DIR);
     out.enable(snd);
     out.put(snd, med::PARAM_RTSP_PORT, s.rtspPort);
     out.put(snd, med::PARAM_SDP_DIRECTORY, SDP_DIR);
