@@ -6,7 +6,7 @@
 #include "pipeline/PipelineConfigurator.h"
 #include "settings/BitrateModel.h"
 #include "settings/ChannelRows.h"
-#include "settings/ChannelSettings.h"
+#include "settings/ChannelSnapshot.h"
 #include "settings/InputFormatValidation.h"
 #include "side/SideActions.h"
 
@@ -95,8 +95,8 @@ Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, boo
 // The channel's settings as they stand, then the model.
 Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
                                            float frameRate, int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
-    ChannelSettings settings;
-    const Fcodes read = readChannelSettings(ctx.holder, rowId, settings);
+    ChannelSnapshot settings;
+    const Fcodes read = readChannelSnapshot(ctx.holder, rowId, settings);
     bitrate::calcBitrates(settings, totalBitrate, videoBitrate, frameRate, audioBitrate, klvBitrate, pcrOnVideoPid);
     return read;
 }

@@ -1,20 +1,20 @@
 #include <cstdlib>
 #include <string>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TextTables.h"
 #include "vocab/ChannelWireTexts.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
 
 using namespace vocab;
 
-// The audio sections of configChannel: input multiplexers, sample rates,
-// test generators, the SDI output's embedding, the audio encoders; and
-// configAudioGain. Stream 0 is a channel's "...Audio1" row, stream 1 its
+// The audio sections of a pipeline run: input multiplexers, sample rates,
+// test generators, the SDI output's embedding, the audio encoders. Stream 0 is a channel's "...Audio1" row, stream 1
+// its
 // "...Audio2" row.
 
 namespace {
@@ -36,7 +36,7 @@ int embeddedPairs(const std::string& source) {
 
 // The mediator text of a source, completed by the pair for embedded audio;
 // "" when the source or its track is unknown.
-std::string sourceText(const pipeline::TextTable& table, const PipelineRun::Audio& a) {
+std::string sourceText(const pipeline::TextTable& table, const ChannelSnapshot::Audio& a) {
     const char* base = pipeline::lookup(table, a.source);
     if (!base)
         return "";
@@ -53,32 +53,32 @@ std::string stream(size_t index) {
 }  // namespace
 
 // Section 6.
-void PipelineConfigurator::configAudioInput(PipelineRun& run) {
-    for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
-        const PipelineRun::Audio& a = run.audio[i];
+void configAudioInput(const ChannelSnapshot& s, PipelineOutput& out) {
+    for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
+        const ChannelSnapshot::Audio& a = s.audio[i];
         if (!a.enabled)
             continue;
         const std::string input = sourceText(pipeline::AUDIO_INPUT, a);
         if (input.empty()) {
-            run.unknown("Audio Source", a.source + " " + a.track);
+            out.unknown("Audio Source", a.source + " " + a.track);
             continue;
         }
-        run.put(std::string(i == 0 ? "AUDIO_MUX_STR0_" : "AUDIO_MUX_STR1_") + run.suffix, "Input", input);
+        out.put(std::string(i == 0 ? med::AUDIO_MUX_STR0 : med::AUDIO_MUX_STR1) + s.suffix, med::PARAM_INPUT, input);
     }
 }
 
 // Section 10.
-void PipelineConfigurator::configAudioSampleRate(PipelineRun& run) {
-    for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
-        const PipelineRun::Audio& a = run.audio[i];
+void configAudioSampleRate(const ChannelSnapshot& s, PipelineOutput& out) {
+    for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
+        const ChannelSnapshot::Audio& a = s.audio[i];
         if (!a.enabled)
             continue;
         const char* rate = pipeline::lookup(pipeline::AUDIO_SAMPLE_RATE, a.sampling);
         if (!rate) {
-            run.unknown("Audio Sampling", a.sampling);
+            out.unknown("Audio Sampling", a.sampling);
             continue;
         }
-        run.put("Audio Capture " + stream(i) + " " + run.suffix, "Audio Sample Rate", rate);
+        out.put(med::AUDIO_CAPTURE + stream(i) + " " + s.suffix, med::PARAM_AUDIO_SAMPLE_RATE, rate);
     }
 }
 
@@ -86,20 +86,20 @@ void PipelineConfigurator::configAudioSampleRate(PipelineRun& run) {
 // sides of every encoded stream; otherwise the generators stand by
 // ("Automatic") and fill a lost input with bars and silence. A mono stream
 // leaves the side it does not carry disabled.
-void PipelineConfigurator::configTestPatterns(PipelineRun& run) {
-    const bool bars = run.flag(tbl::SOURCE, prop::FORCE_COLOR_BAR, run.rowId);
-    run.put(run.comp("VFW_"), "State", bars ? "Enable" : "Automatic");
-    run.put(run.comp("VFW_"), "Type", "Color Bar");
-    for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
-        const PipelineRun::Audio& a = run.audio[i];
+void configTestPatterns(const ChannelSnapshot& s, PipelineOutput& out) {
+    const bool bars = s.forceColorBar;
+    out.put(out.comp(med::VFW), med::PARAM_STATE, bars ? med::STATE_ENABLE : med::STATE_AUTOMATIC);
+    out.put(out.comp(med::VFW), med::PARAM_TYPE, "Color Bar");
+    for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
+        const ChannelSnapshot::Audio& a = s.audio[i];
         if (!a.encode)
             continue;
-        const std::string afw = (i == 0 ? "AFW_" : "AFW_STR1_") + run.suffix;
-        const char* on = bars ? "Enable" : "Automatic";
-        run.put(afw, "Left Enable", a.channelMode == "Mono Right" ? "Disable" : on);
-        run.put(afw, "Right Enable", a.channelMode == "Mono Left" ? "Disable" : on);
-        run.put(afw, "Left Mode", bars ? "Sinus" : "Silence");
-        run.put(afw, "Right Mode", bars ? "Sinus" : "Silence");
+        const std::string afw = (i == 0 ? med::AFW : med::AFW_STR1) + s.suffix;
+        const char* on = bars ? med::STATE_ENABLE : med::STATE_AUTOMATIC;
+        out.put(afw, med::PARAM_LEFT_ENABLE, a.channelMode == value::MONO_RIGHT ? med::STATE_DISABLE : on);
+        out.put(afw, med::PARAM_RIGHT_ENABLE, a.channelMode == value::MONO_LEFT ? med::STATE_DISABLE : on);
+        out.put(afw, med::PARAM_LEFT_MODE, bars ? "Sinus" : "Silence");
+        out.put(afw, med::PARAM_RIGHT_MODE, bars ? "Sinus" : "Silence");
     }
 }
 
@@ -107,110 +107,83 @@ void PipelineConfigurator::configTestPatterns(PipelineRun& run) {
 // audio streams embedded: mux 0 carries stream 0, mux 1 stream 1. A side is
 // muted when its stream is disabled or mono on the other side. A non-SDI
 // source goes through the frame buffer to be re-timed to the SDI clock.
-void PipelineConfigurator::configSdiOutput(PipelineRun& run) {
-    if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, run.rowId))
+void configSdiOutput(const ChannelSnapshot& s, PipelineOutput& out) {
+    if (!s.sdiOutPreview)
         return;
-    const char* receiver = med::receiverOf(run.source);
+    const char* receiver = med::receiverOf(s.source);
     if (receiver)
-        run.put("VIDEO_MIXER_SDI_TX", "Input", receiver);
+        out.put(med::VIDEO_MIXER_SDI_TX, med::PARAM_INPUT, receiver);
     else
-        run.unknown("source", run.source);
+        out.unknown("source", s.source);
     bool anyAudio = false;
     for (size_t i = 0; i < 2; ++i) {
-        const std::string mux = "SDI_TX_AUDIO_MUX_" + std::to_string(i);
-        const std::string side = "Mute Channel " + std::to_string(i);
-        const bool on = i < run.audio.size() && run.audio[i].enabled;
+        const std::string mux = med::SDI_TX_AUDIO_MUX + std::to_string(i);
+        const std::string side = med::PARAM_MUTE_CHANNEL + std::to_string(i);
+        const bool on = i < s.audio.size() && s.audio[i].enabled;
         if (on) {
             anyAudio = true;
-            const std::string input = sourceText(pipeline::SDI_TX_AUDIO, run.audio[i]);
+            const std::string input = sourceText(pipeline::SDI_TX_AUDIO, s.audio[i]);
             if (input.empty())
-                run.unknown("Audio Source", run.audio[i].source + " " + run.audio[i].track);
+                out.unknown("Audio Source", s.audio[i].source + " " + s.audio[i].track);
             else
-                run.put(mux, "Input", input);
+                out.put(mux, med::PARAM_INPUT, input);
         }
-        const std::string mode = on ? run.audio[i].channelMode : "";
-        run.put(mux, side + " Left", !on || mode == "Mono Right");
-        run.put(mux, side + " Right", !on || mode == "Mono Left");
+        const std::string mode = on ? s.audio[i].channelMode : "";
+        out.put(mux, side + med::PARAM_MUTE_LEFT, !on || mode == value::MONO_RIGHT);
+        out.put(mux, side + med::PARAM_MUTE_RIGHT, !on || mode == value::MONO_LEFT);
     }
-    run.put("SDI_TRANSMITTER", "Video Source", "VIDEO_MIXER_SDI_TX");
-    run.put("SDI_TRANSMITTER", "Frame Buffer", run.source != value::SRC_HD_SDI);
-    run.put("SDI_TRANSMITTER", "Audio Embedder", anyAudio);
-    run.enable("SDI_TRANSMITTER");
+    out.put(med::SDI_TRANSMITTER, med::PARAM_VIDEO_SOURCE, med::VIDEO_MIXER_SDI_TX);
+    out.put(med::SDI_TRANSMITTER, med::PARAM_FRAME_BUFFER, s.source != value::SRC_HD_SDI);
+    out.put(med::SDI_TRANSMITTER, med::PARAM_AUDIO_EMBEDDER, anyAudio);
+    out.enable(med::SDI_TRANSMITTER);
 }
 
 // Sections 19 (HEVC) and 20 (H.264). On HEVC with "Ultra Low Latency - LAN",
 // stream 0 takes the low-delay path: its own capture, a capture buffer of
 // one codec frame ("AAC-ELD" 480 samples, "PCM" 240), and the low-delay AAC
 // encoder or PCM converter, selected by the stream's audio switch.
-void PipelineConfigurator::configAudioEncoding(PipelineRun& run) {
-    const bool lowDelay = run.channel == 1 && run.ultraLowLatency();
-    for (size_t i = 0; i < run.audio.size() && i < 2; ++i) {
-        const PipelineRun::Audio& a = run.audio[i];
-        const std::string s = stream(i) + " " + run.suffix;
-        const std::string encoder = "Audio Encoder " + s;
+void configAudioEncoding(const ChannelSnapshot& s, PipelineOutput& out) {
+    const bool lowDelay = s.channel == 1 && s.ultraLowLatency();
+    for (size_t i = 0; i < s.audio.size() && i < 2; ++i) {
+        const ChannelSnapshot::Audio& a = s.audio[i];
+        const std::string str = stream(i) + " " + s.suffix;
+        const std::string encoder = med::AUDIO_ENCODER + str;
         // The normal capture stands aside only when the low-delay path carries
         // the stream: any other codec goes through the normal encoder, ULL or not.
-        const bool lowDelayStream = lowDelay && i == 0 && a.encode && (a.format == "AAC-ELD" || a.format == "PCM");
-        run.put("Audio Capture " + s, "Enable", a.encode && !lowDelayStream);
+        const bool lowDelayStream =
+            lowDelay && i == 0 && a.encode && (a.format == value::AUDIO_AAC_ELD || a.format == value::AUDIO_PCM);
+        out.put(med::AUDIO_CAPTURE + str, med::PARAM_ENABLE, a.encode && !lowDelayStream);
         if (!a.encode)
             continue;
         if (lowDelayStream) {
-            const bool eld = a.format == "AAC-ELD";
-            run.enable("Audio Capture Str0 CH1 Low Delay");
-            run.put("Audio Capture Buffer Str0 CH1", "Samples per Frame", eld ? 480 : 240);
-            run.enable(eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
-            run.put("Audio Switch " + s, "Input",
-                    eld ? "AAC Encoder Str0 CH1 Low Delay" : "PCM Converter Str0 CH1 Low Delay");
+            const bool eld = a.format == value::AUDIO_AAC_ELD;
+            out.enable(med::AUDIO_CAPTURE_STR0_CH1_LOW_DELAY);
+            out.put(med::AUDIO_CAPTURE_BUFFER_STR0_CH1, med::PARAM_SAMPLES_PER_FRAME, eld ? 480 : 240);
+            out.enable(eld ? med::AAC_ENCODER_STR0_CH1_LOW_DELAY : med::PCM_CONVERTER_STR0_CH1_LOW_DELAY);
+            out.put(med::AUDIO_SWITCH + str, med::PARAM_INPUT,
+                    eld ? med::AAC_ENCODER_STR0_CH1_LOW_DELAY : med::PCM_CONVERTER_STR0_CH1_LOW_DELAY);
             if (eld)
-                run.put("AAC Encoder Str0 CH1 Low Delay", "Bitrate", a.bitrate);
+                out.put(med::AAC_ENCODER_STR0_CH1_LOW_DELAY, med::PARAM_BITRATE, a.bitrate);
             continue;
         }
-        run.put("Audio Switch " + s, "Input", encoder);
-        if (run.channel == 0) {
+        out.put(med::AUDIO_SWITCH + str, med::PARAM_INPUT, encoder);
+        if (s.channel == 0) {
             const char* codec = pipeline::lookup(pipeline::AUDIO_CODEC, a.format);
             if (!codec) {
-                run.unknown("Audio Encoding Format", a.format);
+                out.unknown("Audio Encoding Format", a.format);
                 continue;
             }
-            run.put(encoder, "Audio Codec", codec);
+            out.put(encoder, med::PARAM_AUDIO_CODEC, codec);
         }
         const char* object = pipeline::lookup(pipeline::AUDIO_OBJECT_TYPE, a.format);
         if (object)
-            run.put(encoder, "Object Type", object);
-        else if (run.channel == 1)
-            run.unknown("Audio Encoding Format", a.format);
-        run.put(encoder, "Bitrate", a.bitrate);
-        if (a.channelMode == "Mono Left" || a.channelMode == "Mono Right" || a.channelMode == "Stereo")
-            run.put(encoder, "Channel Mode", a.channelMode);
+            out.put(encoder, med::PARAM_OBJECT_TYPE, object);
+        else if (s.channel == 1)
+            out.unknown("Audio Encoding Format", a.format);
+        out.put(encoder, med::PARAM_BITRATE, a.bitrate);
+        if (a.channelMode == value::MONO_LEFT || a.channelMode == value::MONO_RIGHT || a.channelMode == value::STEREO)
+            out.put(encoder, med::PARAM_CHANNEL_MODE, a.channelMode);
         else
-            run.unknown("Channel Mode", a.channelMode);
+            out.unknown("Channel Mode", a.channelMode);
     }
-}
-
-// The gain of the analogue line input belongs to its amplifier: only a
-// stream on "Unbalanced analog" has one to set ("Audio Gain" in dB, one gain
-// per stream). Digital and embedded audio pass at unity; their rows are
-// accepted and nothing is written. When accepting, the row's pending values
-// (source, enabling and gain alike) are the ones applied.
-Fcodes PipelineConfigurator::configAudioGain(const std::string& audioRowId, bool pending) {
-    PipelineRun run(ctx.holder, row::H264, "configAudioGain");
-    std::string source;
-    bool enabled = false;
-    int gain = 0;
-    if (pending) {
-        run.result |=
-            ctx.holder.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
-            ctx.holder.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
-            ctx.holder.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
-    } else {
-        source = run.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioRowId);
-        enabled = run.flag(tbl::AUDIO_SOURCE, prop::ENABLED, audioRowId);
-        gain = run.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, audioRowId);
-    }
-    if (!isOk(run.result) || !enabled || source != "Unbalanced analog")
-        return run.result;
-    run.readAssembly();
-    const bool second = !audioRowId.empty() && audioRowId.back() == '2';
-    run.put("UNBALANCED_AMPLIFIER", second ? "Gain Str1" : "Gain Str0", gain);
-    return run.result;
 }

@@ -3,25 +3,21 @@
 #include <cstdlib>
 
 #include "datacom/DbgPrintClient.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TextTables.h"
 #include "settings/BitrateModel.h"
-#include "settings/ChannelSettings.h"
-#include "settings/IChannelEvents.h"
 #include "vocab/ChannelWireTexts.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
 
 using namespace vocab;
 
-// The video encoder sections of configChannel: resolution, bitrates, rate
+// The video encoder sections of a pipeline run: resolution, bitrates, rate
 // control, GOP and coding tools.
 
 namespace {
-// "VBR" runs as "Capped VBR" when the stream goes out as a transport stream.
-constexpr const char* VBR = "VBR";
-
 bool inList(const std::vector<const char*>& list, const std::string& text) {
     for (const char* item : list)
         if (text == item)
@@ -31,164 +27,160 @@ bool inList(const std::vector<const char*>& list, const std::string& text) {
 }  // namespace
 
 // Section 14. The encoder scales to the configured size ("Custom").
-void PipelineConfigurator::configEncodingResolution(PipelineRun& run) {
-    const std::string encoder = med::VIDEO_ENCODER[run.channel];
+void configEncodingResolution(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string encoder = med::VIDEO_ENCODER[s.channel];
     int w = 0, h = 0;
     char scan = 'x';
-    float fr = static_cast<float>(run.frameSampling);
-    const int parsed = std::sscanf(run.encodingFormat.c_str(), "%dx%d%c @ %f", &w, &h, &scan, &fr);
-    DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " encodingFormat=" << run.encodingFormat << " w=" << w
+    float fr = static_cast<float>(s.frameSampling);
+    const int parsed = std::sscanf(s.encodingFormat.c_str(), "%dx%d%c @ %f", &w, &h, &scan, &fr);
+    DBG(DBG_INFO) << "configChannel: rowId=" << s.rowId << " encodingFormat=" << s.encodingFormat << " w=" << w
                   << " h=" << h << " fr=" << fr;
     if (parsed < 3 || (scan != 'p' && scan != 'i')) {
-        run.unknown("Encoding Format", run.encodingFormat);
+        out.unknown("Encoding Format", s.encodingFormat);
     } else {
-        run.put(encoder, "Encoding Resolution", "Custom");
-        run.put(encoder, "Encoding Width", w);
-        run.put(encoder, "Encoding Height", h);
-        run.put(encoder, "Interlaced/Progressive", scan == 'i' ? "Interlaced" : "Progressive");
-        run.put(encoder, prop::FRAME_SAMPLING, run.frameSampling);
+        out.put(encoder, med::PARAM_ENCODING_RESOLUTION, med::CUSTOM);
+        out.put(encoder, med::PARAM_ENCODING_WIDTH, w);
+        out.put(encoder, med::PARAM_ENCODING_HEIGHT, h);
+        out.put(encoder, med::PARAM_INTERLACED_PROGRESSIVE, scan == 'i' ? "Interlaced" : "Progressive");
+        out.put(encoder, prop::FRAME_SAMPLING, s.frameSampling);
     }
-    if (run.aspectRatio == "Same as Input") {
-        run.put(encoder, prop::ASPECT_RATIO, "Same As Input");
-    } else if (const char* ratio = pipeline::lookup(pipeline::ASPECT_RATIO, run.aspectRatio)) {
+    if (s.aspectRatio == "Same as Input") {
+        out.put(encoder, prop::ASPECT_RATIO, "Same As Input");
+    } else if (const char* ratio = pipeline::lookup(pipeline::ASPECT_RATIO, s.aspectRatio)) {
         int x = 0, y = 0;
         std::sscanf(ratio, "%d:%d", &x, &y);
-        run.put(encoder, prop::ASPECT_RATIO, "Custom");
-        run.put(encoder, "Aspect Ratio X", x);
-        run.put(encoder, "Aspect Ratio Y", y);
+        out.put(encoder, prop::ASPECT_RATIO, med::CUSTOM);
+        out.put(encoder, med::PARAM_ASPECT_RATIO_X, x);
+        out.put(encoder, med::PARAM_ASPECT_RATIO_Y, y);
     } else {
         // The appliance's own text, trailing blank included, kept letter for letter.
-        run.unknown("Aspect Ratio or Aspect Ratio ", run.aspectRatio);
+        out.unknown("Aspect Ratio or Aspect Ratio ", s.aspectRatio);
     }
-    if (run.level == "Auto" || inList(pipeline::LEVELS, run.level))
-        run.put(encoder, prop::LEVEL, run.level);
+    if (s.level == "Auto" || inList(pipeline::LEVELS, s.level))
+        out.put(encoder, prop::LEVEL, s.level);
     else
         // The appliance's own text, kept letter for letter.
-        run.unknown("Level or Level", run.level);
+        out.unknown("Level or Level", s.level);
 }
 
 // Section 15: the video bitrate that fits the configured total, with the
-// same per-channel floors as an on-the-fly change, from the settings the run
-// read (the device manager asked once for the KLV bitrates).
-void PipelineConfigurator::configBitrates(PipelineRun& run) {
-    run.bitrates = run.bitrateSettings();
-    run.result |= finishChannelSettings(ctx.holder, run.bitrates);
-    const bool pcrOnVideo = run.pcrPid == run.videoPid;
-    const float rate = static_cast<float>(run.frameSampling);
-    int total = run.totalBitrate, video = 0, audio = 0, klv = 0;
-    bitrate::calcBitrates(run.bitrates, total, video, rate, audio, klv, pcrOnVideo);
-    if (run.encodeVideo) {
-        const int previousMax = run.maxBitrate;
+// same per-channel floors as an on-the-fly change. The bitrates settled here
+// are those of the later sections.
+void configBitrates(const ChannelSnapshot& s, PipelineOutput& out) {
+    const float rate = static_cast<float>(s.frameSampling);
+    int total = s.totalBitrate, video = 0, audio = 0, klv = 0;
+    bitrate::calcBitrates(s, total, video, rate, audio, klv, s.pcrOnVideoPid());
+    if (s.encodeVideo) {
         bool totalRaised = false, maxRaised = false;
-        bitrate::applyBitrateFloors("configChannel", run.bitrates, rate, pcrOnVideo, video, run.totalBitrate,
-                                    run.maxBitrate, totalRaised, maxRaised);
+        bitrate::applyBitrateFloors("configChannel", s, rate, s.pcrOnVideoPid(), video, out.bitrates.total,
+                                    out.bitrates.max, totalRaised, maxRaised);
         if (totalRaised)
-            run.initInt(tbl::PROCESSING, prop::TOTAL_BITRATE, run.rowId, run.totalBitrate);
+            out.store(tbl::PROCESSING, prop::TOTAL_BITRATE, s.rowId, out.bitrates.total);
         if (maxRaised) {
-            run.initInt(tbl::PROCESSING, prop::MAX_BITRATE, run.rowId, run.maxBitrate);
-            ctx.events.sendEvent(ev::BITRATE_RECALCULATED, run.rowId, cond::INFO, state::ALARM_NONE,
-                                 state::SEVERITY_INFO,
-                                 "prev: " + std::to_string(previousMax) + " new: " + std::to_string(run.maxBitrate));
+            out.store(tbl::PROCESSING, prop::MAX_BITRATE, s.rowId, out.bitrates.max);
+            out.event(ev::BITRATE_RECALCULATED,
+                      "prev: " + std::to_string(s.maxBitrate) + " new: " + std::to_string(out.bitrates.max));
         }
     }
-    run.videoBitrate = video;
-    run.initInt(tbl::PROCESSING, prop::VIDEO_BITRATE, run.rowId, video);
-    run.put(med::VIDEO_ENCODER[run.channel], med::PARAM_BITRATE, video);
+    out.bitrates.video = video;
+    out.store(tbl::PROCESSING, prop::VIDEO_BITRATE, s.rowId, video);
+    out.put(med::VIDEO_ENCODER[s.channel], med::PARAM_BITRATE, video);
 }
 
 // Section 16. A transport stream needs a bounded rate, so "VBR" becomes
 // "Capped VBR" when any enabled target carries one; an elementary stream
 // ("RTP ES", "RTMP") may use plain VBR. The margin is that of an on-the-fly
 // change (encoderMargin).
-void PipelineConfigurator::configRateControl(PipelineRun& run) {
-    const std::string encoder = med::VIDEO_ENCODER[run.channel];
+void configRateControl(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string encoder = med::VIDEO_ENCODER[s.channel];
     bool transport = false;
-    for (const PipelineRun::Target& t : run.targets)
+    for (const ChannelSnapshot::Target& t : s.targets)
         for (const char* p : pipeline::TS_PROTOCOLS)
             transport |= t.enabled && t.protocol == p;
-    const char* mode = pipeline::lookup(pipeline::ENCODER_RATE_CONTROL, run.rateControl);
+    const char* mode = pipeline::lookup(pipeline::ENCODER_RATE_CONTROL, s.rateControl);
     if (!mode)
-        run.unknown("Rate Control", run.rateControl);
+        out.unknown("Rate Control", s.rateControl);
     else
-        run.put(encoder, "Rate Control Mode", transport && run.rateControl == VBR ? value::CAPPED_VBR : mode);
+        out.put(encoder, med::PARAM_RATE_CONTROL_MODE,
+                transport && s.rateControl == value::VBR ? value::CAPPED_VBR : mode);
 
-    const int margin = bitrate::encoderMargin("configChannel", run.bitrates, run.videoBitrate, run.maxBitrate,
-                                              static_cast<float>(run.frameSampling), run.pcrPid == run.videoPid);
-    if (run.rateControl == value::CAPPED_VBR && run.encodeVideo && run.videoBitrate != 0) {
-        run.muxOverheadPercent = margin;
-        run.initInt(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, run.rowId, margin);
+    const int margin = bitrate::encoderMargin("configChannel", s, out.bitrates.video, out.bitrates.max,
+                                              static_cast<float>(s.frameSampling), s.pcrOnVideoPid());
+    if (s.rateControl == value::CAPPED_VBR && s.encodeVideo && out.bitrates.video != 0) {
+        out.bitrates.overheadPercent = margin;
+        out.store(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, s.rowId, margin);
     }
-    run.put(encoder, med::PARAM_BITRATE_MARGIN, margin);
+    out.put(encoder, med::PARAM_BITRATE_MARGIN, margin);
+}
+
+static void configCodingH264(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string encoder = med::VIDEO_ENCODER[0];
+    if (const char* profile = pipeline::lookup(pipeline::H264_PROFILE, s.videoCodecProfile))
+        out.put(encoder, prop::VIDEO_CODEC_PROFILE, profile);
+    else
+        out.unknown("Video Codec Profile", s.videoCodecProfile);
+    if (const char* entropy = pipeline::lookup(pipeline::ENTROPY_CODING, s.vlcMode))
+        out.put(encoder, med::PARAM_ENTROPY_CODING, entropy);
+    else
+        out.unknown("VLC Mode", s.vlcMode);
+    if (const char* gop = pipeline::lookup(pipeline::H264_GOP, s.gopStructure))
+        out.put(encoder, prop::GOP_STRUCTURE, gop);
+    else
+        out.unknown("GOP Structure", s.gopStructure);
+    out.put(encoder, prop::GOP_SIZE, s.gopSize);
+    if (const char* coding = pipeline::lookup(pipeline::PICTURE_CODING, s.pictureCoding))
+        out.put(encoder, prop::PICTURE_CODING, coding);
+    else
+        out.unknown("Picture Coding", s.pictureCoding);
+    out.put(encoder, med::PARAM_SEI_PICTURE_TIMING, s.timestamps);
+    out.put(encoder, med::PARAM_SEI_USER_DATA_UNREGISTRED, s.latencyMeasurement);
+    // Every IDR carries its parameter sets so a receiver can join at any GOP.
+    out.put(encoder, med::PARAM_SPS_PPS_PER_IDR, true);
+    out.put(encoder, med::PARAM_SPS_PER_PICTURE, s.spsPpsPerPicture);
+    out.put(encoder, med::PARAM_QP_MODE, s.autoAdapt ? "Auto" : "Manual");
+    out.put(encoder, prop::QP_BASE, s.qpBase);
+    out.put(encoder, prop::QP_RANGE_MIN, s.qpRangeMin);
+    out.put(encoder, prop::QP_RANGE_MAX, s.qpMax);
+    out.put(encoder, prop::INITIAL_DELAY, s.initialDelay);
+    out.put(encoder, prop::MAXIMUM_DELAY, s.maximumDelay);
+}
+
+static void configCodingHevc(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string encoder = med::VIDEO_ENCODER[1];
+    const char* chroma = pipeline::lookup(pipeline::HEVC_CHROMA, s.videoCodecProfile);
+    const char* depth = pipeline::lookup(pipeline::HEVC_BIT_DEPTH, s.videoCodecProfile);
+    if (chroma && depth) {
+        out.put(encoder, med::PARAM_CHROMA_FORMAT, chroma);
+        out.put(encoder, med::PARAM_BIT_DEPTH, std::atoi(depth));
+    } else {
+        out.unknown("Video Codec Profile", s.videoCodecProfile);
+    }
+    if (const char* sub = pipeline::lookup(pipeline::HEVC_GOP_SUB_SIZE, s.gopStructure)) {
+        DBG(DBG_INFO) << "configChannel: rowId=" << s.rowId << " gopStruct=" << s.gopStructure
+                      << " gopSize=" << s.gopSize;
+        out.put(encoder, prop::GOP_STRUCTURE, s.gopStructure);
+        out.put(encoder, med::PARAM_SUB_GOP_SIZE, std::atoi(sub));
+    } else {
+        out.unknown("GOP Structure", s.gopStructure);
+    }
+    out.put(encoder, prop::GOP_SIZE, s.gopSize);
+    out.put(encoder, prop::FIXED_GOP_SIZE, s.fixedGopSize);
+    if (const char* resilience = pipeline::lookup(pipeline::ERROR_RESILIENCE, s.errorResilience))
+        out.put(encoder, prop::ERROR_RESILIENCE, resilience);
+    else
+        out.unknown("Error Resilience", s.errorResilience);
+    out.put(encoder, med::PARAM_SEI_TIMECODE, s.timestamps);
 }
 
 // Section 17. The timestamp generator of the channel inserts the MISB
 // timestamps that "Timestamps" asks for.
-void PipelineConfigurator::configGopAndCoding(PipelineRun& run) {
-    const std::string encoder = med::VIDEO_ENCODER[run.channel];
-    run.put(encoder, prop::CLOSED_GOP, run.closedGop);
-    run.put(encoder, prop::INSERT_AU_DELIMITERS, run.auDelimiters);
-    if (run.channel == 0)
-        configCodingH264(run);
+void configGopAndCoding(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string encoder = med::VIDEO_ENCODER[s.channel];
+    out.put(encoder, prop::CLOSED_GOP, s.closedGop);
+    out.put(encoder, prop::INSERT_AU_DELIMITERS, s.auDelimiters);
+    if (s.channel == 0)
+        configCodingH264(s, out);
     else
-        configCodingHevc(run);
-    run.put("TIMESTAMP_GENERATOR_" + std::to_string(run.channel), "MISB Timestamps", run.timestamps);
-}
-
-void PipelineConfigurator::configCodingH264(PipelineRun& run) {
-    const std::string encoder = med::VIDEO_ENCODER[0];
-    if (const char* profile = pipeline::lookup(pipeline::H264_PROFILE, run.videoCodecProfile))
-        run.put(encoder, prop::VIDEO_CODEC_PROFILE, profile);
-    else
-        run.unknown("Video Codec Profile", run.videoCodecProfile);
-    if (const char* entropy = pipeline::lookup(pipeline::ENTROPY_CODING, run.vlcMode))
-        run.put(encoder, "Entropy Coding", entropy);
-    else
-        run.unknown("VLC Mode", run.vlcMode);
-    if (const char* gop = pipeline::lookup(pipeline::H264_GOP, run.gopStructure))
-        run.put(encoder, prop::GOP_STRUCTURE, gop);
-    else
-        run.unknown("GOP Structure", run.gopStructure);
-    run.put(encoder, prop::GOP_SIZE, run.gopSize);
-    if (const char* coding = pipeline::lookup(pipeline::PICTURE_CODING, run.pictureCoding))
-        run.put(encoder, prop::PICTURE_CODING, coding);
-    else
-        run.unknown("Picture Coding", run.pictureCoding);
-    run.put(encoder, "SEI Picture Timing", run.timestamps);
-    run.put(encoder, "SEI User Data Unregistred", run.latencyMeasurement);
-    // Every IDR carries its parameter sets so a receiver can join at any GOP.
-    run.put(encoder, "SPS/PPS per IDR", true);
-    run.put(encoder, "SPS per Picture", run.spsPpsPerPicture);
-    run.put(encoder, "QP Mode", run.autoAdapt ? "Auto" : "Manual");
-    run.put(encoder, prop::QP_BASE, run.qpBase);
-    run.put(encoder, prop::QP_RANGE_MIN, run.qpRangeMin);
-    run.put(encoder, prop::QP_RANGE_MAX, run.qpMax);
-    run.put(encoder, prop::INITIAL_DELAY, run.initialDelay);
-    run.put(encoder, prop::MAXIMUM_DELAY, run.maximumDelay);
-}
-
-void PipelineConfigurator::configCodingHevc(PipelineRun& run) {
-    const std::string encoder = med::VIDEO_ENCODER[1];
-    const char* chroma = pipeline::lookup(pipeline::HEVC_CHROMA, run.videoCodecProfile);
-    const char* depth = pipeline::lookup(pipeline::HEVC_BIT_DEPTH, run.videoCodecProfile);
-    if (chroma && depth) {
-        run.put(encoder, "Chroma Format", chroma);
-        run.put(encoder, "Bit Depth", std::atoi(depth));
-    } else {
-        run.unknown("Video Codec Profile", run.videoCodecProfile);
-    }
-    if (const char* sub = pipeline::lookup(pipeline::HEVC_GOP_SUB_SIZE, run.gopStructure)) {
-        DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " gopStruct=" << run.gopStructure
-                      << " gopSize=" << run.gopSize;
-        run.put(encoder, prop::GOP_STRUCTURE, run.gopStructure);
-        run.put(encoder, "Sub-GOP Size", std::atoi(sub));
-    } else {
-        run.unknown("GOP Structure", run.gopStructure);
-    }
-    run.put(encoder, prop::GOP_SIZE, run.gopSize);
-    run.put(encoder, prop::FIXED_GOP_SIZE, run.fixedGopSize);
-    if (const char* resilience = pipeline::lookup(pipeline::ERROR_RESILIENCE, run.errorResilience))
-        run.put(encoder, prop::ERROR_RESILIENCE, resilience);
-    else
-        run.unknown("Error Resilience", run.errorResilience);
-    run.put(encoder, "SEI Timecode", run.timestamps);
+        configCodingHevc(s, out);
+    out.put(med::TIMESTAMP_GENERATOR + std::to_string(s.channel), med::PARAM_MISB_TIMESTAMPS, s.timestamps);
 }

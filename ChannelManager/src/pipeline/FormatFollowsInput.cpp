@@ -2,20 +2,15 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "datacom/DataHolder.h"
-#include "datacom/DbgPrintClient.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/FormatFollowsInput.h"
+#include "pipeline/TextTables.h"
 #include "settings/VideoFormatTables.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/PeerNames.h"
-
-using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
-// Section 8: the encoding format that follows the detected input.
+// Section 8: the encoding format that follows the detected input (the
+// store adjustment itself is RunAdjustments::followInputFormat).
 //
 // The rules, chosen so that the result always passes validateInputFormat:
 // - The encoding format is the input's own "<w>x<h><scan>"; every detected
@@ -93,45 +88,4 @@ int pipeline::gopSizeRough(int frameSampling, const std::string& gopStructure) {
     const int subGop = tableSize > 0 ? tableSize : 1;  // a divisor
     const int rough = frameSampling / subGop * subGop;
     return rough > 0 ? rough : subGop;
-}
-
-void PipelineConfigurator::configFormatChange(PipelineRun& run) {
-    if (!run.inputParsed || !run.formatAsDetected)
-        return;
-    pipeline::FormatChoice choice;
-    if (!pipeline::chooseEncoding(run.channel, run.inputDetected, run.streamProfile,
-                                  run.frameRateRatio == "Half of Input", run.gopStructure, run.videoCodecProfile,
-                                  choice)) {
-        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " src=" << run.source
-                       << " inputDetected=" << run.inputDetected
-                       << " no valid encoding format, kept encodingFormat=" << run.encodingFormat;
-        return;
-    }
-    DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " src=" << run.source
-                  << " inputDetected=" << run.inputDetected << " matched to enc res=" << choice.encodingFormat
-                  << " fr=" << choice.frameSampling;
-    run.formatChanged = choice.encodingFormat != run.encodingFormat || choice.frameSampling != run.frameSampling;
-    run.encodingFormat = choice.encodingFormat;
-    run.frameSampling = choice.frameSampling;
-    if (choice.h264MainProfile)
-        run.videoCodecProfile = "H.264 Main Profile";
-    run.initText(tbl::PROCESSING, prop::VIDEO_CODEC_PROFILE, run.rowId, run.videoCodecProfile);
-    run.initText(tbl::PROCESSING, prop::ENCODING_FORMAT, run.rowId, run.encodingFormat);
-    run.initInt(tbl::PROCESSING, prop::FRAME_SAMPLING, run.rowId, run.frameSampling);
-    const char* encoder = run.channel == 1 ? tbl::HEVC_ENCODER : tbl::H264_ENCODER;
-    if (run.channel == 1 && choice.gopStructure != run.gopStructure) {
-        run.gopStructure = choice.gopStructure;
-        run.initText(encoder, prop::GOP_STRUCTURE, "", run.gopStructure);
-    }
-    if (run.formatChanged) {
-        run.gopSize = pipeline::gopSizeRough(run.frameSampling, run.gopStructure);
-        DBG(DBG_INFO) << "configChannel: format changed: gopSizeRough=" << run.gopSize;
-        run.initInt(encoder, prop::GOP_SIZE, "", run.gopSize);
-    }
-    const char* receiver = med::receiverOf(run.source);
-    if (receiver) {
-        std::string format;
-        run.result |= ITarnevelClient::getTarnevelTextParam(&ctx.holder, receiver, med::VIDEO_FORMAT, format);
-        DBG(DBG_INFO) << "configChannel: rowId=" << run.rowId << " src=" << run.source << " Got val=" << format;
-    }
 }

@@ -1,44 +1,25 @@
 #include <cstdint>
 
-#include "datacom/DataHolder.h"
-#include "datacom/DbgPrintClient.h"
-#include "datacom/MessageCommand.h"
-#include "datacom/WireConstants.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TextTables.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
 
 using namespace vocab;
 
-// The KLV and encryption sections of configChannel.
+// The KLV and encryption sections of a pipeline run.
 
 namespace {
-constexpr unsigned kDeviceTimeoutSec = 2;
-constexpr unsigned kDeviceTries = 2;
 constexpr int kFullFrame = 1000;  // crop factor of an uncropped picture (x1000)
-
-// A text of the device manager's dataset (instance ""); a failure logs the
-// device-read error line and leaves `value` empty.
-std::string deviceText(PipelineRun& run, const char* table, const char* property) {
-    std::string value;
-    const Fcodes code =
-        run.holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, table, property, value, std::string());
-    if (!isOk(code)) {
-        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: param=" << property << " table=" << table
-                       << " fcode=0x" << std::hex << static_cast<uint32_t>(code);
-        run.result |= code;
-    }
-    return value;
-}
 
 // Crop factors (x1000): the share of the input picture that the crop keeps,
 // so the filter can rescale the field-of-view keys of the metadata to the
 // encoded picture. Only channel 0 crops; without a crop, or without a known
 // input size, the factor is 1000.
-int cropFactor(const PipelineRun& run, int cropped, int input) {
-    if (run.channel != 0 || !run.cropEnable || !run.inputParsed || input <= 0 || cropped <= 0 || cropped >= input)
+int cropFactor(const ChannelSnapshot& s, int cropped, int input) {
+    if (s.channel != 0 || !s.cropEnable || !s.inputParsed || input <= 0 || cropped <= 0 || cropped >= input)
         return kFullFrame;
     return static_cast<int>(static_cast<int64_t>(cropped) * kFullFrame / input);
 }
@@ -47,88 +28,76 @@ int cropFactor(const PipelineRun& run, int cropped, int input) {
 // Section 22. The chosen filter parses the UAS local set ("UAS LDS") and
 // updates its keys when the picture is cropped; otherwise it passes the
 // metadata through ("Simple").
-void PipelineConfigurator::configKlvIngest(PipelineRun& run) {
+void configKlvIngest(const ChannelSnapshot& s, PipelineOutput& out) {
     for (int k = 0; k < 2; ++k) {
-        const std::string& ingest = k == 0 ? run.ingestKlv : run.ingestKlv2;
-        const std::string klvSwitch = (k == 0 ? "KLV Switch " : "KLV Switch_2 ") + run.suffix;
+        const std::string& ingest = k == 0 ? s.ingestKlv : s.ingestKlv2;
+        const std::string klvSwitch = (k == 0 ? med::KLV_SWITCH : med::KLV_SWITCH_2) + s.suffix;
         if (ingest == value::KLV_NONE) {
-            run.put(klvSwitch, "Enable", false);
+            out.put(klvSwitch, med::PARAM_ENABLE, false);
             continue;
         }
         std::string filter;
         if (ingest == value::KLV_SERIAL) {
-            const std::string format = deviceText(run, tbl::KLV_TABLE, prop::INPUT_DATA_FORMAT);
+            const std::string& format = s.klvSerialFormat;
             const char* found = pipeline::lookup(pipeline::KLV_SERIAL_FILTER, format);
             if (found)
                 filter = found;
             else
-                run.unknown("Input Data Format", format);
+                out.unknown("Input Data Format", format);
         } else if (ingest == value::KLV_SDI_SYNC) {
-            filter = run.comp("KlvoSDI Filter ");
-            run.enable(run.comp("KlvoSDI Wrapper "));
+            filter = out.comp(med::KLVOSDI_FILTER);
+            out.enable(out.comp(med::KLVOSDI_WRAPPER));
         } else if (ingest == value::KLV_SDI) {
-            filter = "KlvoSDI Filter Async";
+            filter = med::KLVOSDI_FILTER_ASYNC;
         } else if (ingest == value::KLV_IP) {
-            const std::string encapsulation = deviceText(run, tbl::KLV_OVER_IP, prop::ENCAPSULATION);
+            const std::string& encapsulation = s.klvIpEncapsulation;
             const char* found = pipeline::lookup(pipeline::KLV_IP_FILTER, encapsulation);
             if (found)
                 filter = found;
             else
-                run.unknown("Encapsulation", encapsulation);
+                out.unknown("Encapsulation", encapsulation);
         } else {
-            run.unknown(k == 0 ? "Ingest KLV" : "Ingest KLV2", ingest);
+            out.unknown(k == 0 ? "Ingest KLV" : "Ingest KLV2", ingest);
         }
         if (filter.empty())
             continue;
-        run.put(klvSwitch, "Input", filter);
-        run.put(klvSwitch, "Enable", true);
-        const bool cropped = run.channel == 0 && run.cropEnable;
-        run.enable(filter);
-        run.put(filter, "Parsing", cropped ? "UAS LDS" : "Simple");
-        run.put(filter, "Update LDS Keys", cropped);
-        run.put(filter, "H Crop Factor (x1000)", cropFactor(run, run.cropWidth, run.inputWidth));
-        run.put(filter, "V Crop Factor (x1000)", cropFactor(run, run.cropHeight, run.inputHeight));
+        out.put(klvSwitch, med::PARAM_INPUT, filter);
+        out.put(klvSwitch, med::PARAM_ENABLE, true);
+        const bool cropped = s.channel == 0 && s.cropEnable;
+        out.enable(filter);
+        out.put(filter, med::PARAM_PARSING, cropped ? "UAS LDS" : "Simple");
+        out.put(filter, med::PARAM_UPDATE_LDS_KEYS, cropped);
+        out.put(filter, med::PARAM_H_CROP_FACTOR_X1000, cropFactor(s, s.cropWidth, s.inputWidth));
+        out.put(filter, med::PARAM_V_CROP_FACTOR_X1000, cropFactor(s, s.cropHeight, s.inputHeight));
     }
 }
 
 // Section 23. The device manager routes the SDI input's KLV to the channel
 // that ingests it; the channel drops the embedded KLV it does not ingest.
-void PipelineConfigurator::configKlvOverSdi(PipelineRun& run) {
+void configKlvOverSdi(const ChannelSnapshot& s, PipelineOutput& out) {
     const auto fromSdi = [](const std::string& ingest) {
         return ingest == value::KLV_SDI || ingest == value::KLV_SDI_SYNC;
     };
-    const bool sdi = fromSdi(run.ingestKlv) || fromSdi(run.ingestKlv2);
-    MessageCommand command;
-    command.setId(cmd::TOGGLE_KLVOSDI_INPUT);
-    command.addParam(cmd::PARAM_KLV_SOURCE, sdi ? "true" : "false");
-    command.addParam(cmd::PARAM_KLV_CHANNEL_ID, run.rowId);
-    std::string text, reply;
-    command.toString(text);
-    const Fcodes code = ctx.holder.requestCommand(wire::SOCK_DEV, text, reply, kDeviceTimeoutSec, kDeviceTries) | FC_OK;
-    if (!isOk(code)) {
-        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: val=" << (sdi ? "true" : "false")
-                       << " param=KLV Source comp=" << cmd::TOGGLE_KLVOSDI_INPUT << " fcode=0x" << std::hex
-                       << static_cast<uint32_t>(code);
-        run.result |= code;
-    }
-    run.put(run.comp("KlvoSDI Drop "), "Enable", !sdi);
+    const bool sdi = fromSdi(s.ingestKlv) || fromSdi(s.ingestKlv2);
+    out.klvSdiSource(sdi);
+    out.put(out.comp(med::KLVOSDI_DROP), med::PARAM_ENABLE, !sdi);
 }
 
 // Section 24. Without "Encryption", and for the SRT modes that the SRT
 // sender applies itself, the stream passes through unencrypted here.
-void PipelineConfigurator::configEncryption(PipelineRun& run) {
-    const std::string aes = run.comp("AES Encrypt ");
-    const bool srtMode = run.aesMode == "128-bit (SRT)" || run.aesMode == "256-bit (SRT)";
-    if (!run.encryption || srtMode) {
-        run.put(aes, "Encryption Mode", "Pass Through");
+void configEncryption(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string aes = out.comp(med::AES_ENCRYPT);
+    const bool srtMode = s.aesMode == value::AES_128_SRT || s.aesMode == value::AES_256_SRT;
+    if (!s.encryption || srtMode) {
+        out.put(aes, med::PARAM_ENCRYPTION_MODE, "Pass Through");
         return;
     }
-    const char* cipher = pipeline::lookup(pipeline::AES_CIPHER, run.aesMode);
+    const char* cipher = pipeline::lookup(pipeline::AES_CIPHER, s.aesMode);
     if (!cipher) {
-        run.unknown("AES Mode", run.aesMode);
+        out.unknown("AES Mode", s.aesMode);
         return;
     }
-    run.put(aes, "Encryption Mode", "Software");
-    run.put(aes, "Encryption Cipher", cipher);
-    run.put(aes, prop::AES_KEY, run.aesKey);
+    out.put(aes, med::PARAM_ENCRYPTION_MODE, "Software");
+    out.put(aes, med::PARAM_ENCRYPTION_CIPHER, cipher);
+    out.put(aes, prop::AES_KEY, s.aesKey);
 }

@@ -1,10 +1,10 @@
 #include <string>
 
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/MuxSection.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TextTables.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
-
-using namespace datacom;
 
 using namespace vocab;
 
@@ -31,47 +31,47 @@ int pipeline::outputGranularity(int udpPacketSize, bool ultraLowLatency) {
     return packets > kMaxPacketsPerDatagram ? kMaxPacketsPerDatagram : packets;
 }
 
-void PipelineConfigurator::configMultiplexer(PipelineRun& run) {
-    const std::string mux = med::TS_MULTIPLEXER[run.channel];
-    const bool klv1 = run.ingestKlv != value::KLV_NONE;
-    const bool klv2 = run.ingestKlv2 != value::KLV_NONE;
-    std::string pids = std::to_string(run.pmtPid);
+void configMultiplexer(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string mux = med::TS_MULTIPLEXER[s.channel];
+    const bool klv1 = s.ingestKlv != value::KLV_NONE;
+    const bool klv2 = s.ingestKlv2 != value::KLV_NONE;
+    std::string pids = std::to_string(s.pmtPid);
     const auto select = [&pids](bool on, int pid) {
         if (on)
             pids += "," + std::to_string(pid);
     };
-    select(run.encodeVideo, run.videoPid);
-    select(run.pcrPid != run.videoPid || !run.encodeVideo, run.pcrPid);
-    select(run.audioEncoded(0), run.audioEncoded(0) ? run.audio[0].pid : 0);
-    select(run.audioEncoded(1), run.audioEncoded(1) ? run.audio[1].pid : 0);
-    select(klv1, run.klvPid);
-    select(klv2, run.klv2Pid);
-    run.put(mux, "Selected PIDs", pids);
-    run.put(mux, prop::VIDEO_PID, run.videoPid);
-    if (run.audioEncoded(0))
-        run.put(mux, prop::AUDIO_PID, run.audio[0].pid);
-    if (run.audioEncoded(1))
-        run.put(mux, "Audio2 PID", run.audio[1].pid);
-    run.put(mux, prop::PCR_PID, run.pcrPid);
-    run.put(mux, prop::PMT_PID, run.pmtPid);
+    select(s.encodeVideo, s.videoPid);
+    select(s.pcrPid != s.videoPid || !s.encodeVideo, s.pcrPid);
+    select(s.audioEncoded(0), s.audioEncoded(0) ? s.audio[0].pid : 0);
+    select(s.audioEncoded(1), s.audioEncoded(1) ? s.audio[1].pid : 0);
+    select(klv1, s.klvPid);
+    select(klv2, s.klv2Pid);
+    out.put(mux, med::PARAM_SELECTED_PIDS, pids);
+    out.put(mux, prop::VIDEO_PID, s.videoPid);
+    if (s.audioEncoded(0))
+        out.put(mux, prop::AUDIO_PID, s.audio[0].pid);
+    if (s.audioEncoded(1))
+        out.put(mux, med::PARAM_AUDIO2_PID, s.audio[1].pid);
+    out.put(mux, prop::PCR_PID, s.pcrPid);
+    out.put(mux, prop::PMT_PID, s.pmtPid);
     if (klv1)
-        run.put(mux, prop::KLV_PID, run.klvPid);
+        out.put(mux, prop::KLV_PID, s.klvPid);
     if (klv2)
-        run.put(mux, prop::KLV2_PID, run.klv2Pid);
-    run.put(mux, "Margin overhead percent", run.muxOverheadPercent);
-    const char* mode = pipeline::lookup(pipeline::MUX_RATE_CONTROL, run.rateControl);
+        out.put(mux, prop::KLV2_PID, s.klv2Pid);
+    out.put(mux, med::PARAM_MARGIN_OVERHEAD_PERCENT, out.bitrates.overheadPercent);
+    const char* mode = pipeline::lookup(pipeline::MUX_RATE_CONTROL, s.rateControl);
     if (mode) {
-        run.put(mux, "Rate Control Mode", mode);
-        run.put(mux, "Round Muxrate", std::string(mode) == value::CBR);
+        out.put(mux, med::PARAM_RATE_CONTROL_MODE, mode);
+        out.put(mux, med::PARAM_ROUND_MUXRATE, std::string(mode) == value::CBR);
     } else {
-        run.unknown("Rate Control", run.rateControl);
+        out.unknown("Rate Control", s.rateControl);
     }
     int packetSize = 0;
-    for (const PipelineRun::Target& t : run.targets)
+    for (const ChannelSnapshot::Target& t : s.targets)
         if (t.enabled && packetSize == 0)
             packetSize = t.packetSize;
-    run.put(mux, "Output Granularity", pipeline::outputGranularity(packetSize, run.ultraLowLatency()));
-    run.put(mux, prop::INITIAL_DELAY, run.initialDelay);
-    run.put(mux, prop::MAX_DELAY, run.maximumDelay);
-    run.put(mux, "Delay Mode", run.ultraLowLatency() ? "No Wait" : "Normal");
+    out.put(mux, med::PARAM_OUTPUT_GRANULARITY, pipeline::outputGranularity(packetSize, s.ultraLowLatency()));
+    out.put(mux, prop::INITIAL_DELAY, s.initialDelay);
+    out.put(mux, prop::MAX_DELAY, s.maximumDelay);
+    out.put(mux, med::PARAM_DELAY_MODE, s.ultraLowLatency() ? "No Wait" : "Normal");
 }

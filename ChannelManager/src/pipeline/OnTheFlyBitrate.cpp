@@ -1,85 +1,69 @@
-#include <cstdint>
+#include "pipeline/OnTheFlyBitrate.h"
+
 #include <string>
 
-#include "datacom/DataHolder.h"
-#include "datacom/DbgPrintClient.h"
 #include "pipeline/PipelineConfigurator.h"
 #include "settings/BitrateModel.h"
-#include "settings/ChannelSettings.h"
 #include "settings/IChannelEvents.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
-// A new total and maximum for a running encoder: the settings are read once,
-// the bitrate model computes from them, and the results go to the encoder and
-// back into "ChannelProcessingTable".
-
-namespace {
-
-// The encoder parameter that makes a running encoder take its new bitrates.
-constexpr const char* APPLY_ON_THE_FLY = "Apply On The Fly Bitrate";
-
-}  // namespace
-
-// Sets one encoder parameter; a refusal is logged and the change goes on.
-void PipelineConfigurator::setEncoderOnTheFly(const std::string& rowId, const std::string& component,
-                                              const std::string& parameter, int value) {
-    const Fcodes set = ITarnevelClient::setTarnevelIntParam(&ctx.holder, component, parameter, value);
-    if (!isOk(set))
-        DBG(DBG_ERROR) << "changeBitrateOnTheFly: rowId=" << rowId << " Error: val=" << value << " param=" << parameter
-                       << " comp=" << component << " fcode=0x" << std::hex << static_cast<uint32_t>(set);
-}
-
-Fcodes PipelineConfigurator::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
-    const int channel = channelIndex(rowId);
-    if (channel < 0)
-        return FC_OK;
-    const std::string encoder = med::VIDEO_ENCODER[channel];
-
-    ChannelSettings settings;
-    Fcodes result = FC_OK | readChannelSettings(ctx.holder, rowId, settings);
-    const bool encodeVideo = settings.encodeVideo;
-    const bool pcrOnVideoPid = settings.pcrOnVideoPid();
-    const float frameRate = static_cast<float>(settings.frameSampling);
+void bitrateChange(const ChannelSnapshot& s, int totalBitrate, int maxBitrate, PipelineOutput& out) {
+    const char* op = "changeBitrateOnTheFly";
+    const std::string encoder = med::VIDEO_ENCODER[s.channel];
+    const bool pcrOnVideoPid = s.pcrOnVideoPid();
+    const float frameRate = static_cast<float>(s.frameSampling);
 
     int audio = 0, klv = 0, video = 0;
-    bitrate::calcBitrates(settings, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
-
-    if (encodeVideo) {
+    bitrate::calcBitrates(s, totalBitrate, video, frameRate, audio, klv, pcrOnVideoPid);
+    if (s.encodeVideo) {
         bool totalRaised = false, maxRaised = false;
-        bitrate::applyBitrateFloors("changeBitrateOnTheFly", settings, frameRate, pcrOnVideoPid, video, totalBitrate,
-                                    maxBitrate, totalRaised, maxRaised);
+        bitrate::applyBitrateFloors(op, s, frameRate, pcrOnVideoPid, video, totalBitrate, maxBitrate, totalRaised,
+                                    maxRaised);
         if (totalRaised)
-            result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+            out.store(tbl::PROCESSING, prop::TOTAL_BITRATE, s.rowId, totalBitrate);
         if (maxRaised)
-            result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
+            out.store(tbl::PROCESSING, prop::MAX_BITRATE, s.rowId, maxBitrate);
     }
+    out.store(tbl::PROCESSING, prop::VIDEO_BITRATE, s.rowId, video);
+    out.put(encoder, med::PARAM_BITRATE, video);
 
-    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_BITRATE, video, rowId);
-    setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE, video);
-
-    const int margin =
-        bitrate::encoderMargin("changeBitrateOnTheFly", settings, video, maxBitrate, frameRate, pcrOnVideoPid);
-    if (encodeVideo && video != 0 && settings.rateControl != value::CBR) {
-        const int overheadPercent = settings.rateControl == value::CAPPED_VBR ? margin : settings.overheadPercent;
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT,
-                                          overheadPercent, rowId);
+    const int margin = bitrate::encoderMargin(op, s, video, maxBitrate, frameRate, pcrOnVideoPid);
+    if (s.encodeVideo && video != 0 && s.rateControl != value::CBR) {
+        const int overheadPercent = s.rateControl == value::CAPPED_VBR ? margin : s.overheadPercent;
+        out.store(tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, s.rowId, overheadPercent);
     }
-    setEncoderOnTheFly(rowId, encoder, med::PARAM_BITRATE_MARGIN, margin);
-    if (channel == 1)
-        setEncoderOnTheFly(rowId, encoder, APPLY_ON_THE_FLY, 1);
+    out.put(encoder, med::PARAM_BITRATE_MARGIN, margin);
+    if (s.channel == 1)
+        out.put(encoder, med::PARAM_APPLY_ON_THE_FLY, 1);
 
-    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
-    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, maxBitrate, rowId);
+    out.store(tbl::PROCESSING, prop::TOTAL_BITRATE, s.rowId, totalBitrate);
+    out.store(tbl::PROCESSING, prop::MAX_BITRATE, s.rowId, maxBitrate);
+    out.bitrates.video = video;
+    out.bitrates.total = totalBitrate;
+    out.bitrates.max = maxBitrate;
+}
+
+// The settings are read once and the change applied; a refused encoder
+// write is logged and the change goes on, so it does not count as a
+// failure of the change.
+Fcodes PipelineConfigurator::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
+    if (channelIndex(rowId) < 0)
+        return FC_OK;
+    ChannelSnapshot snapshot;
+    Fcodes result = FC_OK | readChannelSnapshot(ctx.holder, rowId, snapshot);
+    PipelineOutput out(rowId, "changeBitrateOnTheFly", "", false);
+    bitrateChange(snapshot, totalBitrate, maxBitrate, out);
+    result |= apply(out, false);
     result |= updateChannel(rowId);
-    ctx.events.sendEvent(ev::BITRATE_RECALCULATED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
-                         "prev: " + std::to_string(settings.totalBitrate) + " new: " + std::to_string(totalBitrate));
+    ctx.events.sendEvent(
+        ev::BITRATE_RECALCULATED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+        "prev: " + std::to_string(snapshot.totalBitrate) + " new: " + std::to_string(out.bitrates.total));
     return result;
 }

@@ -1,8 +1,9 @@
 #include <cstdint>
 #include <string>
 
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/SummarySection.h"
+#include "pipeline/TextTables.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -10,8 +11,9 @@ using namespace datacom;
 
 using namespace vocab;
 
-// Section 27: the channel summary of "ChannelsTable", then the picture
-// adjustments, the audio gains and the read-back of the effective values.
+// Section 27: the channel summary of "ChannelsTable" (the configurator then
+// applies the picture adjustments and the audio gains and reads back the
+// effective values).
 //
 // "Target Address": "address : port"; SRT shows its mode first ("Caller
 // 239.1.2.2 : 5110"), a listener only its port ("Listener : 5110"); RTMP
@@ -31,63 +33,55 @@ std::string pipeline::targetAddressText(const std::string& protocol, const std::
 }
 
 std::string pipeline::fecText(const std::string& protocol, const std::string& fecMode, bool srtFec, int srtRows) {
-    if (protocol == value::PRO_MPEG && (fecMode == "1-D" || fecMode == "2-D"))
+    if (protocol == value::PRO_MPEG && (fecMode == value::FEC_1D || fecMode == value::FEC_2D))
         return fecMode;
     if (protocol == value::SRT && srtFec)
-        return srtRows > 1 ? "2-D" : "1-D";
+        return srtRows > 1 ? value::FEC_2D : value::FEC_1D;
     return "None";
 }
 
-void PipelineConfigurator::configSummary(PipelineRun& run) {
-    const std::string& r = run.rowId;
+void configSummary(const ChannelSnapshot& s, PipelineOutput& out) {
+    const std::string& r = s.rowId;
     std::string audio;
-    for (const PipelineRun::Audio& a : run.audio)
+    for (const ChannelSnapshot::Audio& a : s.audio)
         if (a.encode)
             audio += (audio.empty() ? "" : ", ") + a.format;
-    run.initText(tbl::CHANNELS, prop::AUDIO, r, audio.empty() ? "None" : audio);
+    out.store(tbl::CHANNELS, prop::AUDIO, r, audio.empty() ? "None" : audio);
 
     const char* fecProps[] = {prop::FEC, prop::FEC2};
     const char* nameProps[] = {prop::CHANNEL_NAME, prop::SECOND_CHANNEL_NAME};
     const char* addressProps[] = {prop::TARGET_ADDRESS, prop::SECOND_TARGET_ADDRESS};
     for (size_t i = 0; i < 2; ++i) {
         std::string fec = "None", name, address;
-        if (i < run.targets.size() && run.targets[i].enabled) {
-            const PipelineRun::Target& t = run.targets[i];
+        if (i < s.targets.size() && s.targets[i].enabled) {
+            const ChannelSnapshot::Target& t = s.targets[i];
             name = t.name;
             const bool srt = t.protocol == value::SRT;
             const bool rtmp = t.protocol == value::RTMP;
-            address = pipeline::targetAddressText(
-                t.protocol, t.address, t.port, srt ? run.text(tbl::SRT_SETTINGS, prop::MODE, t.id) : "",
-                rtmp ? run.text(tbl::RTMP_SETTINGS, prop::RTMP_SERVER_URL, t.id) : "");
-            fec = pipeline::fecText(t.protocol, run.text(tbl::FEC_SETTINGS, prop::MODE, t.id),
-                                    srt && run.flag(tbl::SRT_SETTINGS, prop::SRT_FEC, t.id),
-                                    srt ? run.integer(tbl::SRT_SETTINGS, prop::ROWS, t.id) : 0);
+            address =
+                pipeline::targetAddressText(t.protocol, t.address, t.port, srt ? t.srtMode : "", rtmp ? t.rtmpUrl : "");
+            fec = pipeline::fecText(t.protocol, t.fecMode, srt && t.srtFec, srt ? t.srtRows : 0);
         }
-        run.initText(tbl::CHANNELS, fecProps[i], r, fec);
-        run.initText(tbl::CHANNELS, nameProps[i], r, name);
-        run.initText(tbl::CHANNELS, addressProps[i], r, address);
+        out.store(tbl::CHANNELS, fecProps[i], r, fec);
+        out.store(tbl::CHANNELS, nameProps[i], r, name);
+        out.store(tbl::CHANNELS, addressProps[i], r, address);
     }
-    run.initText(tbl::CHANNELS, prop::SOURCE, r, run.source);
-    run.initInt(tbl::CHANNELS, prop::TOTAL_BIT_RATE, r, run.totalBitrate);
-    run.initText(tbl::CHANNELS, prop::RESOLUTION, r, run.encodingFormat + " @ " + std::to_string(run.frameSampling));
+    out.store(tbl::CHANNELS, prop::SOURCE, r, s.source);
+    out.store(tbl::CHANNELS, prop::TOTAL_BIT_RATE, r, out.bitrates.total);
+    out.store(tbl::CHANNELS, prop::RESOLUTION, r, s.encodingFormat + " @ " + std::to_string(s.frameSampling));
     // "Stopped" unless the channel plays, or the system stopped it for a
     // condition: such a channel stays "Stopping" (as stopChannel leaves it),
     // so that a reconfiguration after a format stop does not turn it into a
     // user's stop and the input coming back still resumes it.
-    const std::string channelState = run.text(tbl::CHANNELS, prop::STATE, r);
-    const uint32_t fcode = static_cast<uint32_t>(run.integer(tbl::CHANNELS, prop::FCODE, r));
+    const std::string& channelState = s.state;
+    const uint32_t fcode = static_cast<uint32_t>(s.fcode);
     bool heldStopping = false;
     for (uint32_t condition : {cond::ZIXI_CONNECTION, cond::DATA_STREAM, cond::FORMAT_CHANGED})
         heldStopping |= channelState == state::STOPPING && (fcode & condition) == condition;
     if (channelState != state::PLAYING && channelState != state::PLAYED && !heldStopping)
-        run.initText(tbl::CHANNELS, prop::STATE, r, state::STOPPED);
-    run.initBool(tbl::CHANNELS, prop::KLV, r, run.ingestKlv != value::KLV_NONE || run.ingestKlv2 != value::KLV_NONE);
-    run.initText(tbl::CHANNELS, prop::STATUS, r, run.status);
-    if (run.formatChanged)
-        run.initBool(tbl::SOURCE, prop::FORMAT_CHANGED, r, true);
-
-    run.result |= configAVSettings(r);
-    for (const PipelineRun::Audio& a : run.audio)
-        run.result |= configAudioGain(a.id);
-    run.result |= updateChannel(r);
+        out.store(tbl::CHANNELS, prop::STATE, r, state::STOPPED);
+    out.storeFlag(tbl::CHANNELS, prop::KLV, r, s.ingestKlv != value::KLV_NONE || s.ingestKlv2 != value::KLV_NONE);
+    out.store(tbl::CHANNELS, prop::STATUS, r, s.status);
+    if (s.formatChanged)
+        out.storeFlag(tbl::SOURCE, prop::FORMAT_CHANGED, r, true);
 }

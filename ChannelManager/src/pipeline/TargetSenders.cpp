@@ -1,12 +1,9 @@
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <cstdint>
 
-#include "datacom/DbgPrintClient.h"
-#include "datacom/SysmgtRoot.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TargetSenders.h"
+#include "pipeline/TextTables.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
@@ -37,13 +34,6 @@ int ceilPercent(int64_t part, int64_t whole) {
     return whole > 0 ? static_cast<int>((part * 100 + whole - 1) / whole) : 0;
 }
 
-// Creates the directory and its parents under the root; true when it exists.
-bool makeDirectories(const std::string& logical) {
-    const std::string path = sysmgtPath(logical);
-    for (size_t at = path.find('/', 1); at != std::string::npos; at = path.find('/', at + 1))
-        mkdir(path.substr(0, at).c_str(), 0755);
-    return mkdir(path.c_str(), 0755) == 0 || errno == EEXIST;
-}
 }  // namespace
 
 int pipeline::htbOverheadPercent(const std::string& protocol, int packetSize, const std::string& fecMode, int columns,
@@ -52,9 +42,9 @@ int pipeline::htbOverheadPercent(const std::string& protocol, int packetSize, co
         return 0;
     const int headers = kIpUdpHeaders + (protocol == value::UDP_TS ? 0 : kRtpHeader);
     int percent = ceilPercent(headers, packetSize);
-    if (protocol == value::PRO_MPEG && columns > 0 && (fecMode == "1-D" || fecMode == "2-D"))
+    if (protocol == value::PRO_MPEG && columns > 0 && (fecMode == value::FEC_1D || fecMode == value::FEC_2D))
         percent += ceilPercent(1, columns);
-    if (protocol == value::PRO_MPEG && rows > 0 && fecMode == "2-D")
+    if (protocol == value::PRO_MPEG && rows > 0 && fecMode == value::FEC_2D)
         percent += ceilPercent(1, rows);
     return percent;
 }
@@ -79,160 +69,152 @@ std::string pipeline::liveUris(bool audio1, bool audio2) {
     return std::string("1") + (audio1 ? ",2" : "") + (audio2 ? ",3" : "");
 }
 
-void PipelineConfigurator::configTargets(PipelineRun& run) {
-    for (size_t i = 0; i < run.targets.size() && i < 2; ++i) {
-        const PipelineRun::Target& t = run.targets[i];
-        if (!t.enabled)
-            continue;
-        if (pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol))
-            configUdpSender(run, i);
-        else if (t.protocol == value::RTP_ES)
-            configRtspServer(run, i);
-        else if (t.protocol == value::ZIXI)
-            configZixiFeeder(run, i);
-        else if (t.protocol == value::SRT)
-            configSrtSender(run, i);
-        else if (t.protocol == value::RTMP)
-            configRtmpServer(run, i);
-        else
-            run.unknown("Streaming Protocol", t.protocol);
-    }
-}
-
-void PipelineConfigurator::configUdpSender(PipelineRun& run, size_t target) {
-    const PipelineRun::Target& t = run.targets[target];
-    const std::string s = (target == 0 ? med::UDP_SENDER : med::UDP_SENDER_2)[run.channel];
-    run.enable(s);
-    run.put(s, "Stream Format", pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol));
-    const std::string fecMode = run.text(tbl::FEC_SETTINGS, prop::MODE, t.id);
-    const int columns = run.integer(tbl::FEC_SETTINGS, prop::COLUMNS, t.id);
-    const int rows = run.integer(tbl::FEC_SETTINGS, prop::ROWS, t.id);
+static void configUdpSender(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
+    const ChannelSnapshot::Target& t = s.targets[target];
+    const std::string snd = (target == 0 ? med::UDP_SENDER : med::UDP_SENDER_2)[s.channel];
+    out.enable(snd);
+    out.put(snd, med::PARAM_STREAM_FORMAT, pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol));
+    const std::string fecMode = t.fecMode;
+    const int columns = t.fecColumns;
+    const int rows = t.fecRows;
     if (t.protocol == value::PRO_MPEG) {
-        if (fecMode == "1-D" || fecMode == "2-D") {
-            run.put(s, "FEC Mode", fecMode);
-            run.put(s, "FEC D", rows);
-            run.put(s, "FEC L", columns);
-            run.put(s, "UDP Port FEC A", run.integer(tbl::FEC_SETTINGS, prop::PORT_1D, t.id));
-            if (fecMode == "2-D")
-                run.put(s, "UDP Port FEC B", run.integer(tbl::FEC_SETTINGS, prop::PORT_2D, t.id));
+        if (fecMode == value::FEC_1D || fecMode == value::FEC_2D) {
+            out.put(snd, med::PARAM_FEC_MODE, fecMode);
+            out.put(snd, med::PARAM_FEC_D, rows);
+            out.put(snd, med::PARAM_FEC_L, columns);
+            out.put(snd, med::PARAM_UDP_PORT_FEC_A, t.fecPort1d);
+            if (fecMode == value::FEC_2D)
+                out.put(snd, med::PARAM_UDP_PORT_FEC_B, t.fecPort2d);
         } else {
-            run.unknown("FEC Mode", fecMode);
+            out.unknown("FEC Mode", fecMode);
         }
     }
-    run.put(s, "IP Address", t.address);
-    run.put(s, "UDP Port", t.port);
-    run.put(s, "Max Payload Size", t.packetSize);
-    run.put(s, prop::TTL, t.ttl);
-    run.put(s, "Refresh Interfaces", true);
+    out.put(snd, med::PARAM_IP_ADDRESS, t.address);
+    out.put(snd, med::PARAM_UDP_PORT, t.port);
+    out.put(snd, med::PARAM_MAX_PAYLOAD_SIZE, t.packetSize);
+    out.put(snd, prop::TTL, t.ttl);
+    out.put(snd, med::PARAM_REFRESH_INTERFACES, true);
     if (const char* itf = pipeline::lookup(pipeline::MULTICAST_INTERFACE, t.interface))
-        run.put(s, "Multicast Interface", itf);
+        out.put(snd, med::PARAM_MULTICAST_INTERFACE, itf);
     else
-        run.unknown("Network Interface", t.interface);
+        out.unknown("Network Interface", t.interface);
     const char* shaping = pipeline::lookup(pipeline::TRAFFIC_SHAPING, t.shaping);
     if (!shaping) {
-        run.unknown("Traffic Shaping", t.shaping);
+        out.unknown("Traffic Shaping", t.shaping);
     } else {
-        run.put(s, "Traffic Shaping", shaping);
+        out.put(snd, med::PARAM_TRAFFIC_SHAPING, shaping);
         if (t.shaping != "None") {
-            run.put(s, "Traffic Shaping HTB Max Bandwidth",
-                    run.maxBitrate > run.totalBitrate ? run.maxBitrate : run.totalBitrate);
-            run.put(s, "Traffic Shaping Bitrate OverHead (HTB only)",
+            out.put(snd, med::PARAM_TRAFFIC_SHAPING_HTB_MAX_BANDWIDTH,
+                    out.bitrates.max > out.bitrates.total ? out.bitrates.max : out.bitrates.total);
+            out.put(snd, med::PARAM_TRAFFIC_SHAPING_BITRATE_OVERHEAD_HTB_ONLY,
                     pipeline::htbOverheadPercent(t.protocol, t.packetSize, fecMode, columns, rows));
         }
     }
-    run.put(s, "Sync processing", run.ultraLowLatency());
+    out.put(snd, med::PARAM_SYNC_PROCESSING, s.ultraLowLatency());
 }
 
-void PipelineConfigurator::configRtspServer(PipelineRun& run, size_t target) {
-    const PipelineRun::Target& t = run.targets[target];
-    const std::string s = med::RTSP_SERVER[run.channel];
-    if (!makeDirectories(SDP_DIR))
-        DBG(DBG_ERROR) << "configChannel: rowId=" << run.rowId << " Error: cannot create dir=" << SDP_DIR;
-    run.enable(s);
-    run.put(s, "RTSP port", run.rtspPort);
-    run.put(s, med::PARAM_SDP_DIRECTORY, SDP_DIR);
-    run.put(s, "Live URIs", pipeline::liveUris(run.audioEncoded(0), run.audioEncoded(1)));
-    run.put(s, "RTP packet size", t.packetSize);
+static void configRtspServer(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
+    const ChannelSnapshot::Target& t = s.targets[target];
+    const std::string snd = med::RTSP_SERVER[s.channel];
+    out.makeDirectory(SDP_DIR);
+    out.enable(snd);
+    out.put(snd, med::PARAM_RTSP_PORT, s.rtspPort);
+    out.put(snd, med::PARAM_SDP_DIRECTORY, SDP_DIR);
+    out.put(snd, med::PARAM_LIVE_URIS, pipeline::liveUris(s.audioEncoded(0), s.audioEncoded(1)));
+    out.put(snd, med::PARAM_RTP_PACKET_SIZE, t.packetSize);
     if (const char* itf = pipeline::lookup(pipeline::MULTICAST_INTERFACE, t.interface))
-        run.put(s, "Multicast interface", itf);
+        out.put(snd, med::PARAM_RTSP_MULTICAST_INTERFACE, itf);
     else
-        run.unknown("Network Interface", t.interface);
+        out.unknown("Network Interface", t.interface);
 }
 
-void PipelineConfigurator::configZixiFeeder(PipelineRun& run, size_t target) {
-    const PipelineRun::Target& t = run.targets[target];
-    const std::string s = (target == 0 ? med::ZIXI_FEEDER : med::ZIXI_FEEDER_2)[run.channel];
-    const char* z = tbl::ZIXI_FEEDER;
-    const bool dynamic = run.flag(z, prop::ENABLE_DYNAMIC_BITRATE, t.id);
+static void configZixiFeeder(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
+    const ChannelSnapshot::Target& t = s.targets[target];
+    const std::string snd = (target == 0 ? med::ZIXI_FEEDER : med::ZIXI_FEEDER_2)[s.channel];
+    const bool dynamic = t.zixiDynamic;
     int low = 0, high = 0;
-    pipeline::zixiBitrateLimits(run.totalBitrate, run.integer(z, prop::MIN_BITRATE_PERCENTS, t.id),
-                                run.integer(z, prop::MAX_BITRATE_PERCENTS, t.id),
-                                run.integer(z, prop::MIN_BITRATE, t.id), run.integer(z, prop::MAX_BITRATE_ZIXI, t.id),
-                                low, high);
-    const bool ull = run.ultraLowLatency();
-    run.enable(s);
-    run.put(s, "Broadcaster IP", t.address);
-    run.put(s, "Broadcaster Port", t.port);
-    run.put(s, "Max Packet Size", t.packetSize);
-    run.put(s, prop::STREAM_ID, run.text(z, prop::STREAM_ID, t.id));
-    run.put(s, "Session or Pwd", run.text(z, prop::PASSWORD, t.id));
-    run.put(s, prop::LATENCY, run.integer(z, prop::LATENCY, t.id));
-    run.put(s, "FEC overhead (percent)", kZixiFecPercent);
-    run.put(s, "FEC block ms", ull ? 20 : 100);
-    run.put(s, "Max Delay Packets", ull ? 10 : 100);
-    run.put(s, "Max Data Rate",
-            dynamic ? high : (run.maxBitrate > run.totalBitrate ? run.maxBitrate : run.totalBitrate));
-    run.put(s, "Adjustable bitrate", dynamic);
-    run.put(s, "Adjustable bitrate min", low);
-    run.put(s, "Adjustable bitrate max", high);
-    run.put(s, "Adaptive Mode", dynamic ? "Fec" : "None");
-    run.put(s, prop::ENABLE_FAILOVER, run.flag(z, prop::ENABLE_FAILOVER, t.id));
-    run.put(s, "Failover Broadcaster IP", run.text(z, prop::FAILOVER_ADDRESS, t.id));
-    run.put(s, "Failover Broadcaster Port", run.integer(z, prop::FAILOVER_PORT, t.id));
+    pipeline::zixiBitrateLimits(out.bitrates.total, t.zixiMinPercent, t.zixiMaxPercent, t.zixiMinBitrate,
+                                t.zixiMaxBitrate, low, high);
+    const bool ull = s.ultraLowLatency();
+    out.enable(snd);
+    out.put(snd, med::PARAM_BROADCASTER_IP, t.address);
+    out.put(snd, med::PARAM_BROADCASTER_PORT, t.port);
+    out.put(snd, med::PARAM_MAX_PACKET_SIZE, t.packetSize);
+    out.put(snd, prop::STREAM_ID, t.zixiStreamId);
+    out.put(snd, med::PARAM_SESSION_OR_PWD, t.zixiPassword);
+    out.put(snd, prop::LATENCY, t.zixiLatency);
+    out.put(snd, med::PARAM_FEC_OVERHEAD_PERCENT, kZixiFecPercent);
+    out.put(snd, med::PARAM_FEC_BLOCK_MS, ull ? 20 : 100);
+    out.put(snd, med::PARAM_MAX_DELAY_PACKETS, ull ? 10 : 100);
+    out.put(snd, med::PARAM_MAX_DATA_RATE,
+            dynamic ? high : (out.bitrates.max > out.bitrates.total ? out.bitrates.max : out.bitrates.total));
+    out.put(snd, med::PARAM_ADJUSTABLE_BITRATE, dynamic);
+    out.put(snd, med::PARAM_ADJUSTABLE_BITRATE_MIN, low);
+    out.put(snd, med::PARAM_ADJUSTABLE_BITRATE_MAX, high);
+    out.put(snd, med::PARAM_ADAPTIVE_MODE, dynamic ? "Fec" : "None");
+    out.put(snd, prop::ENABLE_FAILOVER, t.zixiFailover);
+    out.put(snd, med::PARAM_FAILOVER_BROADCASTER_IP, t.zixiFailoverAddress);
+    out.put(snd, med::PARAM_FAILOVER_BROADCASTER_PORT, t.zixiFailoverPort);
 }
 
-void PipelineConfigurator::configSrtSender(PipelineRun& run, size_t target) {
-    const PipelineRun::Target& t = run.targets[target];
-    const std::string s = (target == 0 ? med::SRT_SENDER : med::SRT_SENDER_2)[run.channel];
-    const char* st = tbl::SRT_SETTINGS;
-    run.enable(s);
-    run.put(s, "Network interface", "Any (Use route table)");
-    const std::string mode = run.text(st, prop::MODE, t.id);
+static void configSrtSender(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
+    const ChannelSnapshot::Target& t = s.targets[target];
+    const std::string snd = (target == 0 ? med::SRT_SENDER : med::SRT_SENDER_2)[s.channel];
+    out.enable(snd);
+    out.put(snd, med::PARAM_NETWORK_INTERFACE, "Any (Use route table)");
+    const std::string mode = t.srtMode;
     if (const char* receiver = pipeline::lookup(pipeline::SRT_RECEIVER_MODE, mode))
-        run.put(s, "Receiver Mode", receiver);
+        out.put(snd, med::PARAM_RECEIVER_MODE, receiver);
     else
-        run.unknown("SRT Mode", mode);
-    run.put(s, "Server IP", t.address);
-    run.put(s, "Port", t.port);
-    run.put(s, "Latency (ms)", run.integer(st, prop::LATENCY, t.id));
-    run.put(s, prop::TTL, t.ttl);
-    run.put(s, "Max Payload Size", t.packetSize);
-    const bool channelAes = run.encryption && (run.aesMode == "128-bit (SRT)" || run.aesMode == "256-bit (SRT)");
-    const std::string aesMode = channelAes ? run.aesMode : run.text(st, prop::AES_MODE, t.id);
-    const std::string aesKey = channelAes ? run.aesKey : run.text(st, prop::AES_KEY, t.id);
+        out.unknown("SRT Mode", mode);
+    out.put(snd, med::PARAM_SERVER_IP, t.address);
+    out.put(snd, med::PARAM_PORT, t.port);
+    out.put(snd, med::PARAM_LATENCY_MS, t.srtLatency);
+    out.put(snd, prop::TTL, t.ttl);
+    out.put(snd, med::PARAM_MAX_PAYLOAD_SIZE, t.packetSize);
+    const bool channelAes = s.encryption && (s.aesMode == value::AES_128_SRT || s.aesMode == value::AES_256_SRT);
+    const std::string aesMode = channelAes ? s.aesMode : t.srtAesMode;
+    const std::string aesKey = channelAes ? s.aesKey : t.srtAesKey;
     const char* aes = pipeline::lookup(pipeline::SRT_AES_MODE, aesMode);
     if (!aes) {
-        run.unknown("AES Mode", aesMode);
+        out.unknown("AES Mode", aesMode);
     } else {
-        run.put(s, "AES Mode", aes);
+        out.put(snd, med::PARAM_AES_MODE, aes);
         if (aesMode != "Disabled")
-            run.put(s, prop::AES_KEY, aesKey);
+            out.put(snd, prop::AES_KEY, aesKey);
     }
-    run.put(s, prop::STREAM_ID, run.text(st, prop::STREAM_ID, t.id));
-    run.put(s, "Packet Filter",
-            pipeline::srtPacketFilter(run.flag(st, prop::SRT_FEC, t.id), run.integer(st, prop::COLUMNS, t.id),
-                                      run.integer(st, prop::ROWS, t.id)));
+    out.put(snd, prop::STREAM_ID, t.srtStreamId);
+    out.put(snd, med::PARAM_PACKET_FILTER, pipeline::srtPacketFilter(t.srtFec, t.srtColumns, t.srtRows));
 }
 
 // Only channel 0's assembly has an RTMP server; on a build without one the
 // writes are skipped by the assembly check.
-void PipelineConfigurator::configRtmpServer(PipelineRun& run, size_t target) {
-    const PipelineRun::Target& t = run.targets[target];
-    const std::string s = run.comp("Rtmp Server ");
-    const char* r = tbl::RTMP_SETTINGS;
-    run.enable(s);
-    run.put(s, prop::RTMP_SERVER_URL, run.text(r, prop::RTMP_SERVER_URL, t.id));
-    run.put(s, "Name of published stream", run.text(r, prop::STREAM_NAME, t.id));
-    run.put(s, prop::USERNAME, run.text(r, prop::USERNAME, t.id));
-    run.put(s, prop::PASSWORD, run.text(r, prop::PASSWORD, t.id));
+static void configRtmpServer(const ChannelSnapshot& s, PipelineOutput& out, size_t target) {
+    const ChannelSnapshot::Target& t = s.targets[target];
+    const std::string snd = out.comp(med::RTMP_SERVER);
+    out.enable(snd);
+    out.put(snd, prop::RTMP_SERVER_URL, t.rtmpUrl);
+    out.put(snd, med::PARAM_NAME_OF_PUBLISHED_STREAM, t.rtmpStreamName);
+    out.put(snd, prop::USERNAME, t.rtmpUsername);
+    out.put(snd, prop::PASSWORD, t.rtmpPassword);
+}
+
+void configTargets(const ChannelSnapshot& s, PipelineOutput& out) {
+    for (size_t i = 0; i < s.targets.size() && i < 2; ++i) {
+        const ChannelSnapshot::Target& t = s.targets[i];
+        if (!t.enabled)
+            continue;
+        if (pipeline::lookup(pipeline::UDP_STREAM_FORMAT, t.protocol))
+            configUdpSender(s, out, i);
+        else if (t.protocol == value::RTP_ES)
+            configRtspServer(s, out, i);
+        else if (t.protocol == value::ZIXI)
+            configZixiFeeder(s, out, i);
+        else if (t.protocol == value::SRT)
+            configSrtSender(s, out, i);
+        else if (t.protocol == value::RTMP)
+            configRtmpServer(s, out, i);
+        else
+            out.unknown("Streaming Protocol", t.protocol);
+    }
 }

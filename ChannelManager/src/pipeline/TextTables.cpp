@@ -1,6 +1,4 @@
-#include "pipeline/PipelineRun.h"
-
-using namespace datacom;
+#include "pipeline/TextTables.h"
 
 // Every configuration text of a channel and the mediator text it becomes.
 // A text missing from its table is logged as " Unknown ...=" by the section

@@ -1,15 +1,13 @@
 #include <string>
 #include <vector>
 
-#include "datacom/DataHolder.h"
-#include "pipeline/PipelineConfigurator.h"
-#include "pipeline/PipelineRun.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "pipeline/PipelineSections.h"
+#include "pipeline/TextTables.h"
 #include "vocab/ChannelWireTexts.h"
+#include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -31,42 +29,37 @@ using namespace vocab;
 // path (assembly check, failure line); one the mediator reports off already
 // is left alone, so a run only writes what changes.
 
-void PipelineConfigurator::configUnusedComponents(PipelineRun& run) {
-    const int ch = run.channel;
+void configUnusedComponents(const ChannelSnapshot& s, PipelineOutput& out) {
+    const int ch = s.channel;
     std::vector<std::string> candidates = {
-        med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch], med::ZIXI_FEEDER_2[ch],
-        med::SRT_SENDER[ch],          med::SRT_SENDER_2[ch],      med::RTSP_SERVER[ch], run.comp("Rtmp Server "),
-        run.comp("KlvoSDI Wrapper "), run.comp("KlvoSDI Filter ")};
+        med::UDP_SENDER[ch],          med::UDP_SENDER_2[ch],      med::ZIXI_FEEDER[ch],
+        med::ZIXI_FEEDER_2[ch],       med::SRT_SENDER[ch],        med::SRT_SENDER_2[ch],
+        med::RTSP_SERVER[ch],         out.comp(med::RTMP_SERVER), out.comp(med::KLVOSDI_WRAPPER),
+        out.comp(med::KLVOSDI_FILTER)};
     if (ch == 1)
-        for (const char* c :
-             {"Audio Capture Str0 CH1 Low Delay", "AAC Encoder Str0 CH1 Low Delay", "PCM Converter Str0 CH1 Low Delay"})
+        for (const char* c : {med::AUDIO_CAPTURE_STR0_CH1_LOW_DELAY, med::AAC_ENCODER_STR0_CH1_LOW_DELAY,
+                              med::PCM_CONVERTER_STR0_CH1_LOW_DELAY})
             candidates.push_back(c);
 
-    const std::string other = row::otherChannel(ch);
-    if (!run.flag(tbl::SOURCE, prop::SDI_OUT_PREVIEW, other))
-        candidates.push_back("SDI_TRANSMITTER");
-    const std::string otherKlv = run.text(tbl::PROCESSING, prop::INGEST_KLV, other, value::KLV_NONE);
-    const std::string otherKlv2 = run.text(tbl::PROCESSING, prop::INGEST_KLV2, other, value::KLV_NONE);
+    if (!s.otherSdiOutPreview)
+        candidates.push_back(med::SDI_TRANSMITTER);
+    const std::string& otherKlv = s.otherIngestKlv;
+    const std::string& otherKlv2 = s.otherIngestKlv2;
     const struct {
         const char* filter;
         const char* kind;
-    } sharedFilters[] = {{"KLVoSerial Filter", value::KLV_SERIAL},
-                         {"RAW KLV RS232 Filter", value::KLV_SERIAL},
-                         {"KlvoSDI Filter Async", value::KLV_SDI},
-                         {"TS KLV Filter", value::KLV_IP},
-                         {"RAW KLV Filter", value::KLV_IP}};
+    } sharedFilters[] = {{med::KLVOSERIAL_FILTER, value::KLV_SERIAL},
+                         {med::RAW_KLV_RS232_FILTER, value::KLV_SERIAL},
+                         {med::KLVOSDI_FILTER_ASYNC, value::KLV_SDI},
+                         {med::TS_KLV_FILTER, value::KLV_IP},
+                         {med::RAW_KLV_FILTER, value::KLV_IP}};
     for (const auto& f : sharedFilters)
         if (otherKlv != f.kind && otherKlv2 != f.kind)
             candidates.push_back(f.filter);
 
-    for (const std::string& component : candidates) {
-        if (run.enabled.count(component) != 0 || !run.present(component))
-            continue;
-        int on = 1;
-        if (isOk(ITarnevelClient::getTarnevelIntParam(&ctx.holder, component, "Enable", &on)) && on == 0)
-            continue;
-        run.put(component, "Enable", false);
-    }
+    for (const std::string& component : candidates)
+        if (out.enabled.count(component) == 0 && out.present(component))
+            out.turnOff(component);
     // The KLV branch of a playing channel whose ingest changed.
-    run.result |= side.klvFollowSettings(run.rowId);
+    out.followKlv();
 }

@@ -108,15 +108,15 @@ int32_t bitrate::bitrateMargin(const char* op, const std::string& rowId, int64_t
     return range::clampLogged(op, rowId, range::OVERHEAD_PERCENT, maxVideo * 100 / video - 100);
 }
 
-void bitrate::calcBitrates(const ChannelSettings& s, int& totalBitrate, int& videoBitrate, float frameRate,
+void bitrate::calcBitrates(const ChannelSnapshot& s, int& totalBitrate, int& videoBitrate, float frameRate,
                            int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
     const std::string& rowId = s.rowId;
     char scan = 'x';
     std::sscanf(s.encodingFormat.c_str(), "%*dx%*d%c @ %*f", &scan);
 
     int64_t audio = 0;  // a sum of stored bitrates: 64 bits, clamped at the end
-    for (const ChannelSettings::AudioStream& a : s.audio) {
-        if (!a.encode || a.bitrate == 0)
+    for (const ChannelSnapshot::Audio& a : s.audio) {
+        if (!a.encodeSetting || a.bitrate == 0)
             continue;
         const int32_t rate = sampleRate(a.sampling);
         const int32_t samples = samplesPerAudioFrame(a.format);
@@ -141,7 +141,7 @@ void bitrate::calcBitrates(const ChannelSettings& s, int& totalBitrate, int& vid
         frameTerm *= FRAME_OVERHEAD_BITS;
     }
 
-    if (isTransportProtocol(s.protocol)) {
+    if (isTransportProtocol(s.protocol())) {
         if (totalBitrate == 0) {
             const int64_t packetised = packetisedVideo(frameTerm + videoBitrate);
             const int64_t withOverhead = packetised * (percent + 100) / 100;
@@ -167,7 +167,7 @@ void bitrate::calcBitrates(const ChannelSettings& s, int& totalBitrate, int& vid
                   << " totalBitrate=" << totalBitrate << " rowId=" << rowId;
 }
 
-void bitrate::applyBitrateFloors(const char* operation, const ChannelSettings& s, float frameRate, bool pcrOnVideoPid,
+void bitrate::applyBitrateFloors(const char* operation, const ChannelSnapshot& s, float frameRate, bool pcrOnVideoPid,
                                  int& video, int& total, int& max, bool& totalRaised, bool& maxRaised) {
     totalRaised = maxRaised = false;
     const int channel = channelIndex(s.rowId);
@@ -197,7 +197,7 @@ void bitrate::applyBitrateFloors(const char* operation, const ChannelSettings& s
     }
 }
 
-int bitrate::encoderMargin(const char* operation, const ChannelSettings& s, int video, int max, float frameRate,
+int bitrate::encoderMargin(const char* operation, const ChannelSnapshot& s, int video, int max, float frameRate,
                            bool pcrOnVideoPid) {
     const int channel = channelIndex(s.rowId);
     if (channel < 0 || !s.encodeVideo || video == 0)

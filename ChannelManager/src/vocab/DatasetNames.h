@@ -227,6 +227,21 @@ constexpr const char* PROFILE_ULL = "Ultra Low Latency - LAN";
 // Rate control
 constexpr const char* CBR = "CBR";
 constexpr const char* CAPPED_VBR = "Capped VBR";
+constexpr const char* VBR = "VBR";
+// Audio channel modes and the codecs with a low-delay path
+constexpr const char* MONO_LEFT = "Mono Left";
+constexpr const char* MONO_RIGHT = "Mono Right";
+constexpr const char* STEREO = "Stereo";
+constexpr const char* AUDIO_AAC_ELD = "AAC-ELD";
+constexpr const char* AUDIO_PCM = "PCM";
+// FEC modes of a Pro-MPEG target (and the summary's "FEC")
+constexpr const char* FEC_1D = "1-D";
+constexpr const char* FEC_2D = "2-D";
+// The channel's AES modes that the SRT sender applies itself
+constexpr const char* AES_128_SRT = "128-bit (SRT)";
+constexpr const char* AES_256_SRT = "256-bit (SRT)";
+// Frame rate ratio
+constexpr const char* HALF_OF_INPUT = "Half of Input";
 // KLV ingest
 constexpr const char* KLV_NONE = "None";
 constexpr const char* KLV_SERIAL = "Serial";
@@ -241,6 +256,8 @@ constexpr const char* SRC_HDMI = "HDMI";
 // Embedded audio sources
 constexpr const char* AUDIO_SDI_EMBEDDED = "SDI Embedded";
 constexpr const char* AUDIO_HDMI_EMBEDDED = "HDMI Embedded";
+// The analogue line input, the one audio source with a gain to set
+constexpr const char* AUDIO_UNBALANCED_ANALOG = "Unbalanced analog";
 // GOP structures the HEVC format rules test
 constexpr const char* GOP_I = "I";
 constexpr const char* GOP_IP = "IP";

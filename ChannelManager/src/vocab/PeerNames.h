@@ -88,6 +88,26 @@ constexpr const char* ENCAPSULATION = "Encapsulation";
 constexpr const char* INPUT_DATA_FORMAT = "Input Data Format";
 constexpr const char* KLV_BITRATE = "KLV Bitrate";  // of a "KLV over IP" input
 }  // namespace prop
+// The device manager's table of each KLV ingest and the property that holds
+// its bitrate.
+struct DeviceKlvInput {
+    const char* ingest;
+    const char* table;
+    const char* bitrate;
+};
+constexpr DeviceKlvInput DEVICE_KLV_INPUTS[] = {
+    {value::KLV_SERIAL, "ComPortsTable", "Baud Rate"},
+    {value::KLV_IP, tbl::KLV_OVER_IP, prop::KLV_BITRATE},
+    {value::KLV_SDI, "KLV over SDI", "Bitrate"},
+    {value::KLV_SDI_SYNC, "KLV over SDI", "Bitrate"},
+};
+// The input of an "Ingest KLV" setting; null for "None" or an unknown text.
+inline const DeviceKlvInput* deviceKlvInput(const std::string& ingest) {
+    for (const DeviceKlvInput& input : DEVICE_KLV_INPUTS)
+        if (ingest == input.ingest)
+            return &input;
+    return nullptr;
+}
 namespace cmd {
 // "Toggle KLVoSDI Input" names the channel and whether KLV comes from SDI.
 constexpr const char* TOGGLE_KLVOSDI_INPUT = "Toggle KLVoSDI Input";

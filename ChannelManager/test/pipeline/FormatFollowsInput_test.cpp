@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "pipeline/PipelineRun.h"
+#include "pipeline/FormatFollowsInput.h"
 #include "settings/VideoFormatTables.h"
 #include "support/ChannelPipelineSupport.h"
 

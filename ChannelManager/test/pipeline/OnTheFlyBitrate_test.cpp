@@ -68,6 +68,13 @@ TEST_F(OnTheFlyBitrate, OnTheFlyH264MinimumAndMargins) {
     EXPECT_EQ(0, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264));
     EXPECT_EQ("Video Encoder CH0/Bitrate Margin=0", h.writes({"Video Encoder CH0/"}).back());
 
+    // Plain VBR sends the margin but keeps its own overhead: only Capped VBR stores the margin as the overhead.
+    ASSERT_TRUE(h.set({{tbl::PROCESSING, prop::RATE_CONTROL, row::H264, "VBR"},
+                       {tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264, 7}}));
+    EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::H264, 5000000, 6000000));
+    EXPECT_EQ("Video Encoder CH0/Bitrate Margin=21", h.writes({"Video Encoder CH0/"}).back());
+    EXPECT_EQ(7, h.number(ds::CHANNEL, tbl::TRANSPORT_STREAM, prop::MUXRATE_OVERHEAD_PERCENT, row::H264));
+
     h.recorder.clear();
     EXPECT_EQ(FC_OK, h.channel().changeBitrateOnTheFly(row::ALL, 5000000, 6000000));
     EXPECT_TRUE(h.recorder.events().empty());

@@ -21,6 +21,22 @@ TEST(PipelineRun, FactoryH264ChannelReachesTheMediatorComplete) {
     const Fcodes code = b.configure(row::H264);
     EXPECT_TRUE(noWriteFailed(code)) << fcodeText(code);
     EXPECT_EQ(expectedWrites("factory_h264.txt"), b.writes());
+    // The sections run in their order: the ratio, the mixer, the audio input, the encoder, the multiplexer.
+    const std::vector<std::string> order =
+        h.writes({"Video Encoder CH1/Frame Rate Ratio", "VIDEO_MIXER_CH0/Input", "AUDIO_MUX_STR0_CH0/Input",
+                  "Video Encoder CH0/Bitrate=", "TS Multiplexer CH0/Video PID"});
+    ASSERT_EQ(5u, order.size());
+    EXPECT_EQ(0u, order[0].find("Video Encoder CH1/Frame Rate Ratio"));
+    EXPECT_EQ(0u, order[1].find("VIDEO_MIXER_CH0/Input"));
+    EXPECT_EQ(0u, order[2].find("AUDIO_MUX_STR0_CH0/Input"));
+    EXPECT_EQ(0u, order[3].find("Video Encoder CH0/Bitrate="));
+    EXPECT_EQ(0u, order[4].find("TS Multiplexer CH0/Video PID"));
+
+    // A disabled stream is not encoded, whatever its "Encode Audio" says.
+    ASSERT_TRUE(h.set({{tbl::AUDIO_SOURCE, prop::ENABLED, "H.264 Audio1", false}}));
+    b.configure(row::H264);
+    EXPECT_FALSE(b.wrote("Audio Encoder Str0 CH0"));
+    EXPECT_FALSE(b.wrote("TS Multiplexer CH0/Audio PID")) << b.writes({"TS Multiplexer CH0/"});
 }
 
 // One row per selectable text: the writes to the components that differ

@@ -1,6 +1,7 @@
 // The channel summary of a configured channel, and the picture and
 // analogue-gain settings that a summary run and an accepted change apply.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/ChannelPipelineSupport.h"
 
@@ -69,10 +70,17 @@ TEST(SummarySection, PictureAdjustmentsAndAnalogueGain) {
     h.mediator.model().clearRecords();
     EXPECT_EQ(FC_OK, h.channel().configAVSettings(row::HEVC));
     EXPECT_EQ(FC_OK, h.channel().configAudioGain("H.264 Audio1")) << "embedded audio has no gain to set";
-    EXPECT_EQ(FC_OK, h.channel().configAudioGain("H.264 Audio2"));
     EXPECT_EQ(
-        "UNBALANCED_AMPLIFIER/Gain Str1=-6\nVIDEO_MIXER_CH1/Brightness=60\nVIDEO_MIXER_CH1/Contrast=50\n"
-        "VIDEO_MIXER_CH1/Hue=0\nVIDEO_MIXER_CH1/Saturation=50\n",
+        "VIDEO_MIXER_CH1/Brightness=60\nVIDEO_MIXER_CH1/Contrast=50\nVIDEO_MIXER_CH1/Hue=0\n"
+        "VIDEO_MIXER_CH1/Saturation=50\n",
         b.writes());
+    // A run applies the gains of the channel's streams.
+    b.configure(row::H264);
+    EXPECT_EQ("UNBALANCED_AMPLIFIER/Gain Str1=-6\n", b.writes({"UNBALANCED_AMPLIFIER"}));
+    // An RTP ES target's server writes its SDP files into a directory the run makes.
+    ASSERT_TRUE(h.set({{tbl::TARGET, prop::STREAMING_PROTOCOL, "HEVC Target1", "RTP ES"}}));
+    b.configure(row::HEVC);
+    struct stat made {};
+    EXPECT_EQ(0, stat(h.root.host("/srv/http/webui/sdp").c_str(), &made));
     EXPECT_EQ(FC_BAD_VALUE, h.channel().configAVSettings("H.265"));
 }

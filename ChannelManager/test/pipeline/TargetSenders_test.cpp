@@ -3,9 +3,8 @@
 // filter and RTSP live URIs.
 #include <gtest/gtest.h>
 
-#include "pipeline/PipelineRun.h"
-
-using namespace datacom;
+#include "pipeline/MuxSection.h"
+#include "pipeline/TargetSenders.h"
 
 TEST(TargetSenders, TransportValuesFollowTheTargets) {
     struct Granularity {

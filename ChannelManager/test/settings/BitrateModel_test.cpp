@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "settings/BitrateModel.h"
-#include "settings/ChannelSettings.h"
+#include "settings/ChannelSnapshot.h"
 #include "support/ChannelHarness.h"
 
 using namespace datacom;
@@ -28,15 +28,21 @@ int klvBitrate(const std::string& in) {
     return in == "Serial" ? 115200 : in == "IP" ? 64000 : in == "SDI" || in == "SDI-Sync" ? 32000 : 0;
 }
 
-ChannelSettings settingsOf(const BitrateInputs& in) {
-    ChannelSettings s;
+ChannelSnapshot settingsOf(const BitrateInputs& in) {
+    ChannelSnapshot s;
     s.rowId = in.channel;
-    s.hasTarget = *in.protocol != 0;
-    s.protocol = in.protocol;
+    if (*in.protocol != 0)
+        s.targets.push_back({});
+    if (*in.protocol != 0)
+        s.targets.back().protocol = in.protocol;
     s.encodingFormat = in.encodingFormat;
     s.rateControl = in.rateControl;
     s.overheadPercent = in.overheadPercent;
-    s.audio.push_back({in.audioBitrate != 0, in.audioBitrate, in.audioFormat, in.audioSampling});
+    s.audio.emplace_back();
+    s.audio.back().encodeSetting = in.audioBitrate != 0;
+    s.audio.back().bitrate = in.audioBitrate;
+    s.audio.back().format = in.audioFormat;
+    s.audio.back().sampling = in.audioSampling;
     s.ingestKlv = in.klv1;
     s.ingestKlv2 = in.klv2;
     s.klvBitrate1 = klvBitrate(in.klv1);
@@ -90,6 +96,8 @@ TEST(BitrateModel, CalcBitratesModelsTheTransportStream) {
          0, 0},
         {"RTMP: no overhead", {H, "RTMP", I, "CBR", 10, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false, 4000000,
          4000000, 0, 0},
+        {"RTMP total from the video counts the KLV", {H, "RTMP", I, "CBR", 0, 128000, AAC, K48, "IP", "SDI", true}, 0,
+         4000000, 25, false, 4307500, 4000000, 211500, 96000},
         {"RTP ES from the total", {H, "RTP ES", I, "CBR", 10, 128000, AAC, K48, "IP", N, true}, 5000000, 0, 25, false,
          5000000, 4724500, 211500, 64000},
         {"no target", {H, "", I, "CBR", 0, 0, AAC, K48, N, N, true}, 0, 4000000, 25, false, 4000000, 4000000, 0, 0},
@@ -121,7 +129,7 @@ TEST(BitrateModel, CalcBitratesModelsTheTransportStream) {
 // The reading behind the model: the KLV bitrates come from the device
 // manager, and a channel without a target is "Unavailable". (The on-the-fly
 // tests read the factory channels: their figures hold the audio rows.)
-TEST(BitrateModel, ReadChannelSettingsOnce) {
+TEST(BitrateModel, ReadChannelSnapshotOnce) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     const std::string V = row::HEVC;
@@ -129,9 +137,9 @@ TEST(BitrateModel, ReadChannelSettingsOnce) {
                        {tbl::TARGET, prop::CHANNEL_ID, V + " Target2", "Spare"},
                        {tbl::PROCESSING, prop::INGEST_KLV, V, "IP"},
                        {tbl::PROCESSING, prop::INGEST_KLV2, V, "Serial"}}));
-    ChannelSettings s;
-    EXPECT_EQ(FC_OK | FC_UNAVAILABLE, readChannelSettings(*h.holder, row::HEVC, s));
-    EXPECT_EQ("", s.protocol);
+    ChannelSnapshot s;
+    EXPECT_EQ(FC_OK | FC_UNAVAILABLE, readChannelSnapshot(*h.holder, row::HEVC, s));
+    EXPECT_EQ("", s.protocol());
     EXPECT_EQ(klvBitrate("IP"), s.klvBitrate1);
     EXPECT_EQ(klvBitrate("Serial"), s.klvBitrate2);
 }
