@@ -102,4 +102,26 @@ TEST(PipelineSections, BitrateFloorsRaiseAndTell) {
     EXPECT_EQ("prev: 150000 new: " + std::to_string(out.bitrates.max), event.instance);
 }
 
+// Target 1 has its own senders (" 2") and stream 2 its own PID: neither may
+// fall back to target 0's sender or stream 1's PID.
+TEST(PipelineSections, TheSecondTargetAndStreamAreTheirOwn) {
+    ChannelSnapshot s = h264("CBR", "Zixi");
+    s.targets.push_back(s.targets.back());
+    s.targets[0].address = "239.1.1.1";
+    s.targets[1].address = "239.1.1.2";
+    s.audio.resize(2);
+    for (ChannelSnapshot::Audio& a : s.audio)
+        a.encode = true;
+    s.audio[0].pid = 201;
+    s.audio[1].pid = 202;
+    PipelineOutput out(s);
+    configTargets(s, out);
+    configMultiplexer(s, out);
+    const std::vector<std::string> w = out.writes();
+    for (const char* expected :
+         {"Zixi Feeder CH0/Broadcaster IP=239.1.1.1", "Zixi Feeder CH0 2/Broadcaster IP=239.1.1.2",
+          "TS Multiplexer CH0/Audio PID=201", "TS Multiplexer CH0/Audio2 PID=202"})
+        EXPECT_EQ(1, std::count(w.begin(), w.end(), expected)) << expected;
+}
+
 }  // namespace
