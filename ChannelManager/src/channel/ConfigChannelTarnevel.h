@@ -3,14 +3,28 @@
 #include <string>
 #include <vector>
 
+#include "channel/ChannelCommands.h"
+#include "channel/ChannelLifecycle.h"
+#include "channel/VideoSourceTracker.h"
 #include "datacom/Fcodes.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "settings/ChannelContext.h"
+#include "settings/ChannelRows.h"
+#include "settings/HolderMediator.h"
+#include "settings/HolderStore.h"
+#include "side/DataStreamEvents.h"
+#include "side/FrontPanelLeds.h"
+#include "side/KlvBranches.h"
+#include "side/SapAnnouncements.h"
+#include "side/StreamStatistics.h"
+#include "side/TargetProbes.h"
 
 namespace datacom {
 class DataHolder;
 }
+class ChannelRunBook;
 class IChannelEvents;
 
 // The channel logic as the manager calls it, for the two channels ("H.264"
@@ -20,19 +34,23 @@ class IChannelEvents;
 //              stop, start-up, branch events), VideoSourceTracker;
 //   pipeline/  PipelineConfigurator (a run and its sections, on-the-fly
 //              bitrates, the encoder read-back);
-//   side/      SideActions (SAP, KLV, probes, LEDs, statistics, data-stream events);
+//   side/      SapAnnouncements, KlvBranches, TargetProbes, FrontPanelLeds,
+//              StreamStatistics, DataStreamEvents;
 //   settings/  ChannelRows, the input validation, the format tables, the
-//              run book and what the manager offers (IChannelEvents).
+//              run book, the two ports (ChannelStore, Mediator) and what the
+//              manager offers (IChannelEvents).
 //
-// A working object: made on the stack for one operation and dropped. It keeps
-// no state of its own; every decision reads and writes the channel rows of
-// the holder's JSON datasets, every media action goes to the mediator through
-// ITarnevelClient on the holder's engine, and events go out through
-// IChannelEvents. The manager passes itself as both; tests pass a holder and
-// an event recorder of their own.
+// A working object: made on the stack for one operation and dropped. It makes
+// each part once and lends it by reference to the parts that call it. It
+// keeps no state of its own; every decision reads and writes the channel rows
+// through ChannelStore, every media action goes to the mediator through
+// Mediator (both served here by the holder), and events go out through
+// IChannelEvents. The run book is the caller's: it outlives the object. The
+// manager passes itself as holder and events and lends its book; tests pass
+// a holder, an event recorder and a book of their own.
 //
 // Locking: playChannel, stopChannel, handleTarnevelBranchEvent and
-// handleDataStreamEvent hold the holder's recursive lock for their whole run;
+// handleDataStreamEvent hold the rows' recursive lock for their whole run;
 // execute holds it around a forced stop. Other operations rely on the stores'
 // own locks. Any thread may use an object; one object is not shared between
 // threads.
@@ -41,7 +59,7 @@ class IChannelEvents;
 // steps succeeded.
 class ConfigChannelTarnevel {
 public:
-    ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events);
+    ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook);
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
 
@@ -110,5 +128,19 @@ public:
     datacom::Fcodes updateStreamAndErrorLeds();
 
 private:
+    // In the order they are made: each part is lent only parts made before it.
+    HolderStore store;
+    HolderMediator mediator;
     ChannelContext ctx;
+    ChannelRows rows;
+    SapAnnouncements sap;
+    KlvBranches klv;
+    TargetProbes probes;
+    FrontPanelLeds leds;
+    StreamStatistics statistics;
+    DataStreamEvents dataStreams;
+    PipelineConfigurator pipeline;
+    ChannelLifecycle lifecycle;
+    VideoSourceTracker sources;
+    ChannelCommands commands;
 };

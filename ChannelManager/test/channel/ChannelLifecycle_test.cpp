@@ -69,7 +69,7 @@ const char* H = row::H264;
 const char* V = row::HEVC;
 const std::string T1 = "H.264 Target1", T2 = "H.264 Target2";
 
-TEST(PlayStop, TransitionsAgainstTheMediator) {
+TEST(ChannelLifecycle, TransitionsAgainstTheMediator) {
     const std::string played = std::string(ev::CHANNEL_PLAYED) + " ";
     const std::string closed = std::string(ev::CLOSE_ALARMS) + " ";
     const std::string stopped = std::string(ev::CHANNEL_STOPPED) + " ";
@@ -209,7 +209,7 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
 
 // Branch events are checked against the channel and change nothing; an SRT
 // branch is never tied to a channel.
-TEST(PlayStop, BranchEventsChangeNothing) {
+TEST(ChannelLifecycle, BranchEventsChangeNothing) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     struct {
@@ -234,7 +234,7 @@ TEST(PlayStop, BranchEventsChangeNothing) {
 }
 
 // The wait polls every 5 ms for at most its time; not getting there is no failure.
-TEST(PlayStop, WaitWhileInTransitionPollsWithinItsTime) {
+TEST(ChannelLifecycle, WaitWhileInTransitionPollsWithinItsTime) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     MediatorTranscript transcript(h);
@@ -251,7 +251,7 @@ TEST(PlayStop, WaitWhileInTransitionPollsWithinItsTime) {
 
 // A playing channel whose source is gone turns "ERROR" with "Channel Error",
 // but only when it takes video or embedded audio from that source.
-TEST(PlayStop, ChannelStatusFollowsTheSource) {
+TEST(ChannelLifecycle, ChannelStatusFollowsTheSource) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     DataHolder& d = *h.holder;
@@ -276,7 +276,7 @@ TEST(PlayStop, ChannelStatusFollowsTheSource) {
 
 // Start-up: every channel stopped and configured; a channel that was playing
 // plays again when its input fits and stays stopped when it does not.
-TEST(PlayStop, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
+TEST(ChannelLifecycle, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     MediatorTranscript transcript(h);
