@@ -38,9 +38,6 @@ using namespace vocab;
 
 namespace {
 
-constexpr int START_TIMEOUT_SEC = 20;
-constexpr int STOP_TIMEOUT_SEC = 20;
-constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
 constexpr int POLL_MS = 5;
 const std::string ZIXI_PREFIX = "ZIXI ";  // the Zixi branches, "ZIXI CH0" ...
 constexpr ChannelRunBook::Kind TARGET = ChannelRunBook::Kind::Target;
@@ -71,7 +68,7 @@ void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<
             ctx.runBook.addBranch(rowId, branch, TARGET);  // running for this channel: its stop stops it
         if (!isOk(stateRead) || branchState != state::BRANCH_STOP)
             continue;
-        const Fcodes started = ctx.mediator.startBranch(branch, true, START_TIMEOUT_SEC);
+        const Fcodes started = ctx.mediator.startBranch(branch, true, med::START_TIMEOUT_SEC);
         if (isOk(started))
             ctx.runBook.addBranch(rowId, branch, TARGET);
         if (!isOk(started)) {
@@ -147,8 +144,8 @@ Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector
                 ctx.runBook.removeBranch(rowId, branch, TARGET);
             continue;
         }
-        const Fcodes stopped = zixi ? ctx.mediator.stopBranch(branch, false, ZIXI_STOP_TIMEOUT_SEC)
-                                    : ctx.mediator.stopBranch(branch, true, STOP_TIMEOUT_SEC);
+        const Fcodes stopped = zixi ? ctx.mediator.stopBranch(branch, false, med::ZIXI_STOP_TIMEOUT_SEC)
+                                    : ctx.mediator.stopBranch(branch, true, med::STOP_TIMEOUT_SEC);
         result |= stopped;
         if (isOk(stopped)) {
             ctx.runBook.removeBranch(rowId, branch, TARGET);

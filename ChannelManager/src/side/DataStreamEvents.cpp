@@ -23,9 +23,6 @@ using namespace vocab;
 
 namespace {
 
-// What an SRT sender may still send, re-divided when a client joins.
-constexpr const char* REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
-
 // "Data Stream" and "Zixi Connection Failed": "ON" adds the condition to
 // what the channel holds, anything else clears every condition. A channel
 // stopped by its user (0x20020 held completely) keeps that code.
@@ -127,11 +124,11 @@ Fcodes DataStreamEvents::srtNewClient() {
             if (remaining < 0)
                 remaining = 0;
             const int value = side::clampToInt(static_cast<unsigned long long>(remaining));
-            Fcodes set = ctx.mediator.setIntParam(sender, REMAINING_OUTPUT_BITRATE, value);
+            Fcodes set = ctx.mediator.setIntParam(sender, med::PARAM_REMAINING_OUTPUT_BITRATE, value);
             if (!isOk(set))
                 DBG(DBG_ERROR) << "SrtMaxBitrateSettings: rowId=" << channels[channel] << " Error: val=" << value
-                               << " param=" << REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x" << std::hex
-                               << static_cast<uint32_t>(set);
+                               << " param=" << med::PARAM_REMAINING_OUTPUT_BITRATE << " comp=" << sender << " fcode=0x"
+                               << std::hex << static_cast<uint32_t>(set);
             result |= set;
         }
     }

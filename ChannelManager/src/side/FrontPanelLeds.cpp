@@ -7,6 +7,7 @@
 #include "side/SideActionSupport.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
 
@@ -23,18 +24,10 @@ using namespace vocab;
 // A channel whose rows cannot be read lights nothing; the read's failure is
 // in the result.
 
-namespace {
-
-constexpr const char* DEVICE = "Device";
-constexpr const char* STREAMING_LED = "Streaming LED";
-constexpr const char* ERROR_LED = "Error LED";
-
-}  // namespace
-
 Fcodes FrontPanelLeds::setLed(const std::string& led, int value) {
-    Fcodes code = ctx.mediator.setIntParam(DEVICE, led, value);
+    Fcodes code = ctx.mediator.setIntParam(med::DEVICE, led, value);
     if (!isOk(code))
-        DBG(DBG_ERROR) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << DEVICE << " fcode=0x"
+        DBG(DBG_ERROR) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << med::DEVICE << " fcode=0x"
                        << std::hex << static_cast<uint32_t>(code);
     return code;
 }
@@ -58,7 +51,7 @@ Fcodes FrontPanelLeds::updateStreamAndErrorLeds() {
         streaming = streaming || playing;
         error = error || status == state::STATUS_ERROR || (playing && detected == state::INPUT_NONE);
     }
-    result |= setLed(STREAMING_LED, streaming ? 1 : 0);
-    result |= setLed(ERROR_LED, error ? 1 : 0);
+    result |= setLed(med::PARAM_STREAMING_LED, streaming ? 1 : 0);
+    result |= setLed(med::PARAM_ERROR_LED, error ? 1 : 0);
     return result;
 }

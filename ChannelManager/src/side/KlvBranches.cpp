@@ -36,12 +36,6 @@ using namespace vocab;
 
 namespace {
 
-const char* const KLV_O_SERIAL = "KLVoSerial";
-const char* const RAW_KLV_O_SERIAL = "RAWKLVoSerial";
-const char* const KLV_O_IP = "KLVoIP";
-const char* const RAW_KLV_O_IP = "RAWKLVoIP";
-const char* const KLV_O_SDI_ASYNC = "KLVoSDI Async";
-const char* const KLV_O_SDI[2] = {"KLVoSDI CH0", "KLVoSDI CH1"};  // synchronous, one per channel
 const char* const FORMAT_COT = "COT";
 const char* const FORMAT_KLV = "KLV";
 const char* const ENCAPSULATION_TS = "TS";
@@ -60,9 +54,9 @@ Fcodes klvBranchOf(ChannelStore& store, const std::string& ingest, int channel, 
                                                 setting, "") |
                       FC_OK;
         if (setting == FORMAT_COT)
-            branch = KLV_O_SERIAL;
+            branch = med::KLV_O_SERIAL;
         if (setting == FORMAT_KLV)
-            branch = RAW_KLV_O_SERIAL;
+            branch = med::RAW_KLV_O_SERIAL;
         resetCommand = cmd::RESET_KLV_STATISTICS;
         return read;
     }
@@ -71,16 +65,16 @@ Fcodes klvBranchOf(ChannelStore& store, const std::string& ingest, int channel, 
             store.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, setting, "") |
             FC_OK;
         if (setting == ENCAPSULATION_TS)
-            branch = KLV_O_IP;
+            branch = med::KLV_O_IP;
         if (setting == ENCAPSULATION_RAW)
-            branch = RAW_KLV_O_IP;
+            branch = med::RAW_KLV_O_IP;
         resetCommand = cmd::RESET_KLVOIP_STATISTICS;
         return read;
     }
     if (ingest == value::KLV_SDI_SYNC)
-        branch = KLV_O_SDI[channel];
+        branch = med::KLV_O_SDI[channel];
     if (ingest == value::KLV_SDI)
-        branch = KLV_O_SDI_ASYNC;
+        branch = med::KLV_O_SDI_ASYNC;
     if (!branch.empty())
         resetCommand = cmd::RESET_KLVOSDI_STATISTICS;
     return FC_OK;
@@ -120,7 +114,7 @@ Fcodes deviceCommand(ChannelStore& store, const char* id) {
     command.setId(id);
     std::string text, result;
     command.toString(text);
-    return store.requestCommand(wire::SOCK_DEV, text, result, 10, 3) | FC_OK;
+    return store.requestCommand(wire::SOCK_DEV, text, result, peer::REQUEST_TIMEOUT_SEC, peer::REQUEST_TRIES) | FC_OK;
 }
 
 }  // namespace
@@ -165,7 +159,7 @@ Fcodes KlvBranches::stopKlvBranches(const std::string& rowId, const std::vector<
             book.removeBranch(rowId, branch, KLV);
             continue;
         }
-        const Fcodes stopped = ctx.mediator.stopBranch(branch, true, 20);
+        const Fcodes stopped = ctx.mediator.stopBranch(branch, true, med::STOP_TIMEOUT_SEC);
         if (isOk(stopped)) {
             DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
             book.removeBranch(rowId, branch, KLV);
@@ -213,7 +207,7 @@ Fcodes KlvBranches::klvAction(const std::string& rowId) {
             ctx.runBook.addBranch(rowId, branch, KLV);
         if (branchState != state::BRANCH_STOP)
             continue;
-        Fcodes started = ctx.mediator.startBranch(branch, true, 20);
+        Fcodes started = ctx.mediator.startBranch(branch, true, med::START_TIMEOUT_SEC);
         if (isOk(started)) {
             DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
             ctx.runBook.addBranch(rowId, branch, KLV);
@@ -247,8 +241,8 @@ Fcodes KlvBranches::klvFollowSettings(const std::string& rowId) {
     std::vector<const char*> resets;
     Fcodes result = FC_OK | klvBranches(ctx.store, rowId, named, resets);
     std::vector<std::string> unnamed;
-    for (const char* branch :
-         {KLV_O_SERIAL, RAW_KLV_O_SERIAL, KLV_O_IP, RAW_KLV_O_IP, KLV_O_SDI[channel], KLV_O_SDI_ASYNC})
+    for (const char* branch : {med::KLV_O_SERIAL, med::RAW_KLV_O_SERIAL, med::KLV_O_IP, med::RAW_KLV_O_IP,
+                               med::KLV_O_SDI[channel], med::KLV_O_SDI_ASYNC})
         if (!contains(named, branch))
             unnamed.push_back(branch);
     result |= stopKlvBranches(rowId, unnamed);

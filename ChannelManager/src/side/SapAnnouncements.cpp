@@ -73,7 +73,7 @@ std::string sdpFileName(const std::string& directory, const std::string& target)
 Fcodes sendToAnnouncer(ChannelStore& store, const MessageCommand& command) {
     std::string text, result;
     command.toString(text);
-    return store.requestCommand(wire::SOCK_SAP, text, result, 10, 3) | FC_OK;
+    return store.requestCommand(wire::SOCK_SAP, text, result, peer::REQUEST_TIMEOUT_SEC, peer::REQUEST_TRIES) | FC_OK;
 }
 
 }  // namespace

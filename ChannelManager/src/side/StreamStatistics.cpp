@@ -43,10 +43,7 @@ const TargetSender* senderOf(const std::string& targetRow) {
     return nullptr;
 }
 
-// Zixi statistics texts and the keys published from each.
-const char* const NETWORK_STATS = "Network Stats";
-const char* const ERROR_CORRECTION_STATS = "Error Correction Stats";
-const char* const CONNECTION_STATS = "Connection Stats";
+// The keys published from a Zixi feeder's statistics texts.
 
 struct ZixiKey {
     const char* key;
@@ -72,13 +69,12 @@ struct SrtStat {
     const char* property;
 };
 
-const char* const SRT_BITRATE_MBPS = med::PARAM_STAT_BITRATE_MBPS;
 const SrtStat kSrtStats[] = {
-    {"Stat: RTT", tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME},
-    {"Stat: Packets", tbl::SRT_QOS, prop::TOTAL_PACKETS},
-    {"Stat: Lost Packets", tbl::SRT_QOS, prop::PACKET_LOSS},
-    {"Stat: Dropped Packets", tbl::SRT_QOS, prop::DROPPED_PACKETS},
-    {"Stat: Retransmitted Packets", tbl::SRT_QOS, prop::RECOVERED_PACKETS},
+    {med::PARAM_STAT_RTT, tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME},
+    {med::PARAM_STAT_PACKETS, tbl::SRT_QOS, prop::TOTAL_PACKETS},
+    {med::PARAM_STAT_LOST_PACKETS, tbl::SRT_QOS, prop::PACKET_LOSS},
+    {med::PARAM_STAT_DROPPED_PACKETS, tbl::SRT_QOS, prop::DROPPED_PACKETS},
+    {med::PARAM_STAT_RETRANSMITTED_PACKETS, tbl::SRT_QOS, prop::RECOVERED_PACKETS},
 };
 
 void logFailure(const char* prefix, const std::string& rowId, const std::string& value, const char* parameter,
@@ -151,7 +147,7 @@ Fcodes StreamStatistics::updateZixiStatistics(const std::string& targetRowId) {
     Fcodes result = FC_OK | requestUpdate(ctx.mediator, "updateZixiStatistics: ", targetRowId, feeder);
 
     std::string text;
-    Fcodes read = readStatText(ctx.mediator, targetRowId, feeder, NETWORK_STATS, text);
+    Fcodes read = readStatText(ctx.mediator, targetRowId, feeder, med::PARAM_NETWORK_STATS, text);
     result |= read;
     if (isOk(read)) {
         for (const ZixiKey& key : kNetworkKeys)
@@ -163,7 +159,7 @@ Fcodes StreamStatistics::updateZixiStatistics(const std::string& targetRowId) {
     }
 
     text.clear();
-    read = readStatText(ctx.mediator, targetRowId, feeder, ERROR_CORRECTION_STATS, text);
+    read = readStatText(ctx.mediator, targetRowId, feeder, med::PARAM_ERROR_CORRECTION_STATS, text);
     result |= read;
     if (isOk(read)) {
         const uint64_t recovered = parseZixiStat(text, " arq_recovered") + parseZixiStat(text, " fec_recovered");
@@ -173,7 +169,7 @@ Fcodes StreamStatistics::updateZixiStatistics(const std::string& targetRowId) {
     }
 
     text.clear();
-    read = readStatText(ctx.mediator, targetRowId, feeder, CONNECTION_STATS, text);
+    read = readStatText(ctx.mediator, targetRowId, feeder, med::PARAM_CONNECTION_STATS, text);
     result |= read;
     if (isOk(read))
         result |= publish(ctx.store, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION,
@@ -199,7 +195,7 @@ Fcodes StreamStatistics::updateSrtStatistics(const std::string& targetRowId) {
     Fcodes result = FC_OK | requestUpdate(ctx.mediator, "updateSrtStatistics: ", targetRowId, component);
 
     std::string text;
-    Fcodes read = readStatText(ctx.mediator, targetRowId, component, SRT_BITRATE_MBPS, text);
+    Fcodes read = readStatText(ctx.mediator, targetRowId, component, med::PARAM_STAT_BITRATE_MBPS, text);
     result |= read;
     if (isOk(read))
         result |= publish(ctx.store, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text), targetRowId);
