@@ -10,10 +10,19 @@ using namespace datacom;
 // Every operation hands over to its part; see the header for who owns what.
 
 ConfigChannelTarnevel::ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook)
-    : store(holder),
-      mediator(holder),
-      ctx{store, mediator, events, runBook, holder},
-      rows(store, mediator),
+    : ConfigChannelTarnevel(nullptr, nullptr, events, runBook, holder) {}
+
+ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events,
+                                             ChannelRunBook& runBook, DataHolder& holder)
+    : ConfigChannelTarnevel(&store, &mediator, events, runBook, holder) {}
+
+ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore* store, Mediator* mediator, IChannelEvents& events,
+                                             ChannelRunBook& runBook, DataHolder& holder)
+    : holderStore(holder),
+      holderMediator(holder),
+      ctx{store != nullptr ? *store : holderStore, mediator != nullptr ? *mediator : holderMediator, events, runBook,
+          holder},
+      rows(ctx.store, ctx.mediator),
       sap(ctx, rows),
       klv(ctx),
       probes(ctx, rows),
@@ -89,7 +98,7 @@ Fcodes ConfigChannelTarnevel::clearChannelParametersBackup(const std::string& ro
     return rows.clearChannelParametersBackup(rowId);
 }
 Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
-    return ::validateInputFormat(store, rowId);
+    return ::validateInputFormat(ctx.store, rowId);
 }
 
 Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {

@@ -59,7 +59,12 @@ class IChannelEvents;
 // steps succeeded.
 class ConfigChannelTarnevel {
 public:
+    // Rows and mediator both served by `holder`.
     ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook);
+    // Rows and mediator of the caller's (tests: in memory); the pipeline still
+    // reads and sends through `holder` until it moves onto the ports.
+    ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events, ChannelRunBook& runBook,
+                          datacom::DataHolder& holder);
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
 
@@ -128,9 +133,12 @@ public:
     datacom::Fcodes updateStreamAndErrorLeds();
 
 private:
+    ConfigChannelTarnevel(ChannelStore* store, Mediator* mediator, IChannelEvents& events, ChannelRunBook& runBook,
+                          datacom::DataHolder& holder);
+
     // In the order they are made: each part is lent only parts made before it.
-    HolderStore store;
-    HolderMediator mediator;
+    HolderStore holderStore;
+    HolderMediator holderMediator;
     ChannelContext ctx;
     ChannelRows rows;
     SapAnnouncements sap;
