@@ -63,10 +63,6 @@ std::function<Fcodes(ChannelHarness&)> command(const char* id, const char* rowId
     return [id, rowId](ChannelHarness& h) { return h.channelCommand(id, {{cmd::PARAM_ROW_ID, rowId}}); };
 }
 
-std::function<Fcodes(ChannelHarness&)> stopChannel(const char* rowId) {
-    return [rowId](ChannelHarness& h) { return h.channel().stopChannel(rowId); };
-}
-
 const char* H = row::H264;
 const char* V = row::HEVC;
 const std::string T1 = "H.264 Target1", T2 = "H.264 Target2";
@@ -116,26 +112,6 @@ TEST(ChannelLifecycle, TransitionsAgainstTheMediator) {
          {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State ZIXI CH0", "Stop Branch ZIXI CH0", "Get Branch State UDP CH0",
           "Stop Branch UDP CH0 sync=20"}},
-        {"stop: a stopped channel sends nothing", none, command(cmd::STOP, H), FC_OK, {{H, state::STOPPED}},
-         {}, {}},
-        {"stop: a stopping channel sends nothing",
-         [](ChannelHarness& h) { setChannel(h, H, state::STOPPING, cond::DATA_STREAM); }, command(cmd::STOP, H),
-         FC_OK, {{H, state::STOPPING}}, {}, {}},
-        {"stop: a format change holds the channel in Stopping",
-         [](ChannelHarness& h) {
-             setChannel(h, H, state::PLAYING, cond::FORMAT_CHANGED);
-             runBranch(h, "UDP CH0");
-         },
-         stopChannel(H), FC_OK, {{H, state::STOPPING}},
-         {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
-        {"stop: a data-stream condition holds the channel in Stopping",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYED, cond::DATA_STREAM); }, stopChannel(H), FC_OK,
-         {{H, state::STOPPING}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0"}},
-        {"stop: a lost input does not hold the channel",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYING, cond::CHANNEL_ERROR); }, stopChannel(H), FC_OK, {{H, state::STOPPED}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0"}},
         {"RowID 0 plays both channels", none, command(cmd::PLAY, row::ALL_NUMERIC), FC_OK,
          {{H, state::PLAYING}, {V, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000", played + "HEVC 0x20000", closed + "HEVC 0x20000"},
@@ -274,14 +250,6 @@ struct OnFakes {
             store.set(ds::CHANNEL, tbl::PROCESSING, ingest, H, value::KLV_NONE);
     }
     ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(store, mediator, recorder, book, holder); }
-    // The branch requests, without parameters and LEDs.
-    std::vector<std::string> branchCalls() const {
-        std::vector<std::string> out;
-        for (const std::string& call : mediator.calls)
-            if (call.rfind("set ", 0) != 0 && call.rfind("get ", 0) != 0)
-                out.push_back(call);
-        return out;
-    }
 
     struct UnusedHolder : DataHolder {
         Fcodes doHandle(MessageEvent*) override { return FC_OK; }
@@ -305,7 +273,7 @@ TEST(ChannelLifecycle, ARefusedStartStopsWhatThePlayStarted) {
     EXPECT_EQ(state::STOPPED, f.store.get(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H));
     EXPECT_EQ((Calls{"state UDP CH0", "start UDP CH0 sync 20", "state ZIXI CH0", "start ZIXI CH0 sync 20",
                      "state ZIXI CH0", "state UDP CH0", "stop UDP CH0 sync 20"}),
-              f.branchCalls());
+              f.mediator.calls);
     EXPECT_EQ(
         (Calls{std::string(ev::CHANNEL_PLAY_ERROR) + " H.264 0x10100",
                std::string(ev::CHANNEL_STOPPED) + " H.264 0x20000", std::string(ev::CLOSE_ALARMS) + " H.264 0x20000"}),
@@ -317,7 +285,7 @@ TEST(ChannelLifecycle, ARefusedStartStopsWhatThePlayStarted) {
     moving.mediator.refused = {"start ZIXI CH0"};
     EXPECT_EQ(hex(FC_UNAVAILABLE), hex(moving.channel().playChannel(H)));
     EXPECT_EQ((Calls{"state UDP CH0", "state ZIXI CH0", "start ZIXI CH0 sync 20", "state ZIXI CH0", "state UDP CH0"}),
-              moving.branchCalls());
+              moving.mediator.calls);
 }
 
 // A refused stop is reported in the event and the branch stays in the run
@@ -343,10 +311,34 @@ TEST(ChannelLifecycle, ARefusedStopIsTriedAgainByTheNextStop) {
     f.recorder.clear();
     EXPECT_EQ(FC_OK, f.channel().stopChannel(H));
     EXPECT_EQ((Calls{"state KLVoSDI CH0", "stop KLVoSDI CH0 sync 20", "state UDP CH0", "stop UDP CH0 sync 20"}),
-              f.branchCalls());
+              f.mediator.calls);
     EXPECT_TRUE(f.recorder.events().empty()) << "a second stop sends nothing";
     EXPECT_TRUE(f.book.branches(H, ChannelRunBook::Kind::Target).empty());
     EXPECT_TRUE(f.book.branches(H, ChannelRunBook::Kind::Klv).empty());
+}
+
+// A stop ends in "Stopped" unless a data-stream or Zixi condition or a format
+// change holds the channel in "Stopping"; a stopped or stopping channel's
+// stop sends nothing.
+TEST(ChannelLifecycle, WhatAStopEndsIn) {
+    const struct {
+        const char* before;
+        uint32_t fcode;
+        const char* after;
+        size_t events;
+    } rows[] = {{state::PLAYING, cond::FORMAT_CHANGED, state::STOPPING, 2},
+                {state::PLAYED, cond::DATA_STREAM, state::STOPPING, 2},
+                {state::PLAYING, cond::ZIXI_CONNECTION, state::STOPPING, 2},
+                {state::PLAYING, cond::CHANNEL_ERROR, state::STOPPED, 2},
+                {state::STOPPED, FC_OK, state::STOPPED, 0},
+                {state::STOPPING, cond::DATA_STREAM, state::STOPPING, 0}};
+    for (const auto& r : rows) {
+        OnFakes f(r.before);
+        f.store.set(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H, std::to_string(r.fcode));
+        f.channel().stopChannel(H);
+        EXPECT_EQ(r.after, f.store.get(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H)) << r.before << " " << r.fcode;
+        EXPECT_EQ(r.events, f.recorder.events().size()) << r.before << " " << r.fcode;
+    }
 }
 
 // The wait reads the branch, then polls every 5 ms until it reports the

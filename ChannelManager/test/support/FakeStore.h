@@ -9,121 +9,75 @@
 
 #include "settings/ChannelStore.h"
 
-// The channel rows in memory: every value kept as text under (dataset,
-// component, property, row), instances in the order they were first set.
-// An unset value reads as "No Such Name"; the pending reads see the
-// committed values. Peer requests are recorded and answered "OK" (a text
-// request with the value set under the peer's socket path as dataset).
+// The channel rows in memory, each value as text under (dataset, component,
+// property, row); instances in the order first set. An unset value reads
+// "No Such Name"; a pending read sees the committed value. Peer requests are
+// answered from the values set under the socket path as dataset; commands "OK".
 class FakeStore : public ChannelStore {
+    using S = const std::string&;
+    using Fcodes = datacom::Fcodes;
+
 public:
-    void set(const std::string& dataSet, const std::string& component, const std::string& property,
-             const std::string& row, const std::string& value) {
-        values[{dataSet, component, property, row}] = value;
-        std::vector<std::string>& rows = instances[{dataSet, component}];
+    void set(S d, S c, S p, S row, S value) {
+        values[{d, c, p, row}] = value;
+        std::vector<std::string>& rows = instances[{d, c}];
         if (std::find(rows.begin(), rows.end(), row) == rows.end())
             rows.push_back(row);
     }
-    // The value as text, "<unset>" without one.
-    std::string get(const std::string& dataSet, const std::string& component, const std::string& property,
-                    const std::string& row) const {
-        const auto found = values.find({dataSet, component, property, row});
+    std::string get(S d, S c, S p, S row) const {
+        const auto found = values.find({d, c, p, row});
         return found == values.end() ? "<unset>" : found->second;
     }
-    std::vector<std::string> requests;  // "socket command" or "socket dataSet/component/property"
 
-    datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& value,
-                                 const std::string& row) override {
-        return read(d, c, p, row, [&value](const std::string& text) { value = text; });
+    Fcodes getTextParam(S d, S c, S p, std::string& v, S row) override { return read(d, c, p, row, v); }
+    Fcodes getTextParam(S d, S c, S p, std::string& v, int i) override {
+        return hasInstance(d, c, i) ? read(d, c, p, instances[{d, c}][i], v) : datacom::FC_NO_SUCH_NAME;
     }
-    datacom::Fcodes getTextParam(const std::string& d, const std::string& c, const std::string& p, std::string& value,
-                                 int index) override {
-        const std::vector<std::string>& rows = instances[{d, c}];
-        return index >= 0 && index < static_cast<int>(rows.size()) ? getTextParam(d, c, p, value, rows[index])
-                                                                   : datacom::FC_NO_SUCH_NAME;
+    Fcodes getIntParam(S d, S c, S p, int& v, S row) override { return read(d, c, p, row, v); }
+    Fcodes getBoolParam(S d, S c, S p, bool& v, S row) override { return read(d, c, p, row, v); }
+    Fcodes getNewTextParam(S d, S c, S p, std::string& v, S row) override { return read(d, c, p, row, v); }
+    Fcodes getNewIntParam(S d, S c, S p, int& v, S row) override { return read(d, c, p, row, v); }
+    Fcodes getNewBoolParam(S d, S c, S p, bool& v, S row) override { return read(d, c, p, row, v); }
+    Fcodes initTextParam(S d, S c, S p, S v, S row) override { return set(d, c, p, row, v), datacom::FC_OK; }
+    Fcodes initIntParam(S d, S c, S p, int v, S row) override { return initTextParam(d, c, p, std::to_string(v), row); }
+    Fcodes initInt64Param(S d, S c, S p, int64_t v, S row) override {
+        return initTextParam(d, c, p, std::to_string(v), row);
     }
-    datacom::Fcodes getIntParam(const std::string& d, const std::string& c, const std::string& p, int& value,
-                                const std::string& row) override {
-        return read(d, c, p, row, [&value](const std::string& text) { value = std::stoi(text, nullptr, 0); });
+    Fcodes initBoolParam(S d, S c, S p, bool v, S row) override {
+        return initTextParam(d, c, p, v ? "true" : "false", row);
     }
-    datacom::Fcodes getBoolParam(const std::string& d, const std::string& c, const std::string& p, bool& value,
-                                 const std::string& row) override {
-        return read(d, c, p, row, [&value](const std::string& text) { value = text == "true"; });
-    }
-    datacom::Fcodes getNewTextParam(const std::string& d, const std::string& c, const std::string& p,
-                                    std::string& value, const std::string& row) override {
-        return getTextParam(d, c, p, value, row);
-    }
-    datacom::Fcodes getNewIntParam(const std::string& d, const std::string& c, const std::string& p, int& value,
-                                   const std::string& row) override {
-        return getIntParam(d, c, p, value, row);
-    }
-    datacom::Fcodes getNewBoolParam(const std::string& d, const std::string& c, const std::string& p, bool& value,
-                                    const std::string& row) override {
-        return getBoolParam(d, c, p, value, row);
-    }
-    datacom::Fcodes initTextParam(const std::string& d, const std::string& c, const std::string& p,
-                                  const std::string& value, const std::string& row) override {
-        set(d, c, p, row, value);
-        return datacom::FC_OK;
-    }
-    datacom::Fcodes initIntParam(const std::string& d, const std::string& c, const std::string& p, int value,
-                                 const std::string& row) override {
-        return initTextParam(d, c, p, std::to_string(value), row);
-    }
-    datacom::Fcodes initInt64Param(const std::string& d, const std::string& c, const std::string& p, int64_t value,
-                                   const std::string& row) override {
-        return initTextParam(d, c, p, std::to_string(value), row);
-    }
-    datacom::Fcodes initBoolParam(const std::string& d, const std::string& c, const std::string& p, bool value,
-                                  const std::string& row) override {
-        return initTextParam(d, c, p, value ? "true" : "false", row);
-    }
-    bool hasInstance(const std::string& d, const std::string& c, const std::string& row) override {
+    bool hasInstance(S d, S c, S row) override {
         const std::vector<std::string>& rows = instances[{d, c}];
         return std::find(rows.begin(), rows.end(), row) != rows.end();
     }
-    bool hasInstance(const std::string& d, const std::string& c, int index) override {
-        return index >= 0 && index < static_cast<int>(instances[{d, c}].size());
-    }
-    datacom::Fcodes getInstances(const std::string& d, const std::string& c, std::vector<std::string>& rows) override {
+    bool hasInstance(S d, S c, int i) override { return i >= 0 && i < static_cast<int>(instances[{d, c}].size()); }
+    Fcodes getInstances(S d, S c, std::vector<std::string>& rows) override {
         rows = instances[{d, c}];
         return datacom::FC_OK;
     }
-    datacom::Fcodes getInstancesByParameter(const std::string& d, const std::string& c, const std::string& p,
-                                            const std::string& value, std::vector<std::string>& rows) override {
+    Fcodes getInstancesByParameter(S d, S c, S p, S v, std::vector<std::string>& rows) override {
         rows.clear();
         for (const std::string& row : instances[{d, c}])
-            if (get(d, c, p, row) == value)
+            if (get(d, c, p, row) == v)
                 rows.push_back(row);
         return datacom::FC_OK;
     }
     void lock() override DATACOM_NO_THREAD_SAFETY_ANALYSIS { mutex.lock(); }
     void unlock() override DATACOM_NO_THREAD_SAFETY_ANALYSIS { mutex.unlock(); }
-    datacom::Fcodes requestGetTextParam(const std::string& socket, const std::string& d, const std::string& c,
-                                        const std::string& p, std::string& value, const std::string& row) override {
-        requests.push_back(socket + " " + d + "/" + c + "/" + p);
-        return read(socket, c, p, row, [&value](const std::string& text) { value = text; });
+    Fcodes requestGetTextParam(S socket, S, S c, S p, std::string& v, S row) override {
+        return read(socket, c, p, row, v);
     }
-    datacom::Fcodes requestGetIntParam(const std::string& socket, const std::string& d, const std::string& c,
-                                       const std::string& p, int& value, const std::string& row) override {
-        requests.push_back(socket + " " + d + "/" + c + "/" + p);
-        return read(socket, c, p, row, [&value](const std::string& text) { value = std::stoi(text, nullptr, 0); });
-    }
-    datacom::Fcodes requestCommand(const std::string& socket, const std::string& command, std::string&, unsigned,
-                                   unsigned) override {
-        requests.push_back(socket + " " + command);
-        return datacom::FC_OK;
-    }
+    Fcodes requestGetIntParam(S socket, S, S c, S p, int& v, S row) override { return read(socket, c, p, row, v); }
+    Fcodes requestCommand(S, S, std::string&, unsigned, unsigned) override { return datacom::FC_OK; }
 
 private:
-    template <typename Take>
-    datacom::Fcodes read(const std::string& d, const std::string& c, const std::string& p, const std::string& row,
-                         Take take) {
+    static void take(S text, std::string& v) { v = text; }
+    static void take(S text, int& v) { v = std::stoi(text, nullptr, 0); }
+    static void take(S text, bool& v) { v = text == "true"; }
+    template <typename T>
+    Fcodes read(S d, S c, S p, S row, T& v) {
         const auto found = values.find({d, c, p, row});
-        if (found == values.end())
-            return datacom::FC_NO_SUCH_NAME;
-        take(found->second);
-        return datacom::FC_OK;
+        return found == values.end() ? datacom::FC_NO_SUCH_NAME : (take(found->second, v), datacom::FC_OK);
     }
 
     std::map<std::tuple<std::string, std::string, std::string, std::string>, std::string> values;
