@@ -44,10 +44,10 @@ class IChannelEvents;
 // each part once and lends it by reference to the parts that call it. It
 // keeps no state of its own; every decision reads and writes the channel rows
 // through ChannelStore, every media action goes to the mediator through
-// Mediator (both served here by the holder), and events go out through
-// IChannelEvents. The run book is the caller's: it outlives the object. The
-// manager passes itself as holder and events and lends its book; tests pass
-// a holder, an event recorder and a book of their own.
+// Mediator (served by the holder, or by the caller's ports), and events go
+// out through IChannelEvents. The run book is the caller's: it outlives the
+// object. The manager passes itself as holder and events and lends its book;
+// tests pass a holder (or in-memory ports), an event recorder and a book.
 //
 // Locking: playChannel, stopChannel, handleTarnevelBranchEvent and
 // handleDataStreamEvent hold the rows' recursive lock for their whole run;

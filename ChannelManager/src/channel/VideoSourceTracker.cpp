@@ -31,7 +31,7 @@ using namespace vocab;
 // for no signal). Without the parameter, the receiver is asked, so an event
 // naming only the source (start-up, "Update Source") refreshes it.
 //
-// How a channel follows its input (triggerVideoSource), under the holder
+// How a channel follows its input (triggerVideoSource), under the rows'
 // lock. The format a channel runs with is its "Input Resolution" of
 // "ChannelSourceTable" (written by play):
 // - input lost while "Playing": the condition 0x20002 is added to its
