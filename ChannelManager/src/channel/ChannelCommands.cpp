@@ -1,9 +1,15 @@
 #include <cstdlib>
 
 #include "channel/ChannelCommands.h"
-#include "datacom/DataHolder.h"
+#include "channel/ChannelLifecycle.h"
 #include "datacom/DbgPrintClient.h"
+#include "pipeline/PipelineConfigurator.h"
+#include "settings/ChannelRows.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
+#include "settings/Mediator.h"
+#include "side/StreamStatistics.h"
+#include "side/TargetProbes.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -83,7 +89,7 @@ Fcodes ChannelCommands::execute(const MessageCommand& command) {
 
 Fcodes ChannelCommands::activateRow(const std::string& rowId, const MessageCommand&) {
     DBG(DBG_INFO) << "execute: ACTIVATE_ROW_CMD rowId=" << rowId;
-    Fcodes result = ctx.holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
+    Fcodes result = ctx.store.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
     const Fcodes configured = pipeline.configChannel(rowId);
     DBG(DBG_INFO) << "execute: configChannel rowId=" << rowId << " fcode=0x" << std::hex
                   << static_cast<uint32_t>(configured);
@@ -94,7 +100,7 @@ Fcodes ChannelCommands::activateRow(const std::string& rowId, const MessageComma
     if (!isOk(result))
         return result;
     ctx.events.sendEvent(ev::CHANNEL_CONFIGURED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
-    side.testConnectionToTarget(rowId);
+    probes.testConnectionToTarget(rowId);
     return FC_OK;
 }
 
@@ -108,9 +114,8 @@ Fcodes ChannelCommands::changeOnTheFly(const std::string& rowId, const MessageCo
     const int total = toNumber(totalText);
     const int max = toNumber(maxText);
     int currentTotal = 0, currentMax = 0;
-    const Fcodes reads =
-        ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, currentTotal, rowId) |
-        ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
+    const Fcodes reads = ctx.store.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, currentTotal, rowId) |
+                         ctx.store.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::MAX_BITRATE, currentMax, rowId);
     if (isOk(reads) && currentTotal == total && currentMax == max)
         return FC_OK;
     DBG(DBG_INFO) << "execute: req=" << command.getId() << " param=" << cmd::PARAM_TOTAL_BITRATE << " val=" << total
@@ -125,7 +130,7 @@ Fcodes ChannelCommands::changeOnTheFly(const std::string& rowId, const MessageCo
 
 Fcodes ChannelCommands::play(const std::string& rowId, const MessageCommand&) {
     const Fcodes result = lifecycle.playChannel(rowId) | FC_OK;
-    side.testConnectionToTarget(rowId);
+    probes.testConnectionToTarget(rowId);
     return result;
 }
 
@@ -142,11 +147,11 @@ Fcodes ChannelCommands::stop(const std::string& rowId, const MessageCommand&) {
 }
 
 Fcodes ChannelCommands::zixiStatistics(const std::string& targetRowId, const MessageCommand&) {
-    return side.updateZixiStatistics(targetRowId);
+    return statistics.updateZixiStatistics(targetRowId);
 }
 
 Fcodes ChannelCommands::srtStatistics(const std::string& targetRowId, const MessageCommand&) {
-    return side.updateSrtStatistics(targetRowId);
+    return statistics.updateSrtStatistics(targetRowId);
 }
 
 Fcodes ChannelCommands::stopAll() {

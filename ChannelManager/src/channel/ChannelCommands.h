@@ -2,13 +2,15 @@
 
 #include <string>
 
-#include "channel/ChannelLifecycle.h"
 #include "datacom/Fcodes.h"
 #include "datacom/MessageCommand.h"
-#include "pipeline/PipelineConfigurator.h"
 #include "settings/ChannelContext.h"
-#include "settings/ChannelRows.h"
-#include "side/SideActions.h"
+
+class ChannelLifecycle;
+class ChannelRows;
+class PipelineConfigurator;
+class StreamStatistics;
+class TargetProbes;
 
 // The channel commands as the manager parsed them: "ACTIVATE_ROW", "Change
 // on-the-fly", "Play", "Stop" and the two statistics commands, routed by
@@ -16,8 +18,20 @@
 // statistics commands) to the lifecycle, the pipeline or the side actions.
 class ChannelCommands {
 public:
-    explicit ChannelCommands(ChannelContext& ctx)
-        : ctx(ctx), rows(ctx.holder), side(ctx), pipeline(ctx), lifecycle(ctx) {}
+    struct Parts {
+        ChannelRows& rows;
+        TargetProbes& probes;
+        StreamStatistics& statistics;
+        PipelineConfigurator& pipeline;
+        ChannelLifecycle& lifecycle;
+    };
+    ChannelCommands(ChannelContext& ctx, const Parts& parts)
+        : ctx(ctx),
+          rows(parts.rows),
+          probes(parts.probes),
+          statistics(parts.statistics),
+          pipeline(parts.pipeline),
+          lifecycle(parts.lifecycle) {}
 
     datacom::Fcodes execute(const datacom::MessageCommand& command);
 
@@ -34,8 +48,9 @@ private:
     datacom::Fcodes srtStatistics(const std::string& targetRowId, const datacom::MessageCommand& command);
 
     ChannelContext& ctx;
-    ChannelRows rows;
-    SideActions side;
-    PipelineConfigurator pipeline;
-    ChannelLifecycle lifecycle;
+    ChannelRows& rows;
+    TargetProbes& probes;
+    StreamStatistics& statistics;
+    PipelineConfigurator& pipeline;
+    ChannelLifecycle& lifecycle;
 };

@@ -5,24 +5,35 @@
 
 #include "datacom/Fcodes.h"
 #include "datacom/MessageEvent.h"
-#include "pipeline/PipelineConfigurator.h"
 #include "settings/ChannelContext.h"
-#include "settings/ChannelRows.h"
-#include "side/SideActions.h"
+
+class ChannelRows;
+class FrontPanelLeds;
+class KlvBranches;
+class PipelineConfigurator;
+class SapAnnouncements;
 
 // Play, stop and the state machine of a channel ("Stopped" -> "Played" ->
 // "Playing" -> "Stopping" -> "Stopped"): start-up, the forced stop, the
 // branch-event check and the run book of started branches. Play, stop and
-// the branch-event check hold the holder's recursive lock for their whole
-// run. May call the pipeline, the side actions and the settings below.
+// the branch-event check hold the rows' recursive lock for their whole run.
+// May call the pipeline, the side actions and the settings below.
 class ChannelLifecycle {
 public:
-    explicit ChannelLifecycle(ChannelContext& ctx) : ctx(ctx), rows(ctx.holder), side(ctx), pipeline(ctx) {}
+    struct Parts {
+        ChannelRows& rows;
+        SapAnnouncements& sap;
+        KlvBranches& klv;
+        FrontPanelLeds& leds;
+        PipelineConfigurator& pipeline;
+    };
+    ChannelLifecycle(ChannelContext& ctx, const Parts& parts)
+        : ctx(ctx), rows(parts.rows), sap(parts.sap), klv(parts.klv), leds(parts.leds), pipeline(parts.pipeline) {}
 
     datacom::Fcodes playChannel(const std::string& rowId);
     // A second stop of a stopped or stopping channel does nothing.
     datacom::Fcodes stopChannel(const std::string& rowId);
-    // The operator's stop: "Fcode" 0x20020, then stopChannel, under the holder lock.
+    // The operator's stop: "Fcode" 0x20020, then stopChannel, under the rows' lock.
     datacom::Fcodes forcedStop(const std::string& rowId);
     // A forced stop of every channel, then "STOP ALL SAP".
     datacom::Fcodes stopAll();
@@ -52,7 +63,9 @@ private:
     datacom::Fcodes branchesToStop(const std::string& rowId, std::vector<std::string>& branches);
 
     ChannelContext& ctx;
-    ChannelRows rows;
-    SideActions side;
-    PipelineConfigurator pipeline;
+    ChannelRows& rows;
+    SapAnnouncements& sap;
+    KlvBranches& klv;
+    FrontPanelLeds& leds;
+    PipelineConfigurator& pipeline;
 };

@@ -1,96 +1,114 @@
 #include "channel/ConfigChannelTarnevel.h"
 
-#include "channel/ChannelCommands.h"
-#include "channel/ChannelLifecycle.h"
-#include "channel/VideoSourceTracker.h"
-#include "pipeline/PipelineConfigurator.h"
+#include "datacom/DataHolder.h"
 #include "settings/BitrateModel.h"
-#include "settings/ChannelRows.h"
 #include "settings/ChannelSnapshot.h"
 #include "settings/InputFormatValidation.h"
-#include "side/SideActions.h"
 
 using namespace datacom;
 
 // Every operation hands over to its part; see the header for who owns what.
 
-ConfigChannelTarnevel::ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events) : ctx{holder, events} {}
+ConfigChannelTarnevel::ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook)
+    : ConfigChannelTarnevel(nullptr, nullptr, events, runBook, holder) {}
+
+ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events,
+                                             ChannelRunBook& runBook, DataHolder& holder)
+    : ConfigChannelTarnevel(&store, &mediator, events, runBook, holder) {}
+
+ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore* store, Mediator* mediator, IChannelEvents& events,
+                                             ChannelRunBook& runBook, DataHolder& holder)
+    : holderStore(holder),
+      holderMediator(holder),
+      ctx{store != nullptr ? *store : holderStore, mediator != nullptr ? *mediator : holderMediator, events, runBook,
+          holder},
+      rows(ctx.store, ctx.mediator),
+      sap(ctx, rows),
+      klv(ctx),
+      probes(ctx, rows),
+      leds(ctx),
+      statistics(ctx),
+      dataStreams(ctx),
+      pipeline(ctx),
+      lifecycle(ctx, {rows, sap, klv, leds, pipeline}),
+      sources(ctx, lifecycle, leds),
+      commands(ctx, {rows, probes, statistics, pipeline, lifecycle}) {}
 
 Fcodes ConfigChannelTarnevel::execute(const MessageCommand& command) {
-    return ChannelCommands(ctx).execute(command);
+    return commands.execute(command);
 }
 Fcodes ConfigChannelTarnevel::playChannel(const std::string& rowId) {
-    return ChannelLifecycle(ctx).playChannel(rowId);
+    return lifecycle.playChannel(rowId);
 }
 Fcodes ConfigChannelTarnevel::stopAll() {
-    return ChannelLifecycle(ctx).stopAll();
+    return lifecycle.stopAll();
 }
 Fcodes ConfigChannelTarnevel::stopChannel(const std::string& rowId) {
-    return ChannelLifecycle(ctx).stopChannel(rowId);
+    return lifecycle.stopChannel(rowId);
 }
 Fcodes ConfigChannelTarnevel::updateChannelStatus(const std::string& rowId) {
-    return ChannelLifecycle(ctx).updateChannelStatus(rowId);
+    return lifecycle.updateChannelStatus(rowId);
 }
 Fcodes ConfigChannelTarnevel::configChannels() {
-    return ChannelLifecycle(ctx).configChannels();
+    return lifecycle.configChannels();
 }
 Fcodes ConfigChannelTarnevel::reconfigChannelFormat(const std::string& rowId) {
-    return ChannelLifecycle(ctx).reconfigChannelFormat(rowId);
+    return lifecycle.reconfigChannelFormat(rowId);
 }
 Fcodes ConfigChannelTarnevel::waitWhileInTransition(const std::string& branch, const std::string& wantedState,
                                                     int timeoutMs) {
-    return ChannelLifecycle(ctx).waitWhileInTransition(branch, wantedState, timeoutMs);
+    return lifecycle.waitWhileInTransition(branch, wantedState, timeoutMs);
 }
 Fcodes ConfigChannelTarnevel::handleTarnevelBranchEvent(MessageEvent* event) {
-    return ChannelLifecycle(ctx).handleTarnevelBranchEvent(event);
+    return lifecycle.handleTarnevelBranchEvent(event);
 }
 Fcodes ConfigChannelTarnevel::updateVideoSource(const std::string& videoSource) {
-    return VideoSourceTracker(ctx).updateVideoSource(videoSource);
+    return sources.updateVideoSource(videoSource);
 }
 Fcodes ConfigChannelTarnevel::updateVideoSource(MessageEvent* event) {
-    return VideoSourceTracker(ctx).updateVideoSource(event);
+    return sources.updateVideoSource(event);
 }
 Fcodes ConfigChannelTarnevel::triggerVideoSource(const std::string& videoSource) {
-    return VideoSourceTracker(ctx).triggerVideoSource(videoSource);
+    return sources.triggerVideoSource(videoSource);
 }
 
 Fcodes ConfigChannelTarnevel::getBranch(const std::string& rowId, const std::string& protocol, std::string& branch) {
-    return ChannelRows(ctx.holder).getBranch(rowId, protocol, branch);
+    return rows.getBranch(rowId, protocol, branch);
 }
 Fcodes ConfigChannelTarnevel::getRowId(const std::string& branch, std::string& rowId) {
-    return ChannelRows(ctx.holder).getRowId(branch, rowId);
+    return rows.getRowId(branch, rowId);
 }
 Fcodes ConfigChannelTarnevel::getChildInstances(const std::string& dataSet, const std::string& component,
                                                 const std::string& keyProperty, const std::string& keyValue,
                                                 std::vector<std::string>& instances) {
-    return ChannelRows(ctx.holder).getChildInstances(dataSet, component, keyProperty, keyValue, instances);
+    return rows.getChildInstances(dataSet, component, keyProperty, keyValue, instances);
 }
 int ConfigChannelTarnevel::getFirstChildRowId(const std::string& dataSet, const std::string& component,
                                               const std::string& keyProperty, const std::string& keyValue) {
-    return ChannelRows(ctx.holder).getFirstChildRowId(dataSet, component, keyProperty, keyValue);
+    return rows.getFirstChildRowId(dataSet, component, keyProperty, keyValue);
 }
 int ConfigChannelTarnevel::getNextChildRowId(const std::string& dataSet, const std::string& component,
                                              const std::string& keyProperty, const std::string& keyValue, int index) {
-    return ChannelRows(ctx.holder).getNextChildRowId(dataSet, component, keyProperty, keyValue, index);
+    return rows.getNextChildRowId(dataSet, component, keyProperty, keyValue, index);
 }
 Fcodes ConfigChannelTarnevel::restoreChannelParameters(const std::string& rowId) {
-    return ChannelRows(ctx.holder).restoreChannelParameters(rowId);
+    return rows.restoreChannelParameters(rowId);
 }
 Fcodes ConfigChannelTarnevel::clearChannelParametersBackup(const std::string& rowId) {
-    return ChannelRows(ctx.holder).clearChannelParametersBackup(rowId);
+    return rows.clearChannelParametersBackup(rowId);
 }
 Fcodes ConfigChannelTarnevel::validateInputFormat(const std::string& rowId) {
-    return ::validateInputFormat(ctx.holder, rowId);
+    return ::validateInputFormat(ctx.store, rowId);
 }
 
 Fcodes ConfigChannelTarnevel::configChannel(const std::string& rowId) {
-    return PipelineConfigurator(ctx).configChannel(rowId);
+    return pipeline.configChannel(rowId);
 }
 Fcodes ConfigChannelTarnevel::configAVSettings(const std::string& rowId, bool pending) {
-    return PipelineConfigurator(ctx).configAVSettings(rowId, pending);
+    return pipeline.configAVSettings(rowId, pending);
 }
 Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, bool pending) {
-    return PipelineConfigurator(ctx).configAudioGain(audioRowId, pending);
+    return pipeline.configAudioGain(audioRowId, pending);
 }
 // The channel's settings as they stand, then the model.
 Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
@@ -101,47 +119,46 @@ Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalB
     return read;
 }
 Fcodes ConfigChannelTarnevel::changeBitrateOnTheFly(const std::string& rowId, int totalBitrate, int maxBitrate) {
-    return PipelineConfigurator(ctx).changeBitrateOnTheFly(rowId, totalBitrate, maxBitrate);
+    return pipeline.changeBitrateOnTheFly(rowId, totalBitrate, maxBitrate);
 }
 Fcodes ConfigChannelTarnevel::updateChannel(const std::string& rowId) {
-    return PipelineConfigurator(ctx).updateChannel(rowId);
+    return pipeline.updateChannel(rowId);
 }
 Fcodes ConfigChannelTarnevel::updateAutomaticParams(const std::string& rowId) {
-    return PipelineConfigurator(ctx).updateAutomaticParams(rowId);
+    return pipeline.updateAutomaticParams(rowId);
 }
 
 Fcodes ConfigChannelTarnevel::updateZixiStatistics(const std::string& targetRowId) {
-    return SideActions(ctx).updateZixiStatistics(targetRowId);
+    return statistics.updateZixiStatistics(targetRowId);
 }
 Fcodes ConfigChannelTarnevel::updateSrtStatistics(const std::string& targetRowId) {
-    return SideActions(ctx).updateSrtStatistics(targetRowId);
+    return statistics.updateSrtStatistics(targetRowId);
 }
 // A Zixi bitrate request is carried out by the pipeline, under the lock the
 // event's handling holds.
 Fcodes ConfigChannelTarnevel::handleDataStreamEvent(MessageEvent* event) {
-    PipelineConfigurator pipeline(ctx);
-    return SideActions(ctx).handleDataStreamEvent(event, [&pipeline](const std::string& rowId, int total, int max) {
+    return dataStreams.handleDataStreamEvent(event, [this](const std::string& rowId, int total, int max) {
         return pipeline.changeBitrateOnTheFly(rowId, total, max);
     });
 }
 Fcodes ConfigChannelTarnevel::sapAction(const std::string& rowId) {
-    return SideActions(ctx).sapAction(rowId);
+    return sap.sapAction(rowId);
 }
 Fcodes ConfigChannelTarnevel::klvAction(const std::string& rowId) {
-    return SideActions(ctx).klvAction(rowId);
+    return klv.klvAction(rowId);
 }
 Fcodes ConfigChannelTarnevel::klvFollowSettings(const std::string& rowId) {
-    return SideActions(ctx).klvFollowSettings(rowId);
+    return klv.klvFollowSettings(rowId);
 }
 Fcodes ConfigChannelTarnevel::testConnectionToTarget(const std::string& rowId) {
-    return SideActions(ctx).testConnectionToTarget(rowId);
+    return probes.testConnectionToTarget(rowId);
 }
 void ConfigChannelTarnevel::traceroute(const std::string& rowId, const std::string& address) {
-    SideActions(ctx).traceroute(rowId, address);
+    probes.traceroute(rowId, address);
 }
 Fcodes ConfigChannelTarnevel::setLed(const std::string& led, int value) {
-    return SideActions(ctx).setLed(led, value);
+    return leds.setLed(led, value);
 }
 Fcodes ConfigChannelTarnevel::updateStreamAndErrorLeds() {
-    return SideActions(ctx).updateStreamAndErrorLeds();
+    return leds.updateStreamAndErrorLeds();
 }

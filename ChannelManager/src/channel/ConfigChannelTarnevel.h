@@ -3,14 +3,28 @@
 #include <string>
 #include <vector>
 
+#include "channel/ChannelCommands.h"
+#include "channel/ChannelLifecycle.h"
+#include "channel/VideoSourceTracker.h"
 #include "datacom/Fcodes.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
+#include "pipeline/PipelineConfigurator.h"
 #include "settings/ChannelContext.h"
+#include "settings/ChannelRows.h"
+#include "settings/HolderMediator.h"
+#include "settings/HolderStore.h"
+#include "side/DataStreamEvents.h"
+#include "side/FrontPanelLeds.h"
+#include "side/KlvBranches.h"
+#include "side/SapAnnouncements.h"
+#include "side/StreamStatistics.h"
+#include "side/TargetProbes.h"
 
 namespace datacom {
 class DataHolder;
 }
+class ChannelRunBook;
 class IChannelEvents;
 
 // The channel logic as the manager calls it, for the two channels ("H.264"
@@ -20,19 +34,23 @@ class IChannelEvents;
 //              stop, start-up, branch events), VideoSourceTracker;
 //   pipeline/  PipelineConfigurator (a run and its sections, on-the-fly
 //              bitrates, the encoder read-back);
-//   side/      SideActions (SAP, KLV, probes, LEDs, statistics, data-stream events);
+//   side/      SapAnnouncements, KlvBranches, TargetProbes, FrontPanelLeds,
+//              StreamStatistics, DataStreamEvents;
 //   settings/  ChannelRows, the input validation, the format tables, the
-//              run book and what the manager offers (IChannelEvents).
+//              run book, the two ports (ChannelStore, Mediator) and what the
+//              manager offers (IChannelEvents).
 //
-// A working object: made on the stack for one operation and dropped. It keeps
-// no state of its own; every decision reads and writes the channel rows of
-// the holder's JSON datasets, every media action goes to the mediator through
-// ITarnevelClient on the holder's engine, and events go out through
-// IChannelEvents. The manager passes itself as both; tests pass a holder and
-// an event recorder of their own.
+// A working object: made on the stack for one operation and dropped. It makes
+// each part once and lends it by reference to the parts that call it. It
+// keeps no state of its own; every decision reads and writes the channel rows
+// through ChannelStore, every media action goes to the mediator through
+// Mediator (served by the holder, or by the caller's ports), and events go
+// out through IChannelEvents. The run book is the caller's: it outlives the
+// object. The manager passes itself as holder and events and lends its book;
+// tests pass a holder (or in-memory ports), an event recorder and a book.
 //
 // Locking: playChannel, stopChannel, handleTarnevelBranchEvent and
-// handleDataStreamEvent hold the holder's recursive lock for their whole run;
+// handleDataStreamEvent hold the rows' recursive lock for their whole run;
 // execute holds it around a forced stop. Other operations rely on the stores'
 // own locks. Any thread may use an object; one object is not shared between
 // threads.
@@ -41,7 +59,12 @@ class IChannelEvents;
 // steps succeeded.
 class ConfigChannelTarnevel {
 public:
-    ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events);
+    // Rows and mediator both served by `holder`.
+    ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook);
+    // Rows and mediator of the caller's (tests: in memory); the pipeline still
+    // reads and sends through `holder` until it moves onto the ports.
+    ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events, ChannelRunBook& runBook,
+                          datacom::DataHolder& holder);
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
 
@@ -110,5 +133,22 @@ public:
     datacom::Fcodes updateStreamAndErrorLeds();
 
 private:
+    ConfigChannelTarnevel(ChannelStore* store, Mediator* mediator, IChannelEvents& events, ChannelRunBook& runBook,
+                          datacom::DataHolder& holder);
+
+    // In the order they are made: each part is lent only parts made before it.
+    HolderStore holderStore;
+    HolderMediator holderMediator;
     ChannelContext ctx;
+    ChannelRows rows;
+    SapAnnouncements sap;
+    KlvBranches klv;
+    TargetProbes probes;
+    FrontPanelLeds leds;
+    StreamStatistics statistics;
+    DataStreamEvents dataStreams;
+    PipelineConfigurator pipeline;
+    ChannelLifecycle lifecycle;
+    VideoSourceTracker sources;
+    ChannelCommands commands;
 };

@@ -2,18 +2,20 @@
 
 #include <string>
 
-#include "channel/ChannelLifecycle.h"
 #include "datacom/Fcodes.h"
 #include "datacom/MessageEvent.h"
 #include "settings/ChannelContext.h"
-#include "side/SideActions.h"
+
+class ChannelLifecycle;
+class FrontPanelLeds;
 
 // Tracking of the video inputs: a source's detected format and connection
 // into "VideoSourceDataSet", and the channels on that source made to follow
 // it (stopped, reconfigured or played again through the lifecycle).
 class VideoSourceTracker {
 public:
-    explicit VideoSourceTracker(ChannelContext& ctx) : ctx(ctx), lifecycle(ctx), side(ctx) {}
+    VideoSourceTracker(ChannelContext& ctx, ChannelLifecycle& lifecycle, FrontPanelLeds& leds)
+        : ctx(ctx), lifecycle(lifecycle), leds(leds) {}
 
     // Refreshes one source ("VideoSourceDataSet" row) and re-validates the
     // channels that use it.
@@ -25,10 +27,10 @@ public:
 private:
     // Writes a source's detected format, makes its channels follow, tells the subscribers.
     datacom::Fcodes applyDetectedInput(const std::string& videoSource, const std::string& format);
-    // One channel on the source follows its input; caller holds the holder lock.
+    // One channel on the source follows its input; caller holds the rows' lock.
     datacom::Fcodes followInput(const std::string& rowId, const std::string& videoSource);
 
     ChannelContext& ctx;
-    ChannelLifecycle lifecycle;
-    SideActions side;
+    ChannelLifecycle& lifecycle;
+    FrontPanelLeds& leds;
 };

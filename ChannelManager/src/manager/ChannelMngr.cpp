@@ -92,7 +92,7 @@ Fcodes ChannelMngr::initSources() {
     for (const std::string& source : sources) {
         MessageEvent event;
         event.source = source;
-        ConfigChannelTarnevel channel(*this, *this);
+        ConfigChannelTarnevel channel(*this, *this, book);
         result |= channel.updateVideoSource(&event);
     }
     return result;
@@ -101,7 +101,7 @@ Fcodes ChannelMngr::initSources() {
 // Kept for a caller that starts without "LOAD_CHANNELS": the daemon itself
 // configures the channels only when a channel file is loaded.
 Fcodes ChannelMngr::initChannels() {
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     channel.configChannels();
     return FC_OK;
 }
@@ -129,7 +129,7 @@ Fcodes ChannelMngr::acceptChanges() {
         for (const std::string& instance : instances) {
             if (!isChangedInstance(ds::CHANNEL, entry.component, instance))
                 continue;
-            ConfigChannelTarnevel channel(*this, *this);
+            ConfigChannelTarnevel channel(*this, *this, book);
             result |= (channel.*entry.apply)(instance, true);
         }
     }
@@ -142,7 +142,7 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     // a file that will be refused: a front end that asks for a load learns
     // one outcome for its channels (stopped) whatever the file holds, and no
     // channel keeps running across a load whose result it cannot know yet.
-    ConfigChannelTarnevel(*this, *this).stopAll();
+    ConfigChannelTarnevel(*this, *this, book).stopAll();
 
     DBG(DBG_SYS) << "loadChannels: Loading " << path;
     // A refused file (unreadable, or a value its own definitions refuse)
@@ -165,11 +165,11 @@ Fcodes ChannelMngr::loadChannels(const std::string& path) {
     }
 
     sapStopAll();
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.configChannels() | FC_OK;
 }
 
 Fcodes ChannelMngr::reconfigureChannel(const std::string& rowId) {
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.configChannel(rowId);
 }

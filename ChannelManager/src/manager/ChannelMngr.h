@@ -90,7 +90,6 @@ public:
     // "Video Source Updated", source = input, status "OFF" when the source went away, else "ON".
     void sendSourceEvent(const std::string& input, bool off, const std::string& description) override;
     datacom::Fcodes sapStopAll() override;
-    ChannelRunBook& runBook() override;
 
     // ---- Peers that come late or come back (manager/ChannelMngrPeers.cpp) ----
 
@@ -211,7 +210,7 @@ private:
     bool refreshRunning = false;
     std::atomic<bool> refreshStopping{false};
 
-    ChannelRunBook book;
+    ChannelRunBook book;             // lent to every channel operation: it outlives them
     std::vector<WatchedPeer> peers;  // the watcher's alone once it runs
     std::thread watchThread;
     datacom::Mutex watchMutex;

@@ -118,7 +118,7 @@ Fcodes ChannelMngr::runStoreChannels(const MessageCommand& command, const std::s
 
 Fcodes ChannelMngr::runChannelCommand(const MessageCommand& command, const std::string&, std::string&) {
     DBG(DBG_INFO) << "execute: command=" << command.getId();
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.execute(command) | FC_OK;
 }
 
@@ -131,7 +131,7 @@ Fcodes ChannelMngr::runUpdateSource(const MessageCommand& command, const std::st
     }
     if (source == cmd::VIDEO_SOURCE_ALL)
         return initSources() | FC_OK;
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.updateVideoSource(source) | FC_OK;
 }
 
@@ -157,6 +157,6 @@ Fcodes ChannelMngr::acceptIgnoredParameter(const MessageCommand& command, const 
 }
 
 Fcodes ChannelMngr::runStatistics(const MessageCommand& command, const std::string&, std::string&) {
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.execute(command) | FC_OK;
 }

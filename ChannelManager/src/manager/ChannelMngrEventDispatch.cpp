@@ -65,12 +65,12 @@ std::string ChannelMngr::feederChannel(const std::string& description) {
 }
 
 Fcodes ChannelMngr::onAutoDetection(MessageEvent& event) {
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.updateVideoSource(&event) | FC_OK;
 }
 
 Fcodes ChannelMngr::onBranchEvent(MessageEvent& event) {
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.handleTarnevelBranchEvent(&event) | FC_OK;
 }
 
@@ -80,13 +80,13 @@ Fcodes ChannelMngr::onFeederEvent(MessageEvent& event) {
     event.source = feederChannel(event.description);
     if (event.source.empty())
         return FC_OK;
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.handleDataStreamEvent(&event) | FC_OK;
 }
 
 Fcodes ChannelMngr::onSrtNewClient(MessageEvent& event) {
     DBG(DBG_SYS) << "doHandle: arrived event=" << event.id << " src=" << event.source << " desc=" << event.description;
-    ConfigChannelTarnevel channel(*this, *this);
+    ConfigChannelTarnevel channel(*this, *this, book);
     return channel.handleDataStreamEvent(&event) | FC_OK;
 }
 

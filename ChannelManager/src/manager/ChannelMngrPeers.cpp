@@ -43,10 +43,6 @@ SocketIdentity socketIdentity(const char* logicalPath) {
 
 }  // namespace
 
-ChannelRunBook& ChannelMngr::runBook() {
-    return book;
-}
-
 void ChannelMngr::startPeerWatch(Fcodes mediatorSubscribed, Fcodes deviceSubscribed) {
     const auto now = PeerWatch::Clock::now();
     peers = {{wire::SOCK_MEDIATOR, &ChannelMngr::configureMediatorAgain,
@@ -134,14 +130,14 @@ void ChannelMngr::configureMediatorAgain() {
         ScopedLock<DataHolder> guard(*this);
         std::string chanState;
         getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
-        ConfigChannelTarnevel channel(*this, *this);
+        ConfigChannelTarnevel channel(*this, *this, book);
         channel.configChannel(rowId);
         if (chanState == state::PLAYING || chanState == state::PLAYED)
             replay.push_back(rowId);
     }
     std::string names;
     for (const std::string& rowId : replay) {
-        ConfigChannelTarnevel channel(*this, *this);
+        ConfigChannelTarnevel channel(*this, *this, book);
         channel.playChannel(rowId);
         names += (names.empty() ? "" : ",") + rowId;
     }

@@ -3,13 +3,19 @@
 namespace datacom {
 class DataHolder;
 }
+class ChannelRunBook;
+class ChannelStore;
 class IChannelEvents;
+class Mediator;
 
 // What every part of the channel logic works with for one operation: the
-// holder (datasets, its recursive lock, and the engine the mediator client
-// sends through) and the manager's side (events, SAP withdrawal, run book).
-// Made by ConfigChannelTarnevel and lent by reference to the parts it calls.
+// channel rows (and their lock), the media mediator, the manager's side
+// (events, SAP withdrawal) and the run book the manager lends. Made by
+// ConfigChannelTarnevel and lent by reference to the parts it makes.
 struct ChannelContext {
-    datacom::DataHolder& holder;
+    ChannelStore& store;
+    Mediator& mediator;
     IChannelEvents& events;
+    ChannelRunBook& runBook;
+    datacom::DataHolder& holder;  // the pipeline's way to the rows and the mediator until it takes the two above
 };

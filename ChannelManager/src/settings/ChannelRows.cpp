@@ -1,13 +1,12 @@
 #include "settings/ChannelRows.h"
 #include "datacom/DataHolder.h"
-#include "datacom/DbgPrintClient.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "settings/HolderMediator.h"
+#include "settings/HolderStore.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -43,6 +42,12 @@ const BranchRow kBranchRows[] = {
 
 }  // namespace
 
+ChannelRows::ChannelRows(DataHolder& holder)
+    : ownStore(std::make_shared<HolderStore>(holder)),
+      ownMediator(std::make_shared<HolderMediator>(holder)),
+      store(*ownStore),
+      mediator(*ownMediator) {}
+
 Fcodes ChannelRows::getBranch(const std::string& rowId, const std::string& protocol, std::string& branch) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
@@ -50,7 +55,7 @@ Fcodes ChannelRows::getBranch(const std::string& rowId, const std::string& proto
     int column = channel;
     if (channel == 1) {
         std::string profile;
-        holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, profile, rowId);
+        store.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, profile, rowId);
         if (profile == value::PROFILE_ULL)
             column = 2;
     }
@@ -76,7 +81,7 @@ Fcodes ChannelRows::getChildInstances(const std::string& dataSet, const std::str
                                       const std::string& keyProperty, const std::string& keyValue,
                                       std::vector<std::string>& instances) {
     instances.clear();
-    return holder.getInstancesByParameter(dataSet, component, keyProperty, keyValue, instances);
+    return store.getInstancesByParameter(dataSet, component, keyProperty, keyValue, instances);
 }
 
 int ChannelRows::getFirstChildRowId(const std::string& dataSet, const std::string& component,
@@ -86,9 +91,9 @@ int ChannelRows::getFirstChildRowId(const std::string& dataSet, const std::strin
 
 int ChannelRows::getNextChildRowId(const std::string& dataSet, const std::string& component,
                                    const std::string& keyProperty, const std::string& keyValue, int index) {
-    for (int next = index + 1; holder.hasInstance(dataSet, component, next); ++next) {
+    for (int next = index + 1; store.hasInstance(dataSet, component, next); ++next) {
         std::string text;
-        if (isOk(holder.getTextParam(dataSet, component, keyProperty, text, next)) && text == keyValue)
+        if (isOk(store.getTextParam(dataSet, component, keyProperty, text, next)) && text == keyValue)
             return next;
     }
     return -1;
@@ -103,13 +108,12 @@ Fcodes ChannelRows::restoreChannelParameters(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE}) {
         int saved = 0;
-        result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, saved, rowId);
+        result |= store.getIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, saved, rowId);
         if (saved != 0)
-            result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, property, saved, rowId);
+            result |= store.initIntParam(ds::CHANNEL, tbl::PROCESSING, property, saved, rowId);
         const int channel = channelIndex(rowId);
         if (saved != 0 && channel >= 0 && std::string(property) == prop::VIDEO_BITRATE)
-            result |=
-                ITarnevelClient::setTarnevelIntParam(&holder, med::VIDEO_ENCODER[channel], med::PARAM_BITRATE, saved);
+            result |= mediator.setIntParam(med::VIDEO_ENCODER[channel], med::PARAM_BITRATE, saved);
     }
     return result | clearChannelParametersBackup(rowId);
 }
@@ -117,12 +121,12 @@ Fcodes ChannelRows::restoreChannelParameters(const std::string& rowId) {
 Fcodes ChannelRows::clearChannelParametersBackup(const std::string& rowId) {
     Fcodes result = FC_OK;
     for (const char* property : {prop::TOTAL_BITRATE, prop::MAX_BITRATE, prop::VIDEO_BITRATE})
-        result |= holder.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, 0, rowId);
+        result |= store.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, property, 0, rowId);
     return result;
 }
 
 std::vector<std::string> ChannelRows::channelRows() {
     std::vector<std::string> rows;
-    holder.getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
+    store.getInstances(ds::CHANNEL, tbl::CHANNELS, rows);
     return rows;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -8,14 +9,18 @@
 namespace datacom {
 class DataHolder;
 }
+class ChannelStore;
+class Mediator;
 
 // The row and name mappings of the channel data: which rows belong to a
 // channel (targets, audio rows), which mediator branch serves a channel's
 // protocol and back, the channel rows "ALL" stands for, and the bitrate
-// backup a stop restores. Needs the holder only.
+// backup a stop restores (the encoder's bitrate goes back with it).
 class ChannelRows {
 public:
-    explicit ChannelRows(datacom::DataHolder& holder) : holder(holder) {}
+    ChannelRows(ChannelStore& store, Mediator& mediator) : store(store), mediator(mediator) {}
+    // The pipeline's way in until it takes the rows by reference: ports of its own over the holder.
+    explicit ChannelRows(datacom::DataHolder& holder);
 
     datacom::Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
     datacom::Fcodes getRowId(const std::string& branch, std::string& rowId);
@@ -37,5 +42,8 @@ public:
     std::vector<std::string> channelRows();
 
 private:
-    datacom::DataHolder& holder;
+    std::shared_ptr<ChannelStore> ownStore;
+    std::shared_ptr<Mediator> ownMediator;
+    ChannelStore& store;
+    Mediator& mediator;
 };

@@ -4,13 +4,11 @@
 
 #include "datacom/Fcodes.h"
 
-class ChannelRunBook;
-
-// What the channel logic asks of its manager besides the data holder: the
-// channel events broadcast to the subscribers of "/tmp/sockChan" and the
-// withdrawal of every SAP announcement, and the book in which the channels
-// note what they started and why they stand stopped. ChannelMngr implements it for the
-// daemon; tests hand the channel logic a recorder of their own.
+// What the channel logic asks of its manager besides the rows and the
+// mediator: the channel events broadcast to the subscribers of
+// "/tmp/sockChan" and the withdrawal of every SAP announcement. ChannelMngr
+// implements it for the daemon; tests hand the channel logic a recorder of
+// their own.
 // The number argument of sendEvent and sendCfgEvent is the event's fcode: it
 // travels in the message header, so a subscriber reads the channel condition
 // (0x20000 ... 0x20020, or a failure code) without parsing the description.
@@ -23,6 +21,4 @@ public:
     virtual void sendSourceEvent(const std::string& input, bool off, const std::string& description) = 0;
     // "STOP ALL SAP" to the SAP announcer; its result OR "OK".
     virtual datacom::Fcodes sapStopAll() = 0;
-    // Lives as long as the manager: the channel logic's objects come and go.
-    virtual ChannelRunBook& runBook() = 0;
 };

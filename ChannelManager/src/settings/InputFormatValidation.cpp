@@ -1,6 +1,6 @@
 #include "settings/InputFormatValidation.h"
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/ChannelStore.h"
 #include "settings/VideoFormatTables.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
@@ -21,26 +21,26 @@ bool isHevcCrashInput(const std::string& input) {
 // A failure replaces the result with "Unavailable" instead of OR-ing it in:
 // once the format is known not to fit, earlier read failures no longer matter
 // to the caller, which only asks whether the channel may run.
-Fcodes validateInputFormat(DataHolder& holder, const std::string& rowId) {
+Fcodes validateInputFormat(ChannelStore& store, const std::string& rowId) {
     std::string source, streamProfile, inputDetected, gop;
     Fcodes result = FC_OK;
-    result |= holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
-    result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, streamProfile, rowId);
-    result |= holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
+    result |= store.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
+    result |= store.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::STREAM_PROFILE, streamProfile, rowId);
+    result |= store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
 
     const bool hevc = rowId == row::HEVC;
     const bool h264 = rowId == row::H264;
     if (hevc)
-        result |= holder.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::GOP_STRUCTURE, gop, "");
+        result |= store.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::GOP_STRUCTURE, gop, "");
     else if (h264)
-        result |= holder.getTextParam(ds::CHANNEL, tbl::H264_ENCODER, prop::GOP_STRUCTURE, gop, "");
+        result |= store.getTextParam(ds::CHANNEL, tbl::H264_ENCODER, prop::GOP_STRUCTURE, gop, "");
 
     if (result == FC_OK && inputDetected != state::INPUT_NONE) {
         std::string encodingFormat;
         int frameSampling = 0;
         result = FC_OK;
-        result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
-        result |= holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
+        result |= store.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
+        result |= store.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
 
         const bool ultraLowLatency = streamProfile == value::PROFILE_ULL;
         int maxRate = 0;

@@ -1,15 +1,15 @@
 #include <string>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/ChannelStore.h"
+#include "settings/Mediator.h"
+#include "side/FrontPanelLeds.h"
 #include "side/SideActionSupport.h"
-#include "side/SideActions.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
+#include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -24,34 +24,26 @@ using namespace vocab;
 // A channel whose rows cannot be read lights nothing; the read's failure is
 // in the result.
 
-namespace {
-
-constexpr const char* DEVICE = "Device";
-constexpr const char* STREAMING_LED = "Streaming LED";
-constexpr const char* ERROR_LED = "Error LED";
-
-}  // namespace
-
-Fcodes SideActions::setLed(const std::string& led, int value) {
-    Fcodes code = ITarnevelClient::setTarnevelIntParam(&ctx.holder, DEVICE, led, value);
+Fcodes FrontPanelLeds::setLed(const std::string& led, int value) {
+    Fcodes code = ctx.mediator.setIntParam(med::DEVICE, led, value);
     if (!isOk(code))
-        DBG(DBG_ERROR) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << DEVICE << " fcode=0x"
+        DBG(DBG_ERROR) << "setLed:  Error: val=" << value << " param=" << led << " comp=" << med::DEVICE << " fcode=0x"
                        << std::hex << static_cast<uint32_t>(code);
     return code;
 }
 
-Fcodes SideActions::updateStreamAndErrorLeds() {
+Fcodes FrontPanelLeds::updateStreamAndErrorLeds() {
     const char* ds = ds::CHANNEL;
     Fcodes result = FC_OK;
     bool streaming = false;
     bool error = false;
     for (const char* rowId : {row::H264, row::HEVC}) {
         std::string state, status, source, detected;
-        Fcodes read = FC_OK | ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
-                      ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
-                      ctx.holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
+        Fcodes read = FC_OK | ctx.store.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+                      ctx.store.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+                      ctx.store.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
         // A separate step: the source must be read first.
-        read |= ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source);
+        read |= ctx.store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source);
         result |= read;
         if (!isOk(read))
             continue;
@@ -59,7 +51,7 @@ Fcodes SideActions::updateStreamAndErrorLeds() {
         streaming = streaming || playing;
         error = error || status == state::STATUS_ERROR || (playing && detected == state::INPUT_NONE);
     }
-    result |= setLed(STREAMING_LED, streaming ? 1 : 0);
-    result |= setLed(ERROR_LED, error ? 1 : 0);
+    result |= setLed(med::PARAM_STREAMING_LED, streaming ? 1 : 0);
+    result |= setLed(med::PARAM_ERROR_LED, error ? 1 : 0);
     return result;
 }

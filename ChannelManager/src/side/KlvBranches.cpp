@@ -2,20 +2,19 @@
 #include <string>
 #include <vector>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
 #include "settings/ChannelRunBook.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
+#include "settings/Mediator.h"
+#include "side/KlvBranches.h"
 #include "side/SideActionSupport.h"
-#include "side/SideActions.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -37,12 +36,6 @@ using namespace vocab;
 
 namespace {
 
-const char* const KLV_O_SERIAL = "KLVoSerial";
-const char* const RAW_KLV_O_SERIAL = "RAWKLVoSerial";
-const char* const KLV_O_IP = "KLVoIP";
-const char* const RAW_KLV_O_IP = "RAWKLVoIP";
-const char* const KLV_O_SDI_ASYNC = "KLVoSDI Async";
-const char* const KLV_O_SDI[2] = {"KLVoSDI CH0", "KLVoSDI CH1"};  // synchronous, one per channel
 const char* const FORMAT_COT = "COT";
 const char* const FORMAT_KLV = "KLV";
 const char* const ENCAPSULATION_TS = "TS";
@@ -51,52 +44,52 @@ constexpr ChannelRunBook::Kind KLV = ChannelRunBook::Kind::Klv;
 
 // The branch of one ingest setting ("" for "None" or an unknown setting) and
 // the device manager's command that resets its statistics.
-Fcodes klvBranchOf(DataHolder& holder, const std::string& ingest, int channel, std::string& branch,
+Fcodes klvBranchOf(ChannelStore& store, const std::string& ingest, int channel, std::string& branch,
                    const char*& resetCommand) {
     branch.clear();
     resetCommand = nullptr;
     std::string setting;
     if (ingest == value::KLV_SERIAL) {
-        Fcodes read = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_TABLE, prop::INPUT_DATA_FORMAT,
-                                                 setting, "") |
+        Fcodes read = store.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_TABLE, prop::INPUT_DATA_FORMAT,
+                                                setting, "") |
                       FC_OK;
         if (setting == FORMAT_COT)
-            branch = KLV_O_SERIAL;
+            branch = med::KLV_O_SERIAL;
         if (setting == FORMAT_KLV)
-            branch = RAW_KLV_O_SERIAL;
+            branch = med::RAW_KLV_O_SERIAL;
         resetCommand = cmd::RESET_KLV_STATISTICS;
         return read;
     }
     if (ingest == value::KLV_IP) {
         Fcodes read =
-            holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, setting, "") |
+            store.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, tbl::KLV_OVER_IP, prop::ENCAPSULATION, setting, "") |
             FC_OK;
         if (setting == ENCAPSULATION_TS)
-            branch = KLV_O_IP;
+            branch = med::KLV_O_IP;
         if (setting == ENCAPSULATION_RAW)
-            branch = RAW_KLV_O_IP;
+            branch = med::RAW_KLV_O_IP;
         resetCommand = cmd::RESET_KLVOIP_STATISTICS;
         return read;
     }
     if (ingest == value::KLV_SDI_SYNC)
-        branch = KLV_O_SDI[channel];
+        branch = med::KLV_O_SDI[channel];
     if (ingest == value::KLV_SDI)
-        branch = KLV_O_SDI_ASYNC;
+        branch = med::KLV_O_SDI_ASYNC;
     if (!branch.empty())
         resetCommand = cmd::RESET_KLVOSDI_STATISTICS;
     return FC_OK;
 }
 
 // The distinct KLV branches of a channel, with their reset commands.
-Fcodes klvBranches(DataHolder& holder, const std::string& rowId, std::vector<std::string>& branches,
+Fcodes klvBranches(ChannelStore& store, const std::string& rowId, std::vector<std::string>& branches,
                    std::vector<const char*>& resets) {
     const int channel = channelIndex(rowId);
     Fcodes result = FC_OK;
     for (const char* property : {prop::INGEST_KLV, prop::INGEST_KLV2}) {
         std::string ingest, branch;
         const char* reset = nullptr;
-        result |= holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, property, ingest, rowId) | FC_OK;
-        result |= klvBranchOf(holder, ingest, channel, branch, reset);
+        result |= store.getTextParam(ds::CHANNEL, tbl::PROCESSING, property, ingest, rowId) | FC_OK;
+        result |= klvBranchOf(store, ingest, channel, branch, reset);
         bool seen = branch.empty();
         for (const std::string& known : branches)
             seen = seen || known == branch;
@@ -116,27 +109,27 @@ bool contains(const std::vector<std::string>& list, const std::string& item) {
     return std::find(list.begin(), list.end(), item) != list.end();
 }
 
-Fcodes deviceCommand(DataHolder& holder, const char* id) {
+Fcodes deviceCommand(ChannelStore& store, const char* id) {
     MessageCommand command;
     command.setId(id);
     std::string text, result;
     command.toString(text);
-    return holder.requestCommand(wire::SOCK_DEV, text, result, 10, 3) | FC_OK;
+    return store.requestCommand(wire::SOCK_DEV, text, result, peer::REQUEST_TIMEOUT_SEC, peer::REQUEST_TRIES) | FC_OK;
 }
 
 }  // namespace
 
 // The KLV branches the other channel uses while it plays: those its settings
 // name and those in its run book; none when it does not play.
-Fcodes SideActions::klvBranchesOfOther(int channel, std::vector<std::string>& used) {
+Fcodes KlvBranches::klvBranchesOfOther(int channel, std::vector<std::string>& used) {
     const std::string other = row::otherChannel(channel);
     std::string otherState;
-    if (!isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) ||
+    if (!isOk(ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, otherState, other)) ||
         !isPlaying(otherState))
         return FC_OK;
     std::vector<const char*> unused;
-    const Fcodes result = klvBranches(ctx.holder, other, used, unused);
-    for (const std::string& booked : ctx.events.runBook().branches(other, KLV))
+    const Fcodes result = klvBranches(ctx.store, other, used, unused);
+    for (const std::string& booked : ctx.runBook.branches(other, KLV))
         if (!contains(used, booked))
             used.push_back(booked);
     return result;
@@ -147,8 +140,8 @@ Fcodes SideActions::klvBranchesOfOther(int channel, std::vector<std::string>& us
 // A branch leaves this channel's book once it is known not to run; one whose
 // state is unknown or whose stop was refused is kept (added if need be), and
 // the channel's next stop tries it again.
-Fcodes SideActions::stopKlvBranches(const std::string& rowId, const std::vector<std::string>& branches) {
-    ChannelRunBook& book = ctx.events.runBook();
+Fcodes KlvBranches::stopKlvBranches(const std::string& rowId, const std::vector<std::string>& branches) {
+    ChannelRunBook& book = ctx.runBook;
     std::vector<std::string> otherUses;
     Fcodes result = FC_OK | klvBranchesOfOther(channelIndex(rowId), otherUses);
     for (const std::string& branch : branches) {
@@ -158,7 +151,7 @@ Fcodes SideActions::stopKlvBranches(const std::string& rowId, const std::vector<
             continue;
         }
         std::string branchState;
-        const Fcodes read = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+        const Fcodes read = ctx.mediator.branchState(branch, branchState);
         result |= read;
         if (!isOk(read))
             continue;
@@ -166,7 +159,7 @@ Fcodes SideActions::stopKlvBranches(const std::string& rowId, const std::vector<
             book.removeBranch(rowId, branch, KLV);
             continue;
         }
-        const Fcodes stopped = ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, 20);
+        const Fcodes stopped = ctx.mediator.stopBranch(branch, true, med::STOP_TIMEOUT_SEC);
         if (isOk(stopped)) {
             DBG(DBG_INFO) << "klvAction: called stopTarnevelBranch branch=" << branch;
             book.removeBranch(rowId, branch, KLV);
@@ -180,21 +173,21 @@ Fcodes SideActions::stopKlvBranches(const std::string& rowId, const std::vector<
     return result;
 }
 
-Fcodes SideActions::klvAction(const std::string& rowId) {
+Fcodes KlvBranches::klvAction(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_BAD_VALUE;
     std::string state;
-    Fcodes result = FC_OK | ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
+    Fcodes result = FC_OK | ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId);
     if (!isOk(result))
         return result;
     std::vector<std::string> branches;
     std::vector<const char*> resets;
-    result |= klvBranches(ctx.holder, rowId, branches, resets);
+    result |= klvBranches(ctx.store, rowId, branches, resets);
 
     if (!isPlaying(state)) {
         // What the play started, whatever the settings name now, then what they name.
-        std::vector<std::string> toStop = ctx.events.runBook().branches(rowId, KLV);
+        std::vector<std::string> toStop = ctx.runBook.branches(rowId, KLV);
         for (const std::string& branch : branches)
             if (!contains(toStop, branch))
                 toStop.push_back(branch);
@@ -204,21 +197,21 @@ Fcodes SideActions::klvAction(const std::string& rowId) {
     for (size_t i = 0; i < branches.size(); ++i) {
         const std::string& branch = branches[i];
         std::string branchState;
-        Fcodes read = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+        Fcodes read = ctx.mediator.branchState(branch, branchState);
         result |= read;
         if (!isOk(read))
             continue;
         // Found running, it is this channel's to stop too (unless the other
         // channel still uses it then).
         if (branchState == state::BRANCH_RUN)
-            ctx.events.runBook().addBranch(rowId, branch, KLV);
+            ctx.runBook.addBranch(rowId, branch, KLV);
         if (branchState != state::BRANCH_STOP)
             continue;
-        Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, 20);
+        Fcodes started = ctx.mediator.startBranch(branch, true, med::START_TIMEOUT_SEC);
         if (isOk(started)) {
             DBG(DBG_INFO) << "klvAction: called startTarnevelBranch branch=" << branch;
-            ctx.events.runBook().addBranch(rowId, branch, KLV);
-            result |= deviceCommand(ctx.holder, resets[i]);
+            ctx.runBook.addBranch(rowId, branch, KLV);
+            result |= deviceCommand(ctx.store, resets[i]);
         } else {
             DBG(DBG_ERROR) << "klvAction: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(started);
@@ -228,8 +221,8 @@ Fcodes SideActions::klvAction(const std::string& rowId) {
     return result;
 }
 
-Fcodes SideActions::klvStopLeftOver(const std::string& rowId) {
-    const std::vector<std::string> left = ctx.events.runBook().branches(rowId, KLV);
+Fcodes KlvBranches::klvStopLeftOver(const std::string& rowId) {
+    const std::vector<std::string> left = ctx.runBook.branches(rowId, KLV);
     return left.empty() ? FC_OK : stopKlvBranches(rowId, left);
 }
 
@@ -238,18 +231,18 @@ Fcodes SideActions::klvStopLeftOver(const std::string& rowId) {
 // on until the channel stops. So each KLV branch this channel can start that
 // runs but is no longer named is stopped here, unless the other playing
 // channel uses it; then the named ones are started as a play starts them.
-Fcodes SideActions::klvFollowSettings(const std::string& rowId) {
+Fcodes KlvBranches::klvFollowSettings(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     std::string state;
-    if (channel < 0 || !isOk(ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
+    if (channel < 0 || !isOk(ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state, rowId)) ||
         !isPlaying(state))
         return FC_OK;
     std::vector<std::string> named;
     std::vector<const char*> resets;
-    Fcodes result = FC_OK | klvBranches(ctx.holder, rowId, named, resets);
+    Fcodes result = FC_OK | klvBranches(ctx.store, rowId, named, resets);
     std::vector<std::string> unnamed;
-    for (const char* branch :
-         {KLV_O_SERIAL, RAW_KLV_O_SERIAL, KLV_O_IP, RAW_KLV_O_IP, KLV_O_SDI[channel], KLV_O_SDI_ASYNC})
+    for (const char* branch : {med::KLV_O_SERIAL, med::RAW_KLV_O_SERIAL, med::KLV_O_IP, med::RAW_KLV_O_IP,
+                               med::KLV_O_SDI[channel], med::KLV_O_SDI_ASYNC})
         if (!contains(named, branch))
             unnamed.push_back(branch);
     result |= stopKlvBranches(rowId, unnamed);

@@ -2,18 +2,18 @@
 #include <string>
 #include <vector>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"
+#include "settings/ChannelRows.h"
+#include "settings/ChannelStore.h"
+#include "settings/Mediator.h"
+#include "side/SapAnnouncements.h"
 #include "side/SideActionSupport.h"
-#include "side/SideActions.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -45,15 +45,15 @@ struct TargetSettings {
     int ttl = 0;
 };
 
-Fcodes readTarget(DataHolder& holder, const std::string& target, TargetSettings& out) {
+Fcodes readTarget(ChannelStore& store, const std::string& target, TargetSettings& out) {
     const char* ds = ds::CHANNEL;
     const char* tbl = tbl::TARGET;
-    return FC_OK | holder.getTextParam(ds, tbl, prop::CHANNEL_NAME, out.channelName, target) |
-           holder.getTextParam(ds, tbl, prop::NETWORK_INTERFACE, out.interface, target) |
-           holder.getTextParam(ds, tbl, prop::TARGET_ADDRESS, out.address, target) |
-           holder.getTextParam(ds, tbl, prop::STREAMING_PROTOCOL, out.protocol, target) |
-           holder.getIntParam(ds, tbl, prop::TARGET_PORT, out.port, target) |
-           holder.getIntParam(ds, tbl, prop::TTL, out.ttl, target);
+    return FC_OK | store.getTextParam(ds, tbl, prop::CHANNEL_NAME, out.channelName, target) |
+           store.getTextParam(ds, tbl, prop::NETWORK_INTERFACE, out.interface, target) |
+           store.getTextParam(ds, tbl, prop::TARGET_ADDRESS, out.address, target) |
+           store.getTextParam(ds, tbl, prop::STREAMING_PROTOCOL, out.protocol, target) |
+           store.getIntParam(ds, tbl, prop::TARGET_PORT, out.port, target) |
+           store.getIntParam(ds, tbl, prop::TTL, out.ttl, target);
 }
 
 // The RTSP server writes one SDP file per target; it is named after the
@@ -70,38 +70,38 @@ std::string sdpFileName(const std::string& directory, const std::string& target)
     return path + name + ".sdp";
 }
 
-Fcodes sendToAnnouncer(DataHolder& holder, const MessageCommand& command) {
+Fcodes sendToAnnouncer(ChannelStore& store, const MessageCommand& command) {
     std::string text, result;
     command.toString(text);
-    return holder.requestCommand(wire::SOCK_SAP, text, result, 10, 3) | FC_OK;
+    return store.requestCommand(wire::SOCK_SAP, text, result, peer::REQUEST_TIMEOUT_SEC, peer::REQUEST_TRIES) | FC_OK;
 }
 
 }  // namespace
 
-Fcodes SideActions::sapAction(const std::string& rowId) {
+Fcodes SapAnnouncements::sapAction(const std::string& rowId) {
     const int channel = channelIndex(rowId);
     if (channel < 0)
         return FC_BAD_VALUE;
     const char* ds = ds::CHANNEL;
     std::string state, status, source, detected = state::INPUT_NONE;
     int fcode = 0;
-    Fcodes result = FC_OK | ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
-                    ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
-                    ctx.holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcode, rowId) |
-                    ctx.holder.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
+    Fcodes result = FC_OK | ctx.store.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+                    ctx.store.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+                    ctx.store.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcode, rowId) |
+                    ctx.store.getTextParam(ds, tbl::SOURCE, prop::SOURCE, source, rowId);
     result |=
-        ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source) | FC_OK;
+        ctx.store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, source) | FC_OK;
     const bool announce = state == state::PLAYING || state == state::PLAYED;
 
     std::vector<std::string> targets;
     result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     for (const std::string& target : targets) {
         bool enabled = false, sap = false;
-        Fcodes read = FC_OK | ctx.holder.getBoolParam(ds, tbl::TARGET, prop::ENABLED, enabled, target) |
-                      ctx.holder.getBoolParam(ds, tbl::TARGET, prop::SAP, sap, target);
+        Fcodes read = FC_OK | ctx.store.getBoolParam(ds, tbl::TARGET, prop::ENABLED, enabled, target) |
+                      ctx.store.getBoolParam(ds, tbl::TARGET, prop::SAP, sap, target);
         TargetSettings settings;
         if (isOk(read) && enabled && sap)
-            read |= readTarget(ctx.holder, target, settings);
+            read |= readTarget(ctx.store, target, settings);
         result |= read;
         // A target whose settings cannot be read cannot be named to the announcer.
         if (!isOk(read) || !enabled || !sap)
@@ -113,19 +113,18 @@ Fcodes SideActions::sapAction(const std::string& rowId) {
         command.addParam(P_DESTINATION_PORT, std::to_string(settings.port));
         if (!announce) {
             command.setId(cmd::STOP_SAP);
-            result |= sendToAnnouncer(ctx.holder, command);
+            result |= sendToAnnouncer(ctx.store, command);
             continue;
         }
         std::string ifAddress;
-        result |= ctx.holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE, IP_ADDRESS,
-                                                 ifAddress, settings.interface) |
+        result |= ctx.store.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, NETWORK_INTERFACES_TABLE, IP_ADDRESS,
+                                                ifAddress, settings.interface) |
                   FC_OK;
         std::string sdpFile;
         if (settings.protocol == value::RTP_ES) {
             const char* server = med::RTSP_SERVER[channel];
             std::string directory;
-            Fcodes sdp =
-                ITarnevelClient::getTarnevelTextParam(&ctx.holder, server, med::PARAM_SDP_DIRECTORY, directory);
+            Fcodes sdp = ctx.mediator.getTextParam(server, med::PARAM_SDP_DIRECTORY, directory);
             if (isOk(sdp))
                 sdpFile = sdpFileName(directory, target);
             else
@@ -144,7 +143,7 @@ Fcodes SideActions::sapAction(const std::string& rowId) {
         std::ostringstream code;  // lower-case hex without "0x", as in a header
         code << std::hex << static_cast<uint32_t>(fcode);
         command.addParam(P_FCODE, code.str());
-        result |= sendToAnnouncer(ctx.holder, command);
+        result |= sendToAnnouncer(ctx.store, command);
     }
     return result;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "datacom/DataHolder.h"
+#include <cstdint>
 #include "datacom/Fcodes.h"
 
 // Small helpers shared by the side actions of the channel logic (statistics,

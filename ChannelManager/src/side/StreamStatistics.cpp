@@ -2,15 +2,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/ChannelStore.h"
+#include "settings/Mediator.h"
 #include "side/SideActionSupport.h"
-#include "side/SideActions.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "side/StreamStatistics.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -44,10 +43,7 @@ const TargetSender* senderOf(const std::string& targetRow) {
     return nullptr;
 }
 
-// Zixi statistics texts and the keys published from each.
-const char* const NETWORK_STATS = "Network Stats";
-const char* const ERROR_CORRECTION_STATS = "Error Correction Stats";
-const char* const CONNECTION_STATS = "Connection Stats";
+// The keys published from a Zixi feeder's statistics texts.
 
 struct ZixiKey {
     const char* key;
@@ -73,13 +69,12 @@ struct SrtStat {
     const char* property;
 };
 
-const char* const SRT_BITRATE_MBPS = med::PARAM_STAT_BITRATE_MBPS;
 const SrtStat kSrtStats[] = {
-    {"Stat: RTT", tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME},
-    {"Stat: Packets", tbl::SRT_QOS, prop::TOTAL_PACKETS},
-    {"Stat: Lost Packets", tbl::SRT_QOS, prop::PACKET_LOSS},
-    {"Stat: Dropped Packets", tbl::SRT_QOS, prop::DROPPED_PACKETS},
-    {"Stat: Retransmitted Packets", tbl::SRT_QOS, prop::RECOVERED_PACKETS},
+    {med::PARAM_STAT_RTT, tbl::SRT_NETWORK, prop::ROUND_TRIP_TIME},
+    {med::PARAM_STAT_PACKETS, tbl::SRT_QOS, prop::TOTAL_PACKETS},
+    {med::PARAM_STAT_LOST_PACKETS, tbl::SRT_QOS, prop::PACKET_LOSS},
+    {med::PARAM_STAT_DROPPED_PACKETS, tbl::SRT_QOS, prop::DROPPED_PACKETS},
+    {med::PARAM_STAT_RETRANSMITTED_PACKETS, tbl::SRT_QOS, prop::RECOVERED_PACKETS},
 };
 
 void logFailure(const char* prefix, const std::string& rowId, const std::string& value, const char* parameter,
@@ -89,9 +84,9 @@ void logFailure(const char* prefix, const std::string& rowId, const std::string&
 }
 
 // Asks the sender to refresh its figures; the reads that follow see them.
-Fcodes requestUpdate(DataHolder& holder, const char* operation, const std::string& rowId,
+Fcodes requestUpdate(Mediator& mediator, const char* operation, const std::string& rowId,
                      const std::string& component) {
-    Fcodes code = ITarnevelClient::setTarnevelIntParam(&holder, component, med::PARAM_UPDATE_STATS, 1);
+    Fcodes code = mediator.setIntParam(component, med::PARAM_UPDATE_STATS, 1);
     if (!isOk(code))
         logFailure(operation, rowId, "1", med::PARAM_UPDATE_STATS, component, code);
     return code;
@@ -99,9 +94,9 @@ Fcodes requestUpdate(DataHolder& holder, const char* operation, const std::strin
 
 // A statistics text of the sender; the read's failure is logged with the
 // prefix shared with the configuration messages.
-Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::string& component, const char* parameter,
+Fcodes readStatText(Mediator& mediator, const std::string& rowId, const std::string& component, const char* parameter,
                     std::string& text) {
-    Fcodes code = ITarnevelClient::getTarnevelTextParam(&holder, component, parameter, text);
+    Fcodes code = mediator.getTextParam(component, parameter, text);
     if (!isOk(code))
         logFailure("configChannel: ", rowId, text, parameter, component, code);
     return code;
@@ -109,17 +104,17 @@ Fcodes readStatText(DataHolder& holder, const std::string& rowId, const std::str
 
 // Counters are published as 64-bit integers on every build: a busy target
 // passes 2^31 packets within days, and a 32-bit figure would freeze there.
-Fcodes publish(DataHolder& holder, const char* dataSet, const char* component, const char* property, uint64_t value,
+Fcodes publish(ChannelStore& store, const char* dataSet, const char* component, const char* property, uint64_t value,
                const std::string& rowId) {
     const int64_t published = value > static_cast<uint64_t>(INT64_MAX) ? INT64_MAX : static_cast<int64_t>(value);
-    return holder.initInt64Param(dataSet, component, property, published, rowId) | FC_OK;
+    return store.initInt64Param(dataSet, component, property, published, rowId) | FC_OK;
 }
 
 }  // namespace
 
 // Naive by design: the first occurrence of the key decides, and the number
 // is whatever stands between the last comma before it and the key.
-uint64_t SideActions::parseZixiStat(const std::string& text, const std::string& key) {
+uint64_t StreamStatistics::parseZixiStat(const std::string& text, const std::string& key) {
     const std::string::size_type position = text.find(key);
     if (position == std::string::npos || key.empty())
         return 0;
@@ -141,7 +136,7 @@ static uint64_t packetLossPercent(uint64_t dropped, uint64_t total) {
     return (dropped * 100 + total / 2) / total;
 }
 
-Fcodes SideActions::updateZixiStatistics(const std::string& targetRowId) {
+Fcodes StreamStatistics::updateZixiStatistics(const std::string& targetRowId) {
     const TargetSender* sender = senderOf(targetRowId);
     if (sender == nullptr) {
         DBG(DBG_ERROR) << "updateZixiStatistics: no Zixi feeder for rowId=" << targetRowId;
@@ -149,35 +144,35 @@ Fcodes SideActions::updateZixiStatistics(const std::string& targetRowId) {
     }
     const std::string feeder = sender->zixiFeeder;
     const char* dataSet = ds::ZIXI_STAT;
-    Fcodes result = FC_OK | requestUpdate(ctx.holder, "updateZixiStatistics: ", targetRowId, feeder);
+    Fcodes result = FC_OK | requestUpdate(ctx.mediator, "updateZixiStatistics: ", targetRowId, feeder);
 
     std::string text;
-    Fcodes read = readStatText(ctx.holder, targetRowId, feeder, NETWORK_STATS, text);
+    Fcodes read = readStatText(ctx.mediator, targetRowId, feeder, med::PARAM_NETWORK_STATS, text);
     result |= read;
     if (isOk(read)) {
         for (const ZixiKey& key : kNetworkKeys)
             result |=
-                publish(ctx.holder, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
+                publish(ctx.store, dataSet, key.component, key.property, parseZixiStat(text, key.key), targetRowId);
         result |=
-            publish(ctx.holder, dataSet, tbl::ZIXI_QOS, prop::PACKET_LOSS,
+            publish(ctx.store, dataSet, tbl::ZIXI_QOS, prop::PACKET_LOSS,
                     packetLossPercent(parseZixiStat(text, " dropped"), parseZixiStat(text, " packets")), targetRowId);
     }
 
     text.clear();
-    read = readStatText(ctx.holder, targetRowId, feeder, ERROR_CORRECTION_STATS, text);
+    read = readStatText(ctx.mediator, targetRowId, feeder, med::PARAM_ERROR_CORRECTION_STATS, text);
     result |= read;
     if (isOk(read)) {
         const uint64_t recovered = parseZixiStat(text, " arq_recovered") + parseZixiStat(text, " fec_recovered");
-        result |= publish(ctx.holder, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
-        result |= publish(ctx.holder, dataSet, tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS,
+        result |= publish(ctx.store, dataSet, tbl::ZIXI_QOS, prop::RECOVERED_PACKETS, recovered, targetRowId);
+        result |= publish(ctx.store, dataSet, tbl::ZIXI_QOS, prop::NON_RECOVERED_PACKETS,
                           parseZixiStat(text, " not_recovered"), targetRowId);
     }
 
     text.clear();
-    read = readStatText(ctx.holder, targetRowId, feeder, CONNECTION_STATS, text);
+    read = readStatText(ctx.mediator, targetRowId, feeder, med::PARAM_CONNECTION_STATS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(ctx.holder, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION,
+        result |= publish(ctx.store, dataSet, tbl::ZIXI_NETWORK, prop::RECONNECTION,
                           parseZixiStat(text, " reconnections"), targetRowId);
     return result;
 }
@@ -189,7 +184,7 @@ static uint64_t mbpsToKbps(const std::string& text) {
     return kbps >= 1 ? (kbps < 9e18 ? static_cast<uint64_t>(kbps) : UINT64_MAX) : 0;
 }
 
-Fcodes SideActions::updateSrtStatistics(const std::string& targetRowId) {
+Fcodes StreamStatistics::updateSrtStatistics(const std::string& targetRowId) {
     const TargetSender* sender = senderOf(targetRowId);
     if (sender == nullptr) {
         DBG(DBG_ERROR) << "updateSrtStatistics: no SRT sender for rowId=" << targetRowId;
@@ -197,26 +192,26 @@ Fcodes SideActions::updateSrtStatistics(const std::string& targetRowId) {
     }
     const std::string component = sender->srtSender;
     const char* dataSet = ds::SRT_STAT;
-    Fcodes result = FC_OK | requestUpdate(ctx.holder, "updateSrtStatistics: ", targetRowId, component);
+    Fcodes result = FC_OK | requestUpdate(ctx.mediator, "updateSrtStatistics: ", targetRowId, component);
 
     std::string text;
-    Fcodes read = readStatText(ctx.holder, targetRowId, component, SRT_BITRATE_MBPS, text);
+    Fcodes read = readStatText(ctx.mediator, targetRowId, component, med::PARAM_STAT_BITRATE_MBPS, text);
     result |= read;
     if (isOk(read))
-        result |= publish(ctx.holder, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text), targetRowId);
+        result |= publish(ctx.store, dataSet, tbl::SRT_NETWORK, prop::TOTAL_BITRATE, mbpsToKbps(text), targetRowId);
     for (const SrtStat& stat : kSrtStats) {
         text.clear();
-        read = readStatText(ctx.holder, targetRowId, component, stat.parameter, text);
+        read = readStatText(ctx.mediator, targetRowId, component, stat.parameter, text);
         result |= read;
         if (isOk(read))
-            result |= publish(ctx.holder, dataSet, stat.component, stat.property,
+            result |= publish(ctx.store, dataSet, stat.component, stat.property,
                               std::strtoull(text.c_str(), nullptr, 0), targetRowId);
     }
 
     int latency = 0;
-    read = ctx.holder.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) | FC_OK;
+    read = ctx.store.getIntParam(ds::CHANNEL, tbl::SRT_SETTINGS, prop::LATENCY, latency, targetRowId) | FC_OK;
     result |= read;
     if (isOk(read))
-        result |= ctx.holder.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) | FC_OK;
+        result |= ctx.store.initIntParam(dataSet, tbl::SRT_NETWORK, prop::SRT_LATENCY, latency, targetRowId) | FC_OK;
     return result;
 }

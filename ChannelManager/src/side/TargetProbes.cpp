@@ -5,13 +5,15 @@
 #include <thread>
 #include <vector>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
+#include "settings/ChannelRows.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
+#include "settings/Mediator.h"
 #include "side/BoundedCommand.h"
 #include "side/ProbeRegistry.h"
 #include "side/SideActionSupport.h"
-#include "side/SideActions.h"
+#include "side/TargetProbes.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
@@ -59,19 +61,19 @@ bool isMulticast(const in_addr& address) {
 
 }  // namespace
 
-Fcodes SideActions::testConnectionToTarget(const std::string& rowId) {
+Fcodes TargetProbes::testConnectionToTarget(const std::string& rowId) {
     std::vector<std::string> targets;
     Fcodes result = rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets) | FC_OK;
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, address;
-        Fcodes read = FC_OK | ctx.holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        Fcodes read = FC_OK | ctx.store.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
         if (!isOk(read) || !enabled) {
             result |= read;
             continue;
         }
-        read |= ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target) |
-                ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
+        read |= ctx.store.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target) |
+                ctx.store.getTextParam(ds::CHANNEL, tbl::TARGET, prop::TARGET_ADDRESS, address, target);
         result |= read;
         if (!isOk(read))
             continue;
@@ -90,13 +92,11 @@ Fcodes SideActions::testConnectionToTarget(const std::string& rowId) {
         if (isMulticast(ipv4))
             continue;
 
-        DataHolder* probeHolder = &ctx.holder;
         IChannelEvents* sink = &ctx.events;
         ProbeRegistry::instance().begin();
         try {
-            std::thread([probeHolder, sink, rowId, address] {
-                ChannelContext probe{*probeHolder, *sink};
-                SideActions(probe).traceroute(rowId, address);
+            std::thread([sink, rowId, address] {
+                probe(*sink, rowId, address);
                 ProbeRegistry::instance().end();
             }).detach();
         } catch (const std::system_error& error) {
@@ -110,7 +110,11 @@ Fcodes SideActions::testConnectionToTarget(const std::string& rowId) {
 
 // Only a valid IPv4 address reaches the shell line, so nothing but an
 // address can be slipped into the commands.
-void SideActions::traceroute(const std::string& rowId, const std::string& address) {
+void TargetProbes::traceroute(const std::string& rowId, const std::string& address) {
+    probe(ctx.events, rowId, address);
+}
+
+void TargetProbes::probe(IChannelEvents& events, const std::string& rowId, const std::string& address) {
     in_addr ipv4{};
     if (addressKind(address, ipv4) != 1) {
         DBG(DBG_ERROR) << "traceroute: Illegal IP Address=" << address;
@@ -121,8 +125,8 @@ void SideActions::traceroute(const std::string& rowId, const std::string& addres
     const BoundedRun pinged = runBounded(ping, PING_LIMIT_MS, 0);
     DBG(DBG_INFO) << "traceroute: ping rc=" << pinged.status;
     if (pinged.started && pinged.status == 0) {
-        ctx.events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
-                             "ping " + address + " OK");
+        events.sendEvent(ev::TARGET_CONNECTION_OK, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
+                         "ping " + address + " OK");
         return;
     }
     const std::string trace = "traceroute -I " + address;
@@ -131,6 +135,6 @@ void SideActions::traceroute(const std::string& rowId, const std::string& addres
     if (!traced.started || traced.output.empty())
         return;
     // A failed probe carries "Unavailable" as its code, as a failed play does.
-    ctx.events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
-                         traced.output);
+    events.sendEvent(ev::TARGET_CONNECTION_FAILED, rowId, FC_UNAVAILABLE, state::ALARM_NONE, state::SEVERITY_INFO,
+                     traced.output);
 }

@@ -53,6 +53,35 @@ constexpr const char* PARAM_BITRATE_MARGIN = "Bitrate Margin";
 constexpr const char* PARAM_UPDATE_STATS = "Update Stats";               // a Zixi feeder's or SRT sender's refresh
 constexpr const char* PARAM_STAT_BITRATE_MBPS = "Stat: Bitrate (mbps)";  // SRT senders
 constexpr const char* PARAM_SDP_DIRECTORY = "SDP directory";
+// Branch start and stop: how long the mediator may take (a synchronous
+// request waits for the branch); a Zixi branch is stopped without waiting.
+constexpr int START_TIMEOUT_SEC = 20;
+constexpr int STOP_TIMEOUT_SEC = 20;
+constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
+// The KLV metadata branches: serial and IP ingest (COT or raw KLV) and
+// asynchronous SDI are shared by both channels; synchronous SDI is per channel.
+constexpr const char* KLV_O_SERIAL = "KLVoSerial";
+constexpr const char* RAW_KLV_O_SERIAL = "RAWKLVoSerial";
+constexpr const char* KLV_O_IP = "KLVoIP";
+constexpr const char* RAW_KLV_O_IP = "RAWKLVoIP";
+constexpr const char* KLV_O_SDI_ASYNC = "KLVoSDI Async";
+constexpr PerChannel KLV_O_SDI = {"KLVoSDI CH0", "KLVoSDI CH1"};
+// The front panel's LEDs, integer parameters of the component "Device".
+constexpr const char* DEVICE = "Device";
+constexpr const char* PARAM_STREAMING_LED = "Streaming LED";
+constexpr const char* PARAM_ERROR_LED = "Error LED";
+// What an SRT sender may still send, re-divided when a client joins.
+constexpr const char* PARAM_REMAINING_OUTPUT_BITRATE = "Remaining Output Bitrate bps";
+// A Zixi feeder's statistics texts.
+constexpr const char* PARAM_NETWORK_STATS = "Network Stats";
+constexpr const char* PARAM_ERROR_CORRECTION_STATS = "Error Correction Stats";
+constexpr const char* PARAM_CONNECTION_STATS = "Connection Stats";
+// An SRT sender's statistics texts (besides PARAM_STAT_BITRATE_MBPS).
+constexpr const char* PARAM_STAT_RTT = "Stat: RTT";
+constexpr const char* PARAM_STAT_PACKETS = "Stat: Packets";
+constexpr const char* PARAM_STAT_LOST_PACKETS = "Stat: Lost Packets";
+constexpr const char* PARAM_STAT_DROPPED_PACKETS = "Stat: Dropped Packets";
+constexpr const char* PARAM_STAT_RETRANSMITTED_PACKETS = "Stat: Retransmitted Packets";
 }  // namespace med
 
 // Branch states the mediator reports.
@@ -128,5 +157,11 @@ constexpr const char* PARAM_SAP_CHANNEL_NAME = "ChannelName";
 constexpr const char* PARAM_SAP_DESTINATION_IP = "DestinationIp";
 constexpr const char* PARAM_SAP_DESTINATION_PORT = "DestinationPort";
 }  // namespace cmd
+
+// ---- Requests to the device manager and the SAP announcer ----
+namespace peer {
+constexpr unsigned REQUEST_TIMEOUT_SEC = 10;  // per try
+constexpr unsigned REQUEST_TRIES = 3;
+}  // namespace peer
 
 }  // namespace vocab

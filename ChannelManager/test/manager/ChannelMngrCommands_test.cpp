@@ -238,3 +238,14 @@ TEST_F(ChannelMngrCommands, StoreArchivesTheSettingsOverPlantedLinksAndLeavesNot
     EXPECT_TRUE(h.waitLog("execute: settings archive failed"));
     EXPECT_EQ(before, tmpNames());
 }
+
+// The run book is the manager's, lent to every command: a stop stops the
+// branch the play started, though the target's protocol changed in between.
+TEST_F(ChannelMngrCommands, AStopStopsTheBranchAnEarlierPlayStarted) {
+    ASSERT_EQ(FC_OK, h.execute(cmd::LOAD_CHANNELS, {{"File", "Default"}}));
+    ASSERT_EQ(FC_OK, h.execute(cmd::PLAY, {{cmd::PARAM_ROW_ID, row::H264}}));
+    ASSERT_EQ(state::BRANCH_RUN, h.mediator.model().branchState("UDP CH0"));
+    ASSERT_TRUE(h.set({{tbl::TARGET, prop::STREAMING_PROTOCOL, "H.264 Target1", value::ZIXI}}));
+    EXPECT_EQ(FC_OK, h.execute(cmd::STOP, {{cmd::PARAM_ROW_ID, row::H264}}));
+    EXPECT_EQ(state::BRANCH_STOP, h.mediator.model().branchState("UDP CH0"));
+}

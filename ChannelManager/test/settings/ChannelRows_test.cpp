@@ -12,11 +12,11 @@ using namespace vocab;
 
 namespace {
 
-using ChannelRows = ChannelTest;
+using ChannelRowsTest = ChannelTest;
 
 // Both directions of the branch naming, including the deliberate gaps: RTMP
 // has no low-latency variant, and no SRT branch maps back to a channel.
-TEST_F(ChannelRows, BranchNamesBothWays) {
+TEST_F(ChannelRowsTest, BranchNamesBothWays) {
     const char *H = row::H264, *V = row::HEVC;
     struct {
         const char* channel;
@@ -61,7 +61,7 @@ TEST_F(ChannelRows, BranchNamesBothWays) {
 
 // A channel's rows by "Channel ID": keyed instances in order, and the
 // row-index forms over an array of instances.
-TEST_F(ChannelRows, ChildInstancesAndRowIndices) {
+TEST_F(ChannelRowsTest, ChildInstancesAndRowIndices) {
     std::vector<std::string> targets;
     EXPECT_EQ(FC_OK, h.channel().getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, row::HEVC, targets));
     EXPECT_EQ((std::vector<std::string>{"HEVC Target1", "HEVC Target2"}), targets);
@@ -79,7 +79,7 @@ TEST_F(ChannelRows, ChildInstancesAndRowIndices) {
 
 // A stop puts back the bitrates saved before an on-the-fly change (0 = not
 // saved) and clears the backup.
-TEST_F(ChannelRows, StopRestoresTheBitrateBackup) {
+TEST_F(ChannelRowsTest, StopRestoresTheBitrateBackup) {
     DataHolder& d = *h.holder;
     ASSERT_EQ(FC_OK, d.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, prop::TOTAL_BITRATE, 4000000, row::H264));
     ASSERT_EQ(FC_OK, d.initIntParam(ds::CHANNEL, tbl::PROCESSING_BACKUP, prop::VIDEO_BITRATE, 3000000, row::H264));

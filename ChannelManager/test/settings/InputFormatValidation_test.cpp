@@ -10,11 +10,11 @@ using namespace vocab;
 
 namespace {
 
-using InputFormatValidation = ChannelTest;
+using InputFormatValidationTest = ChannelTest;
 
 // The matrix edges, the encoder limits with their exemptions (low latency;
 // HEVC GOP "I"/"IP") and the HEVC 1080p GOP rule, on the factory sources.
-TEST_F(InputFormatValidation, ValidatesTheDetectedInputAgainstTheEncoding) {
+TEST_F(InputFormatValidationTest, ValidatesTheDetectedInputAgainstTheEncoding) {
     const char *H = row::H264, *V = row::HEVC, *B = value::PROFILE_BROADCAST, *L = value::PROFILE_ULL;
     const Fcodes OK = FC_OK, NO = FC_UNAVAILABLE;
     struct Row {

@@ -6,9 +6,9 @@ using namespace datacom;
 
 using namespace vocab;
 
-using DataStreamEvents = ChannelTest;
+using DataStreamEventsTest = ChannelTest;
 
-TEST_F(DataStreamEvents, ConditionEventsChangeOnlyTheFcode) {
+TEST_F(DataStreamEventsTest, ConditionEventsChangeOnlyTheFcode) {
     struct Step {
         const char* event;
         const char* status;
@@ -40,7 +40,7 @@ TEST_F(DataStreamEvents, ConditionEventsChangeOnlyTheFcode) {
     EXPECT_EQ(h.channel().handleDataStreamEvent(&notAChannel), FC_NO_SUCH_NAME);
 }
 
-TEST_F(DataStreamEvents, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
+TEST_F(DataStreamEventsTest, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
     auto request = [this](const char* total) {
         MessageEvent event =
             mediatorEvent(ev::ZIXI_CHANGE_BITRATE_REQUEST, row::H264, "ON", {{"Total Bitrate", total}});
@@ -66,7 +66,7 @@ TEST_F(DataStreamEvents, ZixiBitrateRequestSavesTheConfiguredBitratesOnce) {
     EXPECT_EQ(backup(prop::TOTAL_BITRATE), 5000000);
 }
 
-TEST_F(DataStreamEvents, NewSrtClientTellsEachSenderWhatItsChannelLeaves) {
+TEST_F(DataStreamEventsTest, NewSrtClientTellsEachSenderWhatItsChannelLeaves) {
     h.holder->initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, 8000000, row::HEVC);
     const char* figures[][2] = {
         {"Srt Sender CH0", "1.5"}, {"Srt Sender CH0 2", "6"}, {"Srt Sender CH1", "0.25"}, {"Srt Sender CH1 2", "x"}};

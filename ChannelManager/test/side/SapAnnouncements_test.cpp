@@ -6,9 +6,9 @@ using namespace datacom;
 
 using namespace vocab;
 
-using SapAnnouncements = ChannelTest;
+using SapAnnouncementsTest = ChannelTest;
 
-TEST_F(SapAnnouncements, AnnouncesTargetsWithSapFromPlayedOnAndWithdrawsThemOtherwise) {
+TEST_F(SapAnnouncementsTest, AnnouncesTargetsWithSapFromPlayedOnAndWithdrawsThemOtherwise) {
     const char* t1 = "H.264 Target1";  // enabled, "UDP TS" to 239.1.1.1:5000
     const char* t2 = "H.264 Target2";
     h.holder->initBoolParam(ds::CHANNEL, tbl::TARGET, prop::SAP, true, t1);

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "side/SideActions.h"
+#include "side/StreamStatistics.h"
 #include "support/ChannelHarness.h"
 
 using namespace datacom;
@@ -30,7 +30,7 @@ TEST(StreamStatistics, ParseZixiStatTakesTheNumberBeforeTheFirstKey) {
         {"99999999999999999999 packets", " packets", UINT64_MAX},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(SideActions::parseZixiStat(row.text, row.key), row.expected)
+        EXPECT_EQ(StreamStatistics::parseZixiStat(row.text, row.key), row.expected)
             << "text=\"" << row.text << "\" key=\"" << row.key << "\"";
 }
 

@@ -117,7 +117,6 @@ public:
         add({"STOP ALL SAP", "", 0, "", "", ""});
         return datacom::FC_OK;
     }
-    ChannelRunBook& runBook() override { return book; }
     std::vector<RecordedEvent> events() const {
         std::lock_guard<std::mutex> guard(mutex);
         return recorded;
@@ -141,7 +140,6 @@ private:
     }
     mutable std::mutex mutex;
     std::vector<RecordedEvent> recorded;
-    ChannelRunBook book;
 };
 
 // The channel manager's holder in a test: the four factory datasets loaded
@@ -185,7 +183,7 @@ public:
     ChannelHarness& operator=(const ChannelHarness&) = delete;
     // True when the simulator and the datasets are all up.
     bool ready() const { return started && datacom::isOk(simLoaded) && (!holder || datacom::isOk(holder->loaded)); }
-    ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(*holder, recorder); }
+    ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(*holder, recorder, book); }
     // A channel command as the manager hands it on, parsed.
     datacom::Fcodes channelCommand(const std::string& id, const Params& params = {}) {
         return channel().execute(makeCommand(id, params));
@@ -283,6 +281,7 @@ public:
     DeviceService device{traffic};
     SapService sap{traffic};
     EventRecorder recorder;
+    ChannelRunBook book;  // lent to every channel() as the manager lends its own
     std::unique_ptr<ChannelTestHolder> holder;
 
 protected:

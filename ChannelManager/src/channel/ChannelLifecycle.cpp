@@ -3,25 +3,29 @@
 #include <thread>
 
 #include "channel/ChannelLifecycle.h"
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/Mutex.h"
+#include "pipeline/PipelineConfigurator.h"
+#include "settings/ChannelRows.h"
 #include "settings/ChannelRunBook.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
 #include "settings/InputFormatValidation.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "settings/Mediator.h"
+#include "side/FrontPanelLeds.h"
+#include "side/KlvBranches.h"
+#include "side/SapAnnouncements.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
 // The channel state machine: "Stopped" -> "Played" -> "Playing" ->
 // "Stopping" -> "Stopped" (or left "Stopping" after a condition), driven by
 // the start and stop of the mediator branches of the channel's enabled
-// targets. Play, stop and the branch-event check hold the holder's recursive
+// targets. Play, stop and the branch-event check hold the rows' recursive
 // lock for their whole run; a stop may run inside a play or a forced stop.
 //
 // A play notes in the run book every branch it started or found running
@@ -34,9 +38,6 @@ using namespace vocab;
 
 namespace {
 
-constexpr int START_TIMEOUT_SEC = 20;
-constexpr int STOP_TIMEOUT_SEC = 20;
-constexpr int ZIXI_STOP_TIMEOUT_SEC = 5;
 constexpr int POLL_MS = 5;
 const std::string ZIXI_PREFIX = "ZIXI ";  // the Zixi branches, "ZIXI CH0" ...
 constexpr ChannelRunBook::Kind TARGET = ChannelRunBook::Kind::Target;
@@ -51,8 +52,8 @@ void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<
         result = FC_OK;
         bool enabled = false;
         std::string protocol;
-        result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        result |= ctx.store.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
         if (!enabled)
             continue;
         std::string branch, branchState;
@@ -61,15 +62,15 @@ void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<
         // A target without a branch has nothing to ask the mediator about.
         if (!isOk(lookup))
             continue;
-        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+        const Fcodes stateRead = ctx.mediator.branchState(branch, branchState);
         result |= stateRead;
         if (isOk(stateRead) && branchState == state::BRANCH_RUN)
-            ctx.events.runBook().addBranch(rowId, branch, TARGET);  // running for this channel: its stop stops it
+            ctx.runBook.addBranch(rowId, branch, TARGET);  // running for this channel: its stop stops it
         if (!isOk(stateRead) || branchState != state::BRANCH_STOP)
             continue;
-        const Fcodes started = ITarnevelClient::startTarnevelBranch(&ctx.holder, branch, true, START_TIMEOUT_SEC);
+        const Fcodes started = ctx.mediator.startBranch(branch, true, med::START_TIMEOUT_SEC);
         if (isOk(started))
-            ctx.events.runBook().addBranch(rowId, branch, TARGET);
+            ctx.runBook.addBranch(rowId, branch, TARGET);
         if (!isOk(started)) {
             DBG(DBG_ERROR) << "playChannel: Failed startTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(started) << std::dec << " rowId=" << rowId;
@@ -84,10 +85,10 @@ void ChannelLifecycle::startTargets(const std::string& rowId, const std::vector<
 }
 
 Fcodes ChannelLifecycle::playChannel(const std::string& rowId) {
-    ScopedLock<DataHolder> guard(ctx.holder);
+    ScopedLock<ChannelStore> guard(ctx.store);
     // Whoever plays the channel, it no longer stands stopped for its input.
-    ctx.events.runBook().setStoppedByInput(rowId, false);
-    Fcodes result = ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
+    ctx.runBook.setStoppedByInput(rowId, false);
+    Fcodes result = ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYED, rowId);
 
     std::vector<std::string> targets;
     result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
@@ -98,13 +99,13 @@ Fcodes ChannelLifecycle::playChannel(const std::string& rowId) {
         return lastTarget;
     result |= lastTarget;
 
-    result |= side.sapAction(rowId);
-    result |= side.klvAction(rowId);
+    result |= sap.sapAction(rowId);
+    result |= klv.klvAction(rowId);
     result |= pipeline.updateAutomaticParams(rowId);
 
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, rowId);
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::PLAYING, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+    result |= ctx.store.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
     ctx.events.sendEvent(ev::CHANNEL_PLAYED, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
     ctx.events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
 
@@ -113,15 +114,15 @@ Fcodes ChannelLifecycle::playChannel(const std::string& rowId) {
     // runs, and a later detection of the same format must not look like a
     // change because SAP or KLV failed.
     std::string source, inputDetected;
-    Fcodes inputRead = ctx.holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
+    Fcodes inputRead = ctx.store.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
     inputRead |=
-        ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
+        ctx.store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
     result |= inputRead;
     if (isOk(inputRead))
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputDetected, rowId);
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputDetected, rowId);
     if (isOk(result)) {
         result |= updateChannelStatus(rowId);
-        result |= side.updateStreamAndErrorLeds();
+        result |= leds.updateStreamAndErrorLeds();
     }
     return result;
 }
@@ -133,22 +134,21 @@ Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector
         if ((branch.compare(0, ZIXI_PREFIX.size(), ZIXI_PREFIX) == 0) != zixi)
             continue;
         std::string branchState;
-        const Fcodes stateRead = ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+        const Fcodes stateRead = ctx.mediator.branchState(branch, branchState);
         result |= stateRead;
         if (branchState != state::BRANCH_RUN) {
             DBG(DBG_INFO) << "stopChannel: branch=" << branch << " is not RUN fcode=0x" << std::hex
                           << static_cast<uint32_t>(stateRead) << std::dec << " rowId=" << rowId;
             // Unread, it may still run: kept for the next stop.
             if (isOk(stateRead))
-                ctx.events.runBook().removeBranch(rowId, branch, TARGET);
+                ctx.runBook.removeBranch(rowId, branch, TARGET);
             continue;
         }
-        const Fcodes stopped =
-            zixi ? ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, false, ZIXI_STOP_TIMEOUT_SEC)
-                 : ITarnevelClient::stopTarnevelBranch(&ctx.holder, branch, true, STOP_TIMEOUT_SEC);
+        const Fcodes stopped = zixi ? ctx.mediator.stopBranch(branch, false, med::ZIXI_STOP_TIMEOUT_SEC)
+                                    : ctx.mediator.stopBranch(branch, true, med::STOP_TIMEOUT_SEC);
         result |= stopped;
         if (isOk(stopped)) {
-            ctx.events.runBook().removeBranch(rowId, branch, TARGET);
+            ctx.runBook.removeBranch(rowId, branch, TARGET);
         } else {
             DBG(DBG_ERROR) << "stopChannel: Failed stopTarnevelBranch branch=" << branch << " fcode=0x" << std::hex
                            << static_cast<uint32_t>(stopped) << std::dec << " rowId=" << rowId;
@@ -162,14 +162,14 @@ Fcodes ChannelLifecycle::stopTargets(const std::string& rowId, const std::vector
 // enabled targets as its configuration names them now (a branch left
 // running by an earlier run of the daemon), each once.
 Fcodes ChannelLifecycle::branchesToStop(const std::string& rowId, std::vector<std::string>& branches) {
-    branches = ctx.events.runBook().branches(rowId, TARGET);
+    branches = ctx.runBook.branches(rowId, TARGET);
     std::vector<std::string> targets;
     Fcodes result = rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, targets);
     for (const std::string& target : targets) {
         bool enabled = false;
         std::string protocol, branch;
-        result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
+        result |= ctx.store.getBoolParam(ds::CHANNEL, tbl::TARGET, prop::ENABLED, enabled, target);
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, protocol, target);
         if (!enabled)
             continue;
         const Fcodes lookup = rows.getBranch(rowId, protocol, branch);
@@ -181,18 +181,18 @@ Fcodes ChannelLifecycle::branchesToStop(const std::string& rowId, std::vector<st
 }
 
 Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
-    ScopedLock<DataHolder> guard(ctx.holder);
+    ScopedLock<ChannelStore> guard(ctx.store);
     std::string chanState;
     int fcode = 0;
-    const Fcodes reads = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
-                         ctx.holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
+    const Fcodes reads = ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId) |
+                         ctx.store.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
     if (!isOk(reads))
         return reads;
     if (chanState == state::STOPPING || chanState == state::STOPPED) {
         // Stopped already; only a branch whose stop was refused is tried again.
-        const std::vector<std::string> left = ctx.events.runBook().branches(rowId, TARGET);
+        const std::vector<std::string> left = ctx.runBook.branches(rowId, TARGET);
         bool stopFailed = false;
-        Fcodes retried = reads | side.klvStopLeftOver(rowId);
+        Fcodes retried = reads | klv.klvStopLeftOver(rowId);
         if (!left.empty()) {
             retried |= stopTargets(rowId, left, true, stopFailed);
             retried |= stopTargets(rowId, left, false, stopFailed);
@@ -201,9 +201,9 @@ Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
     }
 
     DBG(DBG_INFO) << "stopChannel: setting chanState=Stopping";
-    Fcodes result = ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
-    result |= side.klvAction(rowId);
-    result |= side.sapAction(rowId);
+    Fcodes result = ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPING, rowId);
+    result |= klv.klvAction(rowId);
+    result |= sap.sapAction(rowId);
 
     // Zixi first and without waiting, so that the feeder is released before
     // the waited stops of the other branches.
@@ -216,9 +216,9 @@ Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
     // A channel stopped by a data-stream condition or a format change stays
     // "Stopping" until it is played again.
     if (!holds(fcode, cond::ZIXI_CONNECTION) && !holds(fcode, cond::DATA_STREAM) && !holds(fcode, cond::FORMAT_CHANGED))
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-    result |= side.updateStreamAndErrorLeds();
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+    result |= leds.updateStreamAndErrorLeds();
     result |= rows.restoreChannelParameters(rowId);
 
     ctx.events.sendEvent(ev::CHANNEL_STOPPED, rowId, stopFailed ? FC_UNAVAILABLE : cond::INFO, state::ALARM_NONE,
@@ -230,8 +230,8 @@ Fcodes ChannelLifecycle::stopChannel(const std::string& rowId) {
 Fcodes ChannelLifecycle::updateChannelStatus(const std::string& rowId) {
     std::string source;
     bool encodeVideo = false;
-    Fcodes result = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
-    result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
+    Fcodes result = ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
+    result |= ctx.store.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODE_VIDEO, encodeVideo, rowId);
 
     bool embeddedAudio = false;
     std::vector<std::string> audioRows;
@@ -239,8 +239,8 @@ Fcodes ChannelLifecycle::updateChannelStatus(const std::string& rowId) {
     for (const std::string& audioRow : audioRows) {
         bool enabled = false;
         std::string audioSource;
-        result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRow);
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioSource, audioRow);
+        result |= ctx.store.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRow);
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, audioSource, audioRow);
         if (enabled && (audioSource == value::AUDIO_SDI_EMBEDDED || audioSource == value::AUDIO_HDMI_EMBEDDED))
             embeddedAudio = true;
     }
@@ -249,10 +249,10 @@ Fcodes ChannelLifecycle::updateChannelStatus(const std::string& rowId) {
 
     std::string chanState;
     bool connected = false;
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
-    result |= ctx.holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+    result |= ctx.store.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, source);
     if (!connected && chanState == state::PLAYING) {
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_ERROR, rowId);
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_ERROR, rowId);
         ctx.events.sendEvent(ev::CHANNEL_ERROR, rowId, cond::CHANNEL_ERROR, state::ALARM_ON, state::SEVERITY_INFO, "");
     }
     return result;
@@ -267,11 +267,11 @@ Fcodes ChannelLifecycle::configChannels() {
     std::vector<std::string> replay;
     for (const std::string& rowId : rows.channelRows()) {
         std::string previous;
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, previous, rowId);
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
-        result |= ctx.holder.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, previous, rowId);
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, state::STOPPED, rowId);
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, FC_OK, rowId);
+        result |= ctx.store.initBoolParam(ds::CHANNEL, tbl::SOURCE, prop::FORMAT_CHANGED, false, rowId);
         DBG(DBG_INFO) << "configChannels: configuring channel=" << rowId;
         const Fcodes configured = pipeline.configChannel(rowId) | pipeline.updateChannel(rowId);
         if (isOk(configured))
@@ -281,7 +281,7 @@ Fcodes ChannelLifecycle::configChannels() {
             ctx.events.sendEvent(ev::CHANNEL_CONFIG_ERROR, rowId, configured, state::ALARM_NONE, state::SEVERITY_INFO,
                                  "");
         result |= configured;
-        if (previous == state::PLAYING && isOk(validateInputFormat(ctx.holder, rowId)))
+        if (previous == state::PLAYING && isOk(validateInputFormat(ctx.store, rowId)))
             replay.push_back(rowId);
     }
     for (const std::string& rowId : replay)
@@ -296,14 +296,14 @@ Fcodes ChannelLifecycle::reconfigChannelFormat(const std::string& rowId) {
 Fcodes ChannelLifecycle::waitWhileInTransition(const std::string& branch, const std::string& wantedState,
                                                int timeoutMs) {
     std::string branchState;
-    Fcodes result = FC_OK | ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+    Fcodes result = FC_OK | ctx.mediator.branchState(branch, branchState);
     int remaining = timeoutMs;
     int mismatches = 0;
     while (branchState != wantedState && remaining >= 1) {
         ++mismatches;
         std::this_thread::sleep_for(std::chrono::milliseconds(POLL_MS));
         remaining -= POLL_MS;
-        result |= ITarnevelClient::getTarnevelBranchState(&ctx.holder, branch, branchState);
+        result |= ctx.mediator.branchState(branch, branchState);
     }
     DBG(DBG_INFO) << "waitWhileInTransition: branch=" << branch << " state=" << branchState
                   << " transitiontime(ms)=" << POLL_MS * mismatches;
@@ -313,7 +313,7 @@ Fcodes ChannelLifecycle::waitWhileInTransition(const std::string& branch, const 
 Fcodes ChannelLifecycle::handleTarnevelBranchEvent(MessageEvent* event) {
     if (event == nullptr)
         return FC_BAD_VALUE;
-    ScopedLock<DataHolder> guard(ctx.holder);
+    ScopedLock<ChannelStore> guard(ctx.store);
     const std::string& name = event->id;
     const std::string& branch = event->source;
     DBG(DBG_INFO) << "handleTarnevelBranchEvent: ev=" << name << " branch=" << branch;
@@ -325,10 +325,10 @@ Fcodes ChannelLifecycle::handleTarnevelBranchEvent(MessageEvent* event) {
     std::string chanState, status;
     int fcode = 0;
     bool formatAsDetected = false;
-    Fcodes result = ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, status, rowId);
-    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
-    result |= ctx.holder.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, formatAsDetected, rowId);
+    Fcodes result = ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATE, chanState, rowId);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::CHANNELS, prop::STATUS, status, rowId);
+    result |= ctx.store.getIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, fcode, rowId);
+    result |= ctx.store.getBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, formatAsDetected, rowId);
     // Only the two contradictions are worth a line; nothing is changed.
     if (name == ev::BRANCH_STOPPED && chanState == state::PLAYED)
         DBG(DBG_ERROR) << "handleTarnevelBranchEvent: chan is in stopped state after being played rowId=" << rowId;
@@ -338,12 +338,12 @@ Fcodes ChannelLifecycle::handleTarnevelBranchEvent(MessageEvent* event) {
 }
 
 Fcodes ChannelLifecycle::forcedStop(const std::string& rowId) {
-    ScopedLock<DataHolder> guard(ctx.holder);
+    ScopedLock<ChannelStore> guard(ctx.store);
     // The operator's stop: a valid input coming back no longer resumes it.
-    ctx.events.runBook().setStoppedByInput(rowId, false);
+    ctx.runBook.setStoppedByInput(rowId, false);
     DBG(DBG_INFO) << "execute: STOP_CMD: setting forced stop fcode=" << std::hex << cond::FORCED_STOP;
     Fcodes result =
-        ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
+        ctx.store.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, static_cast<int>(cond::FORCED_STOP), rowId);
     result |= stopChannel(rowId);
     return result | FC_OK;
 }

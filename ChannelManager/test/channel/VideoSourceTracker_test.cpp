@@ -28,9 +28,9 @@ std::string channelRow(ChannelHarness& h, const char* row) {
 
 }  // namespace
 
-using VideoSources = ChannelTest;
+using VideoSourceTrackerTest = ChannelTest;
 
-TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
+TEST_F(VideoSourceTrackerTest, RefreshFromTheReceiverOrTheEvent) {
     struct Row {
         const char* source;
         const char* receiverFormat;  // nullptr: the event carries the format
@@ -67,7 +67,7 @@ TEST_F(VideoSources, RefreshFromTheReceiverOrTheEvent) {
     EXPECT_EQ(sourceRow(h, "HD-SDI"), "1920x1080i @ 25 +");
 }
 
-TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
+TEST_F(VideoSourceTrackerTest, PlayingChannelFollowsItsInput) {
     MediatorTranscript transcript(h);
     ASSERT_TRUE(transcript.ready());
     ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
@@ -104,7 +104,7 @@ TEST_F(VideoSources, PlayingChannelFollowsItsInput) {
         << testing::PrintToString(resume);
 }
 
-TEST_F(VideoSources, FormatAsDetectedReconfiguresAndPlaysAgain) {
+TEST_F(VideoSourceTrackerTest, FormatAsDetectedReconfiguresAndPlaysAgain) {
     h.holder->initBoolParam(ds::CHANNEL, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, true, row::H264);
     ASSERT_EQ(h.channel().playChannel(row::H264), FC_OK);
     detectFormat(h, "HD-SDI", "1920x1080i @ 30");

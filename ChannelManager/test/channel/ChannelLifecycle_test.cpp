@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "support/ChannelHarness.h"
+#include "support/FakeMediator.h"
+#include "support/FakeStore.h"
 #include "support/MediatorTranscript.h"
 #include "tarnevel/ITarnevelClient.h"
 
@@ -61,15 +63,11 @@ std::function<Fcodes(ChannelHarness&)> command(const char* id, const char* rowId
     return [id, rowId](ChannelHarness& h) { return h.channelCommand(id, {{cmd::PARAM_ROW_ID, rowId}}); };
 }
 
-std::function<Fcodes(ChannelHarness&)> stopChannel(const char* rowId) {
-    return [rowId](ChannelHarness& h) { return h.channel().stopChannel(rowId); };
-}
-
 const char* H = row::H264;
 const char* V = row::HEVC;
 const std::string T1 = "H.264 Target1", T2 = "H.264 Target2";
 
-TEST(PlayStop, TransitionsAgainstTheMediator) {
+TEST(ChannelLifecycle, TransitionsAgainstTheMediator) {
     const std::string played = std::string(ev::CHANNEL_PLAYED) + " ";
     const std::string closed = std::string(ev::CLOSE_ALARMS) + " ";
     const std::string stopped = std::string(ev::CHANNEL_STOPPED) + " ";
@@ -103,22 +101,6 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
          command(cmd::PLAY, H), FC_OK, {{H, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20"}},
-        {"play: a failed start stops the channel and answers the start's code",
-         [](ChannelHarness& h) { ASSERT_EQ(FC_OK, h.failNext("Tarnevel Start Branch")); }, command(cmd::PLAY, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
-         {std::string(ev::CHANNEL_PLAY_ERROR) + " H.264 0x10100", stopped + "H.264 0x20000",
-          closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0", "Start Branch UDP CH0 sync=20", "Get Branch State UDP CH0"}},
-        {"play: the stop after a failed start undoes the started branches, Zixi first",
-         [](ChannelHarness& h) {
-             setTarget(h, T2, true, value::ZIXI);
-             runBranch(h, "UDP CH0");
-             ASSERT_EQ(FC_OK, h.failNext("Tarnevel Start Branch"));
-         },
-         command(cmd::PLAY, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
-         {std::string(ev::CHANNEL_PLAY_ERROR) + " H.264 0x10100", stopped + "H.264 0x20000",
-          closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0", "Get Branch State ZIXI CH0", "Start Branch ZIXI CH0 sync=20",
-          "Get Branch State ZIXI CH0", "Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
         {"stop: Zixi first and without waiting, then the others",
          [](ChannelHarness& h) {
              setTarget(h, T2, true, value::ZIXI);
@@ -130,45 +112,6 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
          {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
          {"Get Branch State ZIXI CH0", "Stop Branch ZIXI CH0", "Get Branch State UDP CH0",
           "Stop Branch UDP CH0 sync=20"}},
-        {"stop: a stopped channel sends nothing", none, command(cmd::STOP, H), FC_OK, {{H, state::STOPPED}},
-         {}, {}},
-        {"stop: a stopping channel sends nothing",
-         [](ChannelHarness& h) { setChannel(h, H, state::STOPPING, cond::DATA_STREAM); }, command(cmd::STOP, H),
-         FC_OK, {{H, state::STOPPING}}, {}, {}},
-        {"stop: a refused branch stop is reported in the event",
-         [](ChannelHarness& h) {
-             setChannel(h, H, state::PLAYING, FC_OK);
-             runBranch(h, "UDP CH0");
-             ASSERT_EQ(FC_OK, h.failNext("Tarnevel Stop Branch"));
-         },
-         command(cmd::STOP, H), FC_UNAVAILABLE, {{H, state::STOPPED}},
-         {stopped + "H.264 0x10100", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
-        {"stop: the branches whose stop was refused are tried again by the next stop, the KLV one first",
-         [](ChannelHarness& h) {
-             h.set({{tbl::PROCESSING, prop::INGEST_KLV, H, value::KLV_SDI_SYNC}});
-             h.channel().playChannel(H);
-             ASSERT_EQ(FC_OK, h.failNext("Tarnevel Stop Branch", {{"Count", "2"}}));
-             command(cmd::STOP, H)(h);
-         },
-         command(cmd::STOP, H), FC_OK, {{H, state::STOPPED}}, {},
-         {"Get Branch State KLVoSDI CH0", "Stop Branch KLVoSDI CH0 sync=20", "Get Branch State UDP CH0",
-          "Stop Branch UDP CH0 sync=20"}},
-        {"stop: a format change holds the channel in Stopping",
-         [](ChannelHarness& h) {
-             setChannel(h, H, state::PLAYING, cond::FORMAT_CHANGED);
-             runBranch(h, "UDP CH0");
-         },
-         stopChannel(H), FC_OK, {{H, state::STOPPING}},
-         {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0", "Stop Branch UDP CH0 sync=20"}},
-        {"stop: a data-stream condition holds the channel in Stopping",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYED, cond::DATA_STREAM); }, stopChannel(H), FC_OK,
-         {{H, state::STOPPING}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0"}},
-        {"stop: a lost input does not hold the channel",
-         [](ChannelHarness& h) { setChannel(h, H, state::PLAYING, cond::CHANNEL_ERROR); }, stopChannel(H), FC_OK, {{H, state::STOPPED}}, {stopped + "H.264 0x20000", closed + "H.264 0x20000"},
-         {"Get Branch State UDP CH0"}},
         {"RowID 0 plays both channels", none, command(cmd::PLAY, row::ALL_NUMERIC), FC_OK,
          {{H, state::PLAYING}, {V, state::PLAYING}},
          {played + "H.264 0x20000", closed + "H.264 0x20000", played + "HEVC 0x20000", closed + "HEVC 0x20000"},
@@ -209,7 +152,7 @@ TEST(PlayStop, TransitionsAgainstTheMediator) {
 
 // Branch events are checked against the channel and change nothing; an SRT
 // branch is never tied to a channel.
-TEST(PlayStop, BranchEventsChangeNothing) {
+TEST(ChannelLifecycle, BranchEventsChangeNothing) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     struct {
@@ -233,25 +176,9 @@ TEST(PlayStop, BranchEventsChangeNothing) {
     EXPECT_TRUE(h.recorder.events().empty());
 }
 
-// The wait polls every 5 ms for at most its time; not getting there is no failure.
-TEST(PlayStop, WaitWhileInTransitionPollsWithinItsTime) {
-    ChannelHarness h;
-    ASSERT_TRUE(h.ready());
-    MediatorTranscript transcript(h);
-    ASSERT_TRUE(transcript.ready());
-    ASSERT_EQ(FC_OK, ITarnevelClient::startTarnevelBranch(h.holder.get(), "UDP CH0", false, 1));
-    transcript.mark();
-    EXPECT_EQ(FC_OK, h.channel().waitWhileInTransition("UDP CH0", state::BRANCH_RUN, 1000));
-    EXPECT_EQ(1u, transcript.branchCommands().size()) << "already there: one read";
-    transcript.mark();
-    EXPECT_EQ(FC_OK, h.channel().waitWhileInTransition("UDP CH1", state::BRANCH_RUN, 20));
-    EXPECT_EQ(std::vector<std::string>(5, "Get Branch State UDP CH1"), transcript.branchCommands())
-        << "a first read and four polls in 20 ms";
-}
-
 // A playing channel whose source is gone turns "ERROR" with "Channel Error",
 // but only when it takes video or embedded audio from that source.
-TEST(PlayStop, ChannelStatusFollowsTheSource) {
+TEST(ChannelLifecycle, ChannelStatusFollowsTheSource) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     DataHolder& d = *h.holder;
@@ -276,7 +203,7 @@ TEST(PlayStop, ChannelStatusFollowsTheSource) {
 
 // Start-up: every channel stopped and configured; a channel that was playing
 // plays again when its input fits and stays stopped when it does not.
-TEST(PlayStop, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
+TEST(ChannelLifecycle, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
     ChannelHarness h;
     ASSERT_TRUE(h.ready());
     MediatorTranscript transcript(h);
@@ -305,6 +232,126 @@ TEST(PlayStop, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
     EXPECT_EQ((std::vector<std::string>{"Channel Configured H.264", "Channel Configured HEVC", "Channel Played H.264",
                                         "Close Alarms H.264"}),
               names);
+}
+
+// The channel logic on in-memory ports: H.264 with a UDP and a Zixi target,
+// no KLV, playing or stopped as a test sets it. The holder only stands in for
+// the pipeline, which these paths do not reach.
+struct OnFakes {
+    explicit OnFakes(const char* chanState) {
+        store.set(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H, chanState);
+        store.set(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H, "0");
+        for (const auto& [target, protocol] : {std::pair{T1, value::UDP_TS}, std::pair{T2, value::ZIXI}}) {
+            store.set(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, target, H);
+            store.set(ds::CHANNEL, tbl::TARGET, prop::ENABLED, target, "true");
+            store.set(ds::CHANNEL, tbl::TARGET, prop::STREAMING_PROTOCOL, target, protocol);
+        }
+        for (const char* ingest : {prop::INGEST_KLV, prop::INGEST_KLV2})
+            store.set(ds::CHANNEL, tbl::PROCESSING, ingest, H, value::KLV_NONE);
+    }
+    ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(store, mediator, recorder, book, holder); }
+
+    struct UnusedHolder : DataHolder {
+        Fcodes doHandle(MessageEvent*) override { return FC_OK; }
+    } holder;
+    FakeStore store;
+    FakeMediator mediator;
+    EventRecorder recorder;
+    ChannelRunBook book;
+};
+
+using Calls = std::vector<std::string>;
+using Books = std::vector<std::string>;
+
+// A refused start answers its code and stops the channel at once: Zixi first
+// and without waiting, then what the play started; a branch in transition is
+// neither started nor stopped.
+TEST(ChannelLifecycle, ARefusedStartStopsWhatThePlayStarted) {
+    OnFakes f(state::STOPPED);
+    f.mediator.refused = {"start ZIXI CH0"};
+    EXPECT_EQ(hex(FC_UNAVAILABLE), hex(f.channel().playChannel(H)));
+    EXPECT_EQ(state::STOPPED, f.store.get(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H));
+    EXPECT_EQ((Calls{"state UDP CH0", "start UDP CH0 sync 20", "state ZIXI CH0", "start ZIXI CH0 sync 20",
+                     "state ZIXI CH0", "state UDP CH0", "stop UDP CH0 sync 20"}),
+              f.mediator.calls);
+    EXPECT_EQ(
+        (Calls{std::string(ev::CHANNEL_PLAY_ERROR) + " H.264 0x10100",
+               std::string(ev::CHANNEL_STOPPED) + " H.264 0x20000", std::string(ev::CLOSE_ALARMS) + " H.264 0x20000"}),
+        eventLines(f.recorder));
+    EXPECT_TRUE(f.book.branches(H, ChannelRunBook::Kind::Target).empty());
+
+    OnFakes moving(state::STOPPED);
+    moving.mediator.states["UDP CH0"] = "STARTING";
+    moving.mediator.refused = {"start ZIXI CH0"};
+    EXPECT_EQ(hex(FC_UNAVAILABLE), hex(moving.channel().playChannel(H)));
+    EXPECT_EQ((Calls{"state UDP CH0", "state ZIXI CH0", "start ZIXI CH0 sync 20", "state ZIXI CH0", "state UDP CH0"}),
+              moving.mediator.calls);
+}
+
+// A refused stop is reported in the event and the branch stays in the run
+// book; the next stop of the stopped channel tries it again, KLV first.
+TEST(ChannelLifecycle, ARefusedStopIsTriedAgainByTheNextStop) {
+    OnFakes f(state::PLAYING);
+    f.store.set(ds::CHANNEL, tbl::TARGET, prop::ENABLED, T2, "false");
+    for (const char* branch : {"UDP CH0", "KLVoSDI CH0"})
+        f.mediator.states[branch] = state::BRANCH_RUN;
+    f.book.addBranch(H, "UDP CH0", ChannelRunBook::Kind::Target);
+    f.book.addBranch(H, "KLVoSDI CH0", ChannelRunBook::Kind::Klv);
+    f.mediator.refused = {"stop UDP CH0", "stop KLVoSDI CH0"};
+    f.channel().stopChannel(H);
+    EXPECT_EQ(state::STOPPED, f.store.get(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H));
+    EXPECT_EQ(
+        (Calls{std::string(ev::CHANNEL_STOPPED) + " H.264 0x10100", std::string(ev::CLOSE_ALARMS) + " H.264 0x20000"}),
+        eventLines(f.recorder));
+    EXPECT_EQ(Books{"UDP CH0"}, f.book.branches(H, ChannelRunBook::Kind::Target));
+    EXPECT_EQ(Books{"KLVoSDI CH0"}, f.book.branches(H, ChannelRunBook::Kind::Klv));
+
+    f.mediator.refused.clear();
+    f.mediator.calls.clear();
+    f.recorder.clear();
+    EXPECT_EQ(FC_OK, f.channel().stopChannel(H));
+    EXPECT_EQ((Calls{"state KLVoSDI CH0", "stop KLVoSDI CH0 sync 20", "state UDP CH0", "stop UDP CH0 sync 20"}),
+              f.mediator.calls);
+    EXPECT_TRUE(f.recorder.events().empty()) << "a second stop sends nothing";
+    EXPECT_TRUE(f.book.branches(H, ChannelRunBook::Kind::Target).empty());
+    EXPECT_TRUE(f.book.branches(H, ChannelRunBook::Kind::Klv).empty());
+}
+
+// A stop ends in "Stopped" unless a data-stream or Zixi condition or a format
+// change holds the channel in "Stopping"; a stopped or stopping channel's
+// stop sends nothing.
+TEST(ChannelLifecycle, WhatAStopEndsIn) {
+    const struct {
+        const char* before;
+        uint32_t fcode;
+        const char* after;
+        size_t events;
+    } rows[] = {{state::PLAYING, cond::FORMAT_CHANGED, state::STOPPING, 2},
+                {state::PLAYED, cond::DATA_STREAM, state::STOPPING, 2},
+                {state::PLAYING, cond::ZIXI_CONNECTION, state::STOPPING, 2},
+                {state::PLAYING, cond::CHANNEL_ERROR, state::STOPPED, 2},
+                {state::STOPPED, FC_OK, state::STOPPED, 0},
+                {state::STOPPING, cond::DATA_STREAM, state::STOPPING, 0}};
+    for (const auto& r : rows) {
+        OnFakes f(r.before);
+        f.store.set(ds::CHANNEL, tbl::CHANNELS, prop::FCODE, H, std::to_string(r.fcode));
+        f.channel().stopChannel(H);
+        EXPECT_EQ(r.after, f.store.get(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H)) << r.before << " " << r.fcode;
+        EXPECT_EQ(r.events, f.recorder.events().size()) << r.before << " " << r.fcode;
+    }
+}
+
+// The wait reads the branch, then polls every 5 ms until it reports the
+// wanted state or its time is out; running out is no failure.
+TEST(ChannelLifecycle, WaitWhileInTransitionPollsWithinItsTime) {
+    OnFakes f(state::STOPPED);
+    f.mediator.passing["UDP CH0"] = {"STARTING", "STARTING"};
+    f.mediator.states["UDP CH0"] = state::BRANCH_RUN;
+    EXPECT_EQ(FC_OK, f.channel().waitWhileInTransition("UDP CH0", state::BRANCH_RUN, 1000));
+    EXPECT_EQ(Calls(3, "state UDP CH0"), f.mediator.calls) << "two in transition, then there";
+    f.mediator.calls.clear();
+    EXPECT_EQ(FC_OK, f.channel().waitWhileInTransition("UDP CH1", state::BRANCH_RUN, 20));
+    EXPECT_EQ(Calls(5, "state UDP CH1"), f.mediator.calls) << "a first read and four polls in 20 ms";
 }
 
 }  // namespace

@@ -1,20 +1,21 @@
 #include <string>
 #include <vector>
 
+#include "channel/ChannelLifecycle.h"
 #include "channel/VideoSourceTracker.h"
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/Mutex.h"
 #include "settings/ChannelRunBook.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
 #include "settings/InputFormatValidation.h"
+#include "settings/Mediator.h"
+#include "side/FrontPanelLeds.h"
 #include "side/SideActionSupport.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -30,7 +31,7 @@ using namespace vocab;
 // for no signal). Without the parameter, the receiver is asked, so an event
 // naming only the source (start-up, "Update Source") refreshes it.
 //
-// How a channel follows its input (triggerVideoSource), under the holder
+// How a channel follows its input (triggerVideoSource), under the rows'
 // lock. The format a channel runs with is its "Input Resolution" of
 // "ChannelSourceTable" (written by play):
 // - input lost while "Playing": the condition 0x20002 is added to its
@@ -80,12 +81,12 @@ Fcodes VideoSourceTracker::updateVideoSource(const std::string& videoSource) {
         return FC_BAD_VALUE;
     }
     const char* receiver = med::receiverOf(videoSource);
-    if (receiver == nullptr || !ctx.holder.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, videoSource)) {
+    if (receiver == nullptr || !ctx.store.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, videoSource)) {
         DBG(DBG_ERROR) << "updateVideoSource: Couldn't find either a row of videoSource=" << videoSource;
         return FC_NO_SUCH_NAME;
     }
     std::string format;
-    Fcodes read = ITarnevelClient::getTarnevelTextParam(&ctx.holder, receiver, med::VIDEO_FORMAT, format);
+    Fcodes read = ctx.mediator.getTextParam(receiver, med::VIDEO_FORMAT, format);
     if (!isOk(read)) {
         // The previous detected state stays: an unanswered question is no lost input.
         DBG(DBG_ERROR) << "updateVideoSource: Error: param=" << med::VIDEO_FORMAT << " comp=" << receiver << " fcode=0x"
@@ -105,7 +106,7 @@ Fcodes VideoSourceTracker::updateVideoSource(MessageEvent* event) {
         DBG(DBG_ERROR) << "updateVideoSource: Error: Empty src=" << event->source;
         return FC_BAD_VALUE;
     }
-    if (!ctx.holder.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, event->source)) {
+    if (!ctx.store.hasInstance(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, event->source)) {
         DBG(DBG_ERROR) << "updateVideoSource: Couldn't find either a row of videoSource=" << event->source;
         return FC_NO_SUCH_NAME;
     }
@@ -118,8 +119,8 @@ Fcodes VideoSourceTracker::applyDetectedInput(const std::string& videoSource, co
     DBG(DBG_INFO) << "updateVideoSource: src=" << videoSource << " " << prop::INPUT_DETECTED << "=" << detected;
     Fcodes result =
         FC_OK |
-        ctx.holder.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
-        ctx.holder.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource);
+        ctx.store.initTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
+        ctx.store.initBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource);
     result |= triggerVideoSource(videoSource);
     ctx.events.sendSourceEvent(videoSource, !connected, detected);
     return result;
@@ -128,17 +129,17 @@ Fcodes VideoSourceTracker::applyDetectedInput(const std::string& videoSource, co
 Fcodes VideoSourceTracker::triggerVideoSource(const std::string& videoSource) {
     std::vector<std::string> channels;
     Fcodes result =
-        FC_OK | ctx.holder.getInstancesByParameter(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, videoSource, channels);
+        FC_OK | ctx.store.getInstancesByParameter(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, videoSource, channels);
     for (const std::string& rowId : channels) {
         if (!isChannelRow(rowId))
             continue;
-        ScopedLock<DataHolder> guard(ctx.holder);
+        ScopedLock<ChannelStore> guard(ctx.store);
         result |= followInput(rowId, videoSource);
     }
     return result;
 }
 
-// One channel on the source follows its input; caller holds the holder lock.
+// One channel on the source follows its input; caller holds the rows' lock.
 Fcodes VideoSourceTracker::followInput(const std::string& rowId, const std::string& videoSource) {
     const char* ds = ds::CHANNEL;
     std::string detected, state, running, status;
@@ -146,21 +147,21 @@ Fcodes VideoSourceTracker::followInput(const std::string& rowId, const std::stri
     int fcodeValue = 0;
     Fcodes result =
         FC_OK |
-        ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
-        ctx.holder.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource) |
-        ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
-        ctx.holder.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
-        ctx.holder.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
-        ctx.holder.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
-        ctx.holder.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
+        ctx.store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, detected, videoSource) |
+        ctx.store.getBoolParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::CONNECTED, connected, videoSource) |
+        ctx.store.getTextParam(ds, tbl::CHANNELS, prop::STATE, state, rowId) |
+        ctx.store.getTextParam(ds, tbl::CHANNELS, prop::STATUS, status, rowId) |
+        ctx.store.getIntParam(ds, tbl::CHANNELS, prop::FCODE, fcodeValue, rowId) |
+        ctx.store.getTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, running, rowId) |
+        ctx.store.getBoolParam(ds, tbl::PROCESSING, prop::FORMAT_AS_DETECTED, asDetected, rowId);
     if (!isOk(result))
         return result;
     const uint32_t fcode = static_cast<uint32_t>(fcodeValue);
     auto setFcode = [&](uint32_t code) {
-        return ctx.holder.initIntParam(ds, tbl::CHANNELS, prop::FCODE, static_cast<int>(code), rowId);
+        return ctx.store.initIntParam(ds, tbl::CHANNELS, prop::FCODE, static_cast<int>(code), rowId);
     };
     auto setFormatChanged = [&](bool changed) {
-        return ctx.holder.initBoolParam(ds, tbl::SOURCE, prop::FORMAT_CHANGED, changed, rowId);
+        return ctx.store.initBoolParam(ds, tbl::SOURCE, prop::FORMAT_CHANGED, changed, rowId);
     };
 
     if (!connected || isNoSignal(detected)) {
@@ -169,16 +170,16 @@ Fcodes VideoSourceTracker::followInput(const std::string& rowId, const std::stri
         DBG(DBG_WARN) << "updateVideoSource: input lost rowId=" << rowId << " src=" << videoSource;
         result |= setFcode(fcode | cond::CHANNEL_ERROR);
         result |= lifecycle.updateChannelStatus(rowId);
-        return result | side.updateStreamAndErrorLeds();
+        return result | leds.updateStreamAndErrorLeds();
     }
 
     if (state == state::PLAYING) {
         if (status == state::STATUS_ERROR || holds(fcode, cond::CHANNEL_ERROR)) {
             DBG(DBG_INFO) << "updateVideoSource: input back rowId=" << rowId << " src=" << videoSource;
             result |= setFcode(withoutCondition(fcode, cond::CHANNEL_ERROR));
-            result |= ctx.holder.initTextParam(ds, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
+            result |= ctx.store.initTextParam(ds, tbl::CHANNELS, prop::STATUS, state::STATUS_OK, rowId);
             ctx.events.sendEvent(ev::CLOSE_ALARMS, rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
-            result |= side.updateStreamAndErrorLeds();
+            result |= leds.updateStreamAndErrorLeds();
         }
         if (detected == running)
             return result;
@@ -188,29 +189,29 @@ Fcodes VideoSourceTracker::followInput(const std::string& rowId, const std::stri
         if (asDetected) {
             result |= setFcode(cond::FORMAT_CHANGED);
             result |= lifecycle.stopChannel(rowId);
-            ctx.events.runBook().setStoppedByInput(rowId, true);
+            ctx.runBook.setStoppedByInput(rowId, true);
             result |= lifecycle.reconfigChannelFormat(rowId);
-            if (isOk(validateInputFormat(ctx.holder, rowId)))
+            if (isOk(validateInputFormat(ctx.store, rowId)))
                 result |= lifecycle.playChannel(rowId);
             return result;
         }
-        if (isOk(validateInputFormat(ctx.holder, rowId))) {
+        if (isOk(validateInputFormat(ctx.store, rowId))) {
             // The channel can be made from the new format: it becomes the running one.
-            result |= ctx.holder.initTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, detected, rowId);
-            return result | ctx.holder.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
+            result |= ctx.store.initTextParam(ds, tbl::SOURCE, prop::INPUT_RESOLUTION, detected, rowId);
+            return result | ctx.store.initTextParam(ds, tbl::CHANNELS, prop::INPUT_RESOLUTION, detected, rowId);
         }
         result |= setFcode(cond::FORMAT_CHANGED);
         result |= lifecycle.stopChannel(rowId);
-        ctx.events.runBook().setStoppedByInput(rowId, true);
+        ctx.runBook.setStoppedByInput(rowId, true);
         return result;
     }
 
-    if ((state == state::STOPPING || state == state::STOPPED) && ctx.events.runBook().stoppedByInput(rowId)) {
+    if ((state == state::STOPPING || state == state::STOPPED) && ctx.runBook.stoppedByInput(rowId)) {
         // A format that follows the input is set before the validation;
         // otherwise only a channel about to play is configured again.
         if (asDetected)
             result |= lifecycle.reconfigChannelFormat(rowId);
-        if (!isOk(validateInputFormat(ctx.holder, rowId)))
+        if (!isOk(validateInputFormat(ctx.store, rowId)))
             return result;
         if (!asDetected)
             result |= lifecycle.reconfigChannelFormat(rowId);
