@@ -10,18 +10,19 @@ using namespace datacom;
 // Every operation hands over to its part; see the header for who owns what.
 
 ConfigChannelTarnevel::ConfigChannelTarnevel(DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook)
-    : ConfigChannelTarnevel(nullptr, nullptr, events, runBook, holder) {}
+    : ConfigChannelTarnevel(std::make_unique<HolderStore>(holder), std::make_unique<HolderMediator>(holder), nullptr,
+                            nullptr, events, runBook) {}
 
 ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events,
-                                             ChannelRunBook& runBook, DataHolder& holder)
-    : ConfigChannelTarnevel(&store, &mediator, events, runBook, holder) {}
+                                             ChannelRunBook& runBook)
+    : ConfigChannelTarnevel(nullptr, nullptr, &store, &mediator, events, runBook) {}
 
-ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore* store, Mediator* mediator, IChannelEvents& events,
-                                             ChannelRunBook& runBook, DataHolder& holder)
-    : holderStore(holder),
-      holderMediator(holder),
-      ctx{store != nullptr ? *store : holderStore, mediator != nullptr ? *mediator : holderMediator, events, runBook,
-          holder},
+ConfigChannelTarnevel::ConfigChannelTarnevel(std::unique_ptr<HolderStore> ownStore,
+                                             std::unique_ptr<HolderMediator> ownMediator, ChannelStore* store,
+                                             Mediator* mediator, IChannelEvents& events, ChannelRunBook& runBook)
+    : holderStore(std::move(ownStore)),
+      holderMediator(std::move(ownMediator)),
+      ctx{store != nullptr ? *store : *holderStore, mediator != nullptr ? *mediator : *holderMediator, events, runBook},
       rows(ctx.store, ctx.mediator),
       sap(ctx, rows),
       klv(ctx),
@@ -29,7 +30,7 @@ ConfigChannelTarnevel::ConfigChannelTarnevel(ChannelStore* store, Mediator* medi
       leds(ctx),
       statistics(ctx),
       dataStreams(ctx),
-      pipeline(ctx),
+      pipeline(ctx, klv),
       lifecycle(ctx, {rows, sap, klv, leds, pipeline}),
       sources(ctx, lifecycle, leds),
       commands(ctx, {rows, probes, statistics, pipeline, lifecycle}) {}
@@ -114,7 +115,7 @@ Fcodes ConfigChannelTarnevel::configAudioGain(const std::string& audioRowId, boo
 Fcodes ConfigChannelTarnevel::calcBitrates(const std::string& rowId, int& totalBitrate, int& videoBitrate,
                                            float frameRate, int& audioBitrate, int& klvBitrate, bool pcrOnVideoPid) {
     ChannelSnapshot settings;
-    const Fcodes read = readChannelSnapshot(ctx.holder, rowId, settings);
+    const Fcodes read = readChannelSnapshot(ctx.store, rowId, settings);
     bitrate::calcBitrates(settings, totalBitrate, videoBitrate, frameRate, audioBitrate, klvBitrate, pcrOnVideoPid);
     return read;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -61,10 +62,8 @@ class ConfigChannelTarnevel {
 public:
     // Rows and mediator both served by `holder`.
     ConfigChannelTarnevel(datacom::DataHolder& holder, IChannelEvents& events, ChannelRunBook& runBook);
-    // Rows and mediator of the caller's (tests: in memory); the pipeline still
-    // reads and sends through `holder` until it moves onto the ports.
-    ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events, ChannelRunBook& runBook,
-                          datacom::DataHolder& holder);
+    // Rows and mediator of the caller's (tests: in memory).
+    ConfigChannelTarnevel(ChannelStore& store, Mediator& mediator, IChannelEvents& events, ChannelRunBook& runBook);
     ConfigChannelTarnevel(const ConfigChannelTarnevel&) = delete;
     ConfigChannelTarnevel& operator=(const ConfigChannelTarnevel&) = delete;
 
@@ -133,12 +132,14 @@ public:
     datacom::Fcodes updateStreamAndErrorLeds();
 
 private:
-    ConfigChannelTarnevel(ChannelStore* store, Mediator* mediator, IChannelEvents& events, ChannelRunBook& runBook,
-                          datacom::DataHolder& holder);
+    // `store` and `mediator` when the caller's, otherwise the owned adapters.
+    ConfigChannelTarnevel(std::unique_ptr<HolderStore> ownStore, std::unique_ptr<HolderMediator> ownMediator,
+                          ChannelStore* store, Mediator* mediator, IChannelEvents& events, ChannelRunBook& runBook);
 
     // In the order they are made: each part is lent only parts made before it.
-    HolderStore holderStore;
-    HolderMediator holderMediator;
+    // The holder's adapters when the daemon's holder serves the ports.
+    std::unique_ptr<HolderStore> holderStore;
+    std::unique_ptr<HolderMediator> holderMediator;
     ChannelContext ctx;
     ChannelRows rows;
     SapAnnouncements sap;

@@ -1,15 +1,14 @@
 #include <algorithm>
 #include <iterator>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "pipeline/PipelineConfigurator.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "settings/ChannelStore.h"
+#include "settings/Mediator.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -32,11 +31,10 @@ bool isOneOf(const std::string& text, const char* const (&allowed)[N]) {
 // Reads a text parameter of the encoder and keeps it in `value` only when it
 // is one the settings can hold.
 template <std::size_t N>
-void readAllowed(DataHolder& holder, const std::string& encoder, const char* parameter, const char* const (&allowed)[N],
+void readAllowed(Mediator& mediator, const std::string& encoder, const char* parameter, const char* const (&allowed)[N],
                  std::string& value) {
     std::string reported;
-    if (isOk(ITarnevelClient::getTarnevelTextParam(&holder, encoder, parameter, reported)) &&
-        isOneOf(reported, allowed))
+    if (isOk(mediator.getTextParam(encoder, parameter, reported)) && isOneOf(reported, allowed))
         value = reported;
 }
 
@@ -55,41 +53,41 @@ Fcodes PipelineConfigurator::writeBackEncoderSettings(const std::string& rowId) 
     Fcodes result = FC_OK;
     if (channel == 0) {
         int qpBase = 0, qpMin = 0, qpMax = 0, initialDelay = 0, maxDelay = 0;
-        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_BASE, qpBase, "");
-        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_RANGE_MIN, qpMin, "");
-        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_MAX, qpMax, "");
-        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::INITIAL_DELAY, initialDelay, "");
-        result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::MAXIMUM_DELAY, maxDelay, "");
+        result |= ctx.store.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_BASE, qpBase, "");
+        result |= ctx.store.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_RANGE_MIN, qpMin, "");
+        result |= ctx.store.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_MAX, qpMax, "");
+        result |= ctx.store.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::INITIAL_DELAY, initialDelay, "");
+        result |= ctx.store.getIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::MAXIMUM_DELAY, maxDelay, "");
         const std::string encoder = med::VIDEO_ENCODER[channel];
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, encoder, prop::QP_BASE, &qpBase);
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, encoder, prop::QP_RANGE_MIN, &qpMin);
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, encoder, prop::QP_RANGE_MAX, &qpMax);
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, multiplexer, prop::INITIAL_DELAY, &initialDelay);
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, multiplexer, prop::MAX_DELAY, &maxDelay);
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_BASE, qpBase, "");
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_RANGE_MIN, qpMin, "");
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_MAX, qpMax, "");
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::INITIAL_DELAY, initialDelay, "");
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::MAXIMUM_DELAY, maxDelay, "");
+        ctx.mediator.getIntParam(encoder, prop::QP_BASE, qpBase);
+        ctx.mediator.getIntParam(encoder, prop::QP_RANGE_MIN, qpMin);
+        ctx.mediator.getIntParam(encoder, prop::QP_RANGE_MAX, qpMax);
+        ctx.mediator.getIntParam(multiplexer, prop::INITIAL_DELAY, initialDelay);
+        ctx.mediator.getIntParam(multiplexer, prop::MAX_DELAY, maxDelay);
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_BASE, qpBase, "");
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_RANGE_MIN, qpMin, "");
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::QP_MAX, qpMax, "");
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::INITIAL_DELAY, initialDelay, "");
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::H264_ENCODER, prop::MAXIMUM_DELAY, maxDelay, "");
     } else {
         std::string profile, tier, level;
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::PROFILE, profile, "");
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, tier, "");
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::LEVEL, level, "");
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::PROFILE, profile, "");
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, tier, "");
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::LEVEL, level, "");
         const std::string encoder = med::VIDEO_ENCODER[channel];
-        readAllowed(ctx.holder, encoder, prop::PROFILE, kHevcProfiles, profile);
-        readAllowed(ctx.holder, encoder, prop::TIER, kHevcTiers, tier);
-        readAllowed(ctx.holder, encoder, prop::LEVEL, kHevcLevels, level);
+        readAllowed(ctx.mediator, encoder, prop::PROFILE, kHevcProfiles, profile);
+        readAllowed(ctx.mediator, encoder, prop::TIER, kHevcTiers, tier);
+        readAllowed(ctx.mediator, encoder, prop::LEVEL, kHevcLevels, level);
         if (level == "4.2")
             level = "4.1";
         // The HEVC settings hold no delays; they are asked for all the same,
         // as the multiplexer of either channel is.
         int initialDelay = 0, maxDelay = 0;
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, multiplexer, prop::INITIAL_DELAY, &initialDelay);
-        ITarnevelClient::getTarnevelIntParam(&ctx.holder, multiplexer, prop::MAX_DELAY, &maxDelay);
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::LEVEL, level, "");
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::PROFILE, profile, "");
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, tier, "");
+        ctx.mediator.getIntParam(multiplexer, prop::INITIAL_DELAY, initialDelay);
+        ctx.mediator.getIntParam(multiplexer, prop::MAX_DELAY, maxDelay);
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::LEVEL, level, "");
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::PROFILE, profile, "");
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::HEVC_ENCODER, prop::TIER, tier, "");
     }
     return result;
 }
@@ -102,23 +100,23 @@ Fcodes PipelineConfigurator::updateChannel(const std::string& rowId) {
     Fcodes result = FC_OK;
     std::string source, inputResolution, encodingFormat, ingestKlv, ingestKlv2;
     int totalBitrate = 0, frameSampling = 0;
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputResolution, rowId);
-    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
-    result |= ctx.holder.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, ingestKlv, rowId);
-    result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, ingestKlv2, rowId);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::SOURCE, source, rowId);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::SOURCE, prop::INPUT_RESOLUTION, inputResolution, rowId);
+    result |= ctx.store.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::TOTAL_BITRATE, totalBitrate, rowId);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, encodingFormat, rowId);
+    result |= ctx.store.getIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, frameSampling, rowId);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV, ingestKlv, rowId);
+    result |= ctx.store.getTextParam(ds::CHANNEL, tbl::PROCESSING, prop::INGEST_KLV2, ingestKlv2, rowId);
 
     result |= writeBackEncoderSettings(rowId);
 
     const bool klv = !(ingestKlv == value::KLV_NONE && ingestKlv2 == value::KLV_NONE);
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::INPUT_RESOLUTION, inputResolution, rowId);
-    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, totalBitrate, rowId);
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::RESOLUTION,
-                                       encodingFormat + " @ " + std::to_string(frameSampling), rowId);
-    result |= ctx.holder.initBoolParam(ds::CHANNEL, tbl::CHANNELS, prop::KLV, klv, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::SOURCE, source, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::INPUT_RESOLUTION, inputResolution, rowId);
+    result |= ctx.store.initIntParam(ds::CHANNEL, tbl::CHANNELS, prop::TOTAL_BIT_RATE, totalBitrate, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::CHANNELS, prop::RESOLUTION,
+                                      encodingFormat + " @ " + std::to_string(frameSampling), rowId);
+    result |= ctx.store.initBoolParam(ds::CHANNEL, tbl::CHANNELS, prop::KLV, klv, rowId);
     return result;
 }
 

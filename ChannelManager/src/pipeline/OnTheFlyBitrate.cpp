@@ -57,7 +57,7 @@ Fcodes PipelineConfigurator::changeBitrateOnTheFly(const std::string& rowId, int
     if (channelIndex(rowId) < 0)
         return FC_OK;
     ChannelSnapshot snapshot;
-    Fcodes result = FC_OK | readChannelSnapshot(ctx.holder, rowId, snapshot);
+    Fcodes result = FC_OK | readChannelSnapshot(ctx.store, rowId, snapshot);
     PipelineOutput out(rowId, "changeBitrateOnTheFly", "", false);
     bitrateChange(snapshot, totalBitrate, maxBitrate, out);
     result |= apply(out, false);

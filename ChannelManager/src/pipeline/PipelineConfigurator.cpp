@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdint>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/SysmgtRoot.h"
@@ -14,15 +13,16 @@
 #include "pipeline/PipelineSections.h"
 #include "pipeline/RunAdjustments.h"
 #include "settings/ChannelSnapshot.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
-#include "tarnevel/ITarnevelClient.h"
+#include "settings/Mediator.h"
+#include "side/KlvBranches.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -80,7 +80,7 @@ constexpr Section SECTIONS[] = {
 
 Fcodes PipelineConfigurator::readAssembly(const char* operation, const std::string& rowId, std::string& assembly,
                                           bool& read) {
-    const Fcodes code = ITarnevelClient::getTarnevelAssembly(&ctx.holder, assembly);
+    const Fcodes code = ctx.mediator.getAssembly(assembly);
     read = isOk(code);
     if (read)
         return FC_OK;
@@ -105,7 +105,7 @@ Fcodes PipelineConfigurator::configChannel(const std::string& rowId) {
     prelude.formatChanged = adjustments.formatChanged();
 
     ChannelSnapshot snapshot;
-    result |= readChannelSnapshot(ctx.holder, rowId, snapshot, &prelude);
+    result |= readChannelSnapshot(ctx.store, rowId, snapshot, &prelude);
     PipelineOutput out(snapshot);
     for (const Section& section : SECTIONS)
         section.run(snapshot, out);
@@ -132,9 +132,8 @@ Fcodes PipelineConfigurator::apply(const PipelineOutput& out, bool writeFailures
                           << " not in assembly, param=" << a.parameter << " left alone";
             return;
         }
-        const Fcodes code = a.type == Type::Text
-                                ? ITarnevelClient::setTarnevelTextParam(&ctx.holder, a.component, a.parameter, a.text)
-                                : ITarnevelClient::setTarnevelIntParam(&ctx.holder, a.component, a.parameter, a.number);
+        const Fcodes code = a.type == Type::Text ? ctx.mediator.setTextParam(a.component, a.parameter, a.text)
+                                                 : ctx.mediator.setIntParam(a.component, a.parameter, a.number);
         if (!isOk(code)) {
             DBG(DBG_ERROR) << out.operation << ": rowId=" << out.rowId << " Error: val=" << a.text
                            << " param=" << a.parameter << " comp=" << a.component
@@ -151,20 +150,18 @@ Fcodes PipelineConfigurator::apply(const PipelineOutput& out, bool writeFailures
                 break;
             case Kind::TurnOff: {
                 int on = 1;
-                if (isOk(ITarnevelClient::getTarnevelIntParam(&ctx.holder, a.component, med::PARAM_ENABLE, &on)) &&
-                    on == 0)
+                if (isOk(ctx.mediator.getIntParam(a.component, med::PARAM_ENABLE, on)) && on == 0)
                     break;
                 write(a);
                 break;
             }
             case Kind::Store:
                 if (a.type == Type::Text)
-                    result |= ctx.holder.initTextParam(ds::CHANNEL, a.component, a.parameter, a.text, a.instance);
+                    result |= ctx.store.initTextParam(ds::CHANNEL, a.component, a.parameter, a.text, a.instance);
                 else if (a.type == Type::Int)
-                    result |= ctx.holder.initIntParam(ds::CHANNEL, a.component, a.parameter, a.number, a.instance);
+                    result |= ctx.store.initIntParam(ds::CHANNEL, a.component, a.parameter, a.number, a.instance);
                 else
-                    result |=
-                        ctx.holder.initBoolParam(ds::CHANNEL, a.component, a.parameter, a.number != 0, a.instance);
+                    result |= ctx.store.initBoolParam(ds::CHANNEL, a.component, a.parameter, a.number != 0, a.instance);
                 break;
             case Kind::Event:
                 ctx.events.sendEvent(a.component, out.rowId, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO,
@@ -178,7 +175,7 @@ Fcodes PipelineConfigurator::apply(const PipelineOutput& out, bool writeFailures
                 std::string text, reply;
                 command.toString(text);
                 const Fcodes code =
-                    ctx.holder.requestCommand(wire::SOCK_DEV, text, reply, kDeviceTimeoutSec, kDeviceTries) | FC_OK;
+                    ctx.store.requestCommand(wire::SOCK_DEV, text, reply, kDeviceTimeoutSec, kDeviceTries) | FC_OK;
                 if (!isOk(code)) {
                     DBG(DBG_ERROR) << out.operation << ": rowId=" << out.rowId << " Error: val=" << a.text
                                    << " param=" << cmd::PARAM_KLV_SOURCE << " comp=" << cmd::TOGGLE_KLVOSDI_INPUT
@@ -188,7 +185,7 @@ Fcodes PipelineConfigurator::apply(const PipelineOutput& out, bool writeFailures
                 break;
             }
             case Kind::FollowKlv:
-                result |= side.klvFollowSettings(out.rowId);
+                result |= klv.klvFollowSettings(out.rowId);
                 break;
             case Kind::MakeDirectory:
                 if (!makeDirectories(a.text))
@@ -210,8 +207,8 @@ Fcodes PipelineConfigurator::configAVSettings(const std::string& rowId, bool pen
     PipelineOutput out(rowId, "configAVSettings", "", false);
     for (const char* p : {prop::BRIGHTNESS, prop::CONTRAST, prop::SATURATION, prop::HUE}) {
         int value = 0;
-        const Fcodes read = pending ? ctx.holder.getNewIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId)
-                                    : ctx.holder.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
+        const Fcodes read = pending ? ctx.store.getNewIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId)
+                                    : ctx.store.getIntParam(ds::CHANNEL, tbl::AV_SETTINGS, p, value, rowId);
         out.result |= read;
         if (isOk(read))
             out.put(out.comp(med::VIDEO_MIXER), p, value);
@@ -230,13 +227,13 @@ Fcodes PipelineConfigurator::configAudioGain(const std::string& audioRowId, bool
     int gain = 0;
     Fcodes result = FC_OK;
     if (pending) {
-        result |= ctx.holder.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
-                  ctx.holder.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
-                  ctx.holder.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
+        result |= ctx.store.getNewTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
+                  ctx.store.getNewBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
+                  ctx.store.getNewIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
     } else {
-        result |= ctx.holder.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
-                  ctx.holder.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
-                  ctx.holder.getIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
+        result |= ctx.store.getTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, source, audioRowId) |
+                  ctx.store.getBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED, enabled, audioRowId) |
+                  ctx.store.getIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, gain, audioRowId);
     }
     if (!isOk(result) || !enabled || source != value::AUDIO_UNBALANCED_ANALOG)
         return result;

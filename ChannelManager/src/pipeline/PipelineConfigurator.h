@@ -4,8 +4,8 @@
 
 #include "datacom/Fcodes.h"
 #include "settings/ChannelContext.h"
-#include "side/SideActions.h"
 
+class KlvBranches;
 class PipelineOutput;
 
 // The pipeline configuration of a channel: a run (configChannel) turns the
@@ -18,7 +18,8 @@ class PipelineOutput;
 // settings below; never plays or stops a channel.
 class PipelineConfigurator {
 public:
-    explicit PipelineConfigurator(ChannelContext& ctx) : ctx(ctx), side(ctx) {}
+    // `klv`: the KLV branches a run makes follow the settings it applied.
+    PipelineConfigurator(ChannelContext& ctx, KlvBranches& klv) : ctx(ctx), klv(klv) {}
 
     // The channel's rows turned into the parameters of its mediator components.
     datacom::Fcodes configChannel(const std::string& rowId);
@@ -46,5 +47,5 @@ private:
     datacom::Fcodes writeBackEncoderSettings(const std::string& rowId);
 
     ChannelContext& ctx;
-    SideActions side;
+    KlvBranches& klv;
 };

@@ -3,19 +3,18 @@
 #include <cmath>
 #include <cstdio>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "pipeline/FormatFollowsInput.h"
+#include "settings/ChannelStore.h"
 #include "settings/IChannelEvents.h"
+#include "settings/Mediator.h"
 #include "settings/VideoFormatTables.h"
-#include "tarnevel/ITarnevelClient.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"
 
 using namespace datacom;
-using namespace tarnevel;
 
 using namespace vocab;
 
@@ -25,26 +24,26 @@ RunAdjustments::RunAdjustments(ChannelContext& ctx, const std::string& rowId)
 std::string RunAdjustments::text(const char* component, const char* property, const std::string& instance,
                                  const std::string& fallback) {
     std::string value = fallback;
-    result |= ctx.holder.getTextParam(ds::CHANNEL, component, property, value, instance);
+    result |= ctx.store.getTextParam(ds::CHANNEL, component, property, value, instance);
     return value;
 }
 
 int RunAdjustments::integer(const char* component, const char* property, const std::string& instance) {
     int value = 0;
-    result |= ctx.holder.getIntParam(ds::CHANNEL, component, property, value, instance);
+    result |= ctx.store.getIntParam(ds::CHANNEL, component, property, value, instance);
     return value;
 }
 
 bool RunAdjustments::flag(const char* component, const char* property, const std::string& instance) {
     bool value = false;
-    result |= ctx.holder.getBoolParam(ds::CHANNEL, component, property, value, instance);
+    result |= ctx.store.getBoolParam(ds::CHANNEL, component, property, value, instance);
     return value;
 }
 
 Fcodes RunAdjustments::apply() {
     source = text(tbl::SOURCE, prop::SOURCE, rowId);
     inputDetected = state::INPUT_NONE;
-    result |= ctx.holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
+    result |= ctx.store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
     int width = 0, height = 0;
     char scan = 'x';
     if (inputDetected != state::INPUT_NONE && inputDetected != state::NO_SIGNAL)
@@ -72,14 +71,14 @@ void RunAdjustments::shareInput() {
         if (text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, from) != value::AUDIO_SDI_EMBEDDED ||
             text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, to) != value::AUDIO_SDI_EMBEDDED)
             continue;
-        result |= ctx.holder.initBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED,
-                                           flag(tbl::AUDIO_SOURCE, prop::ENABLED, from), to);
+        result |= ctx.store.initBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED,
+                                          flag(tbl::AUDIO_SOURCE, prop::ENABLED, from), to);
         for (const char* p : {prop::AUDIO_SOURCE, prop::AUDIO_INPUT_FORMAT, prop::AUDIO_TRACK, prop::AUDIO_SAMPLING})
-            result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, p, text(tbl::AUDIO_SOURCE, p, from), to);
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN,
-                                          integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, from), to);
-        result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT,
-                                           text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, from), to);
+            result |= ctx.store.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, p, text(tbl::AUDIO_SOURCE, p, from), to);
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN,
+                                         integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, from), to);
+        result |= ctx.store.initTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT,
+                                          text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, from), to);
     }
     const std::string otherState = text(tbl::CHANNELS, prop::STATE, other);
     if (otherState == state::PLAYING || otherState == state::PLAYED)
@@ -104,7 +103,7 @@ void RunAdjustments::matchFrameSampling() {
     if (sampling > limit)
         sampling = limit;
     if (sampling != integer(tbl::PROCESSING, prop::FRAME_SAMPLING, rowId))
-        result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, sampling, rowId);
+        result |= ctx.store.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, sampling, rowId);
 }
 
 // The format that follows the input (FormatFollowsInput.h), written into the
@@ -130,23 +129,23 @@ void RunAdjustments::followInputFormat() {
     changed = choice.encodingFormat != encodingFormat || choice.frameSampling != frameSampling;
     if (choice.h264MainProfile)
         profile = "H.264 Main Profile";
-    result |= ctx.holder.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_CODEC_PROFILE, profile, rowId);
+    result |= ctx.store.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::VIDEO_CODEC_PROFILE, profile, rowId);
     result |=
-        ctx.holder.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, choice.encodingFormat, rowId);
-    result |= ctx.holder.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, choice.frameSampling, rowId);
+        ctx.store.initTextParam(ds::CHANNEL, tbl::PROCESSING, prop::ENCODING_FORMAT, choice.encodingFormat, rowId);
+    result |= ctx.store.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, choice.frameSampling, rowId);
     std::string gop = gopStructure;
     if (channel == 1 && choice.gopStructure != gopStructure) {
         gop = choice.gopStructure;
-        result |= ctx.holder.initTextParam(ds::CHANNEL, encoder, prop::GOP_STRUCTURE, gop, "");
+        result |= ctx.store.initTextParam(ds::CHANNEL, encoder, prop::GOP_STRUCTURE, gop, "");
     }
     if (changed) {
         const int gopSize = pipeline::gopSizeRough(choice.frameSampling, gop);
         DBG(DBG_INFO) << "configChannel: format changed: gopSizeRough=" << gopSize;
-        result |= ctx.holder.initIntParam(ds::CHANNEL, encoder, prop::GOP_SIZE, gopSize, "");
+        result |= ctx.store.initIntParam(ds::CHANNEL, encoder, prop::GOP_SIZE, gopSize, "");
     }
     if (const char* receiver = med::receiverOf(source)) {
         std::string format;
-        result |= ITarnevelClient::getTarnevelTextParam(&ctx.holder, receiver, med::VIDEO_FORMAT, format);
+        result |= ctx.mediator.getTextParam(receiver, med::VIDEO_FORMAT, format);
         DBG(DBG_INFO) << "configChannel: rowId=" << rowId << " src=" << source << " Got val=" << format;
     }
 }

@@ -1,8 +1,5 @@
 #pragma once
 
-namespace datacom {
-class DataHolder;
-}
 class ChannelRunBook;
 class ChannelStore;
 class IChannelEvents;
@@ -17,5 +14,4 @@ struct ChannelContext {
     Mediator& mediator;
     IChannelEvents& events;
     ChannelRunBook& runBook;
-    datacom::DataHolder& holder;  // the pipeline's way to the rows and the mediator until it takes the two above
 };

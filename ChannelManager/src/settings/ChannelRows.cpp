@@ -42,12 +42,6 @@ const BranchRow kBranchRows[] = {
 
 }  // namespace
 
-ChannelRows::ChannelRows(DataHolder& holder)
-    : ownStore(std::make_shared<HolderStore>(holder)),
-      ownMediator(std::make_shared<HolderMediator>(holder)),
-      store(*ownStore),
-      mediator(*ownMediator) {}
-
 Fcodes ChannelRows::getBranch(const std::string& rowId, const std::string& protocol, std::string& branch) {
     const int channel = channelIndex(rowId);
     if (channel < 0)

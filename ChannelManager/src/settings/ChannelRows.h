@@ -6,9 +6,6 @@
 
 #include "datacom/Fcodes.h"
 
-namespace datacom {
-class DataHolder;
-}
 class ChannelStore;
 class Mediator;
 
@@ -19,8 +16,6 @@ class Mediator;
 class ChannelRows {
 public:
     ChannelRows(ChannelStore& store, Mediator& mediator) : store(store), mediator(mediator) {}
-    // The pipeline's way in until it takes the rows by reference: ports of its own over the holder.
-    explicit ChannelRows(datacom::DataHolder& holder);
 
     datacom::Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
     datacom::Fcodes getRowId(const std::string& branch, std::string& rowId);
@@ -42,8 +37,6 @@ public:
     std::vector<std::string> channelRows();
 
 private:
-    std::shared_ptr<ChannelStore> ownStore;
-    std::shared_ptr<Mediator> ownMediator;
     ChannelStore& store;
     Mediator& mediator;
 };

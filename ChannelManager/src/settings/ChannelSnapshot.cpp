@@ -2,10 +2,9 @@
 
 #include <cstdio>
 
-#include "datacom/DataHolder.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/WireConstants.h"
-#include "settings/ChannelRows.h"
+#include "settings/ChannelStore.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/PeerNames.h"
@@ -19,30 +18,30 @@ namespace {
 // The reads of one snapshot: each failure OR-ed into `result`, the value
 // then keeps its fallback.
 struct RowReader {
-    DataHolder& holder;
+    ChannelStore& store;
     Fcodes result = FC_OK;
 
     std::string text(const char* component, const char* property, const std::string& instance,
                      const std::string& fallback = "") {
         std::string value = fallback;
-        result |= holder.getTextParam(ds::CHANNEL, component, property, value, instance);
+        result |= store.getTextParam(ds::CHANNEL, component, property, value, instance);
         return value;
     }
     int integer(const char* component, const char* property, const std::string& instance, int fallback = 0) {
         int value = fallback;
-        result |= holder.getIntParam(ds::CHANNEL, component, property, value, instance);
+        result |= store.getIntParam(ds::CHANNEL, component, property, value, instance);
         return value;
     }
     bool flag(const char* component, const char* property, const std::string& instance, bool fallback = false) {
         bool value = fallback;
-        result |= holder.getBoolParam(ds::CHANNEL, component, property, value, instance);
+        result |= store.getBoolParam(ds::CHANNEL, component, property, value, instance);
         return value;
     }
     // A text of the device manager's dataset (instance ""); a failure logs
     // the device-read error line and leaves the text empty.
     std::string deviceText(const std::string& rowId, const char* table, const char* property) {
         std::string value;
-        const Fcodes code = holder.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, table, property, value, "");
+        const Fcodes code = store.requestGetTextParam(wire::SOCK_DEV, ds::DEVICE, table, property, value, "");
         if (!isOk(code)) {
             DBG(DBG_ERROR) << "configChannel: rowId=" << rowId << " Error: param=" << property << " table=" << table
                            << " fcode=0x" << std::hex << static_cast<uint32_t>(code);
@@ -55,7 +54,7 @@ struct RowReader {
         const DeviceKlvInput* input = deviceKlvInput(ingest);
         int bitrate = 0;
         if (input)
-            result |= holder.requestGetIntParam(wire::SOCK_DEV, ds::DEVICE, input->table, input->bitrate, bitrate, "");
+            result |= store.requestGetIntParam(wire::SOCK_DEV, ds::DEVICE, input->table, input->bitrate, bitrate, "");
         return bitrate;
     }
 };
@@ -201,13 +200,13 @@ bool ChannelSnapshot::ultraLowLatency() const {
     return streamProfile == value::PROFILE_ULL;
 }
 
-Fcodes readChannelSnapshot(DataHolder& holder, const std::string& rowId, ChannelSnapshot& s,
+Fcodes readChannelSnapshot(ChannelStore& store, const std::string& rowId, ChannelSnapshot& s,
                            const RunPrelude* prelude) {
     s = ChannelSnapshot();
     s.rowId = rowId;
     s.channel = channelIndex(rowId) == 1 ? 1 : 0;
     s.suffix = s.channel == 1 ? "CH1" : "CH0";
-    RowReader r{holder};
+    RowReader r{store};
 
     s.status = r.text(tbl::CHANNELS, prop::STATUS, rowId, state::STATUS_OK);
     s.state = r.text(tbl::CHANNELS, prop::STATE, rowId);
@@ -215,7 +214,7 @@ Fcodes readChannelSnapshot(DataHolder& holder, const std::string& rowId, Channel
     s.source = r.text(tbl::SOURCE, prop::SOURCE, rowId);
     s.inputDetected = state::INPUT_NONE;
     r.result |=
-        holder.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, s.inputDetected, s.source);
+        store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, s.inputDetected, s.source);
     if (s.inputDetected != state::INPUT_NONE && s.inputDetected != state::NO_SIGNAL)
         s.inputParsed = std::sscanf(s.inputDetected.c_str(), "%dx%d%c @ %f", &s.inputWidth, &s.inputHeight,
                                     &s.inputScan, &s.inputRate) == 4;
@@ -226,16 +225,15 @@ Fcodes readChannelSnapshot(DataHolder& holder, const std::string& rowId, Channel
     readProcessing(r, s);
     readEncoder(r, s);
 
-    ChannelRows rows(holder);
     std::vector<std::string> ids;
-    r.result |= rows.getChildInstances(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, ids);
+    r.result |= store.getInstancesByParameter(ds::CHANNEL, tbl::TARGET, prop::CHANNEL_ID, rowId, ids);
     for (const std::string& id : ids) {
         s.targets.emplace_back();
         s.targets.back().id = id;
         readTarget(r, s.targets.back());
     }
     ids.clear();
-    r.result |= rows.getChildInstances(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, rowId, ids);
+    r.result |= store.getInstancesByParameter(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::CHANNEL_ID, rowId, ids);
     for (const std::string& id : ids) {
         s.audio.emplace_back();
         s.audio.back().id = id;

@@ -5,9 +5,7 @@
 
 #include "datacom/Fcodes.h"
 
-namespace datacom {
-class DataHolder;
-}
+class ChannelStore;
 
 // One channel as an operation reads it, once: its processing, encoder and
 // transport settings, its targets and audio rows, what the device manager
@@ -125,5 +123,5 @@ struct RunPrelude {
 // Reads one channel's rows from "ChannelDataSet" and its KLV bitrates from
 // the device manager (each asked once); the codes of the reads OR-ed, with
 // "Unavailable" when the channel has no target. `prelude`: read for a run.
-datacom::Fcodes readChannelSnapshot(datacom::DataHolder& holder, const std::string& rowId, ChannelSnapshot& snapshot,
+datacom::Fcodes readChannelSnapshot(ChannelStore& store, const std::string& rowId, ChannelSnapshot& snapshot,
                                     const RunPrelude* prelude = nullptr);

@@ -235,8 +235,7 @@ TEST(ChannelLifecycle, ConfigChannelsReplaysPlayingChannelsWithAValidInput) {
 }
 
 // The channel logic on in-memory ports: H.264 with a UDP and a Zixi target,
-// no KLV, playing or stopped as a test sets it. The holder only stands in for
-// the pipeline, which these paths do not reach.
+// no KLV, playing or stopped as a test sets it.
 struct OnFakes {
     explicit OnFakes(const char* chanState) {
         store.set(ds::CHANNEL, tbl::CHANNELS, prop::STATE, H, chanState);
@@ -249,11 +248,8 @@ struct OnFakes {
         for (const char* ingest : {prop::INGEST_KLV, prop::INGEST_KLV2})
             store.set(ds::CHANNEL, tbl::PROCESSING, ingest, H, value::KLV_NONE);
     }
-    ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(store, mediator, recorder, book, holder); }
+    ConfigChannelTarnevel channel() { return ConfigChannelTarnevel(store, mediator, recorder, book); }
 
-    struct UnusedHolder : DataHolder {
-        Fcodes doHandle(MessageEvent*) override { return FC_OK; }
-    } holder;
     FakeStore store;
     FakeMediator mediator;
     EventRecorder recorder;

@@ -5,6 +5,7 @@
 
 #include "settings/BitrateModel.h"
 #include "settings/ChannelSnapshot.h"
+#include "settings/HolderStore.h"
 #include "support/ChannelHarness.h"
 
 using namespace datacom;
@@ -138,7 +139,8 @@ TEST(BitrateModel, ReadChannelSnapshotOnce) {
                        {tbl::PROCESSING, prop::INGEST_KLV, V, "IP"},
                        {tbl::PROCESSING, prop::INGEST_KLV2, V, "Serial"}}));
     ChannelSnapshot s;
-    EXPECT_EQ(FC_OK | FC_UNAVAILABLE, readChannelSnapshot(*h.holder, row::HEVC, s));
+    HolderStore store(*h.holder);
+    EXPECT_EQ(FC_OK | FC_UNAVAILABLE, readChannelSnapshot(store, row::HEVC, s));
     EXPECT_EQ("", s.protocol());
     EXPECT_EQ(klvBitrate("IP"), s.klvBitrate1);
     EXPECT_EQ(klvBitrate("Serial"), s.klvBitrate2);
