@@ -5,6 +5,7 @@
 #include "datacom/MessageCommand.h"
 #include "datacom/TagText.h"
 #include "datacom/WireConstants.h"
+#include "holder/DataHolderImpl.h"
 
 namespace datacom {
 
@@ -19,10 +20,10 @@ constexpr const char* PARAM_TABLES = "Tables";
 
 Fcodes DataHolder::requestCommand(const std::string& socketPath, const std::string& command, std::string& result,
                                   unsigned timeoutSec, unsigned tries) {
-    return communicator.requestCommand(socketPath, command, result, timeoutSec, tries);
+    return impl->communicator.requestCommand(socketPath, command, result, timeoutSec, tries);
 }
 
-Fcodes DataHolder::requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table,
+Fcodes DataHolder::Impl::requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table,
                                      int rowId, int& answerRow, unsigned timeoutSec, unsigned tries) {
     MessageCommand command;
     command.setId(commandId);
@@ -30,7 +31,7 @@ Fcodes DataHolder::requestRowCommand(const char* commandId, const std::string& s
     command.addParam(wire::PARAM_ROW, std::to_string(rowId));
     std::string text, reply;
     command.toString(text);
-    Fcodes code = requestCommand(socketPath, text, reply, timeoutSec, tries);
+    Fcodes code = owner.requestCommand(socketPath, text, reply, timeoutSec, tries);
     if (!isOk(code))
         return code;
     MessageCommand answer;
@@ -49,18 +50,18 @@ Fcodes DataHolder::requestRowCommand(const char* commandId, const std::string& s
 
 Fcodes DataHolder::requestAddRow(const std::string& socketPath, const std::string& table, int rowId, int& newRowId,
                                  unsigned timeoutSec, unsigned tries) {
-    return requestRowCommand(wire::CMD_ADD_ROW, socketPath, table, rowId, newRowId, timeoutSec, tries);
+    return impl->requestRowCommand(wire::CMD_ADD_ROW, socketPath, table, rowId, newRowId, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestNextRowId(const std::string& socketPath, const std::string& table, int rowId, int& nextRowId,
                                     unsigned timeoutSec, unsigned tries) {
-    return requestRowCommand(wire::CMD_GET_NEXT_ROW, socketPath, table, rowId, nextRowId, timeoutSec, tries);
+    return impl->requestRowCommand(wire::CMD_GET_NEXT_ROW, socketPath, table, rowId, nextRowId, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestRemoteIntParam(const std::string& socketPath, const std::string& table, int rowId,
                                          const std::string& column, int& value, unsigned timeoutSec, unsigned tries) {
     std::string text;
-    Fcodes code = communicator.requestDataItem(socketPath, table, rowId, column, text, timeoutSec, tries);
+    Fcodes code = impl->communicator.requestDataItem(socketPath, table, rowId, column, text, timeoutSec, tries);
     if (isOk(code))
         value = tagToInt(text);
     return code;
@@ -69,13 +70,13 @@ Fcodes DataHolder::requestRemoteIntParam(const std::string& socketPath, const st
 Fcodes DataHolder::requestRemoteStringParam(const std::string& socketPath, const std::string& table, int rowId,
                                             const std::string& column, std::string& value, unsigned timeoutSec,
                                             unsigned tries) {
-    return communicator.requestDataItem(socketPath, table, rowId, column, value, timeoutSec, tries);
+    return impl->communicator.requestDataItem(socketPath, table, rowId, column, value, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestGetTextParam(const std::string& socketPath, const std::string& dataSet,
                                        const std::string& component, const std::string& property, std::string& value,
                                        const std::string& row) {
-    return communicator.requestGetParam(socketPath, dataSet, component, property, value, ParamAccess::Read, row,
+    return impl->communicator.requestGetParam(socketPath, dataSet, component, property, value, ParamAccess::Read, row,
                                         wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES);
 }
 
@@ -95,7 +96,7 @@ Fcodes DataHolder::requestSetRemoteStringParam(const std::string& socketPath, co
                                                const std::string& value, const std::string& row, unsigned timeoutSec,
                                                unsigned tries) {
     std::string readBack = value;
-    return communicator.requestGetParam(socketPath, dataSet, component, property, readBack, ParamAccess::Write, row,
+    return impl->communicator.requestGetParam(socketPath, dataSet, component, property, readBack, ParamAccess::Write, row,
                                         timeoutSec, tries);
 }
 
@@ -107,11 +108,11 @@ Fcodes DataHolder::requestSetRemoteIntParam(const std::string& socketPath, const
 }
 
 Fcodes DataHolder::requestEvent(const std::string& socketPath, MessageEvent& event, unsigned delaySec, unsigned tries) {
-    return communicator.requestEvent(socketPath, event, delaySec, tries);
+    return impl->communicator.requestEvent(socketPath, event, delaySec, tries);
 }
 
 void DataHolder::notify(MessageEvent& event) {
-    communicator.notify(event);
+    impl->communicator.notify(event);
 }
 
 }  // namespace datacom
