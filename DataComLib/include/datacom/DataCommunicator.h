@@ -50,7 +50,7 @@ public:
     DataCommunicator(const DataCommunicator&) = delete;
     DataCommunicator& operator=(const DataCommunicator&) = delete;
 
-    /// --- Transport (DataCommunicatorTransport.cpp) ---
+    /// Transport.
 
     /// Makes and binds both sockets (stale socket files removed first, the mode
     /// of setSocketAccess, 0777 by default; 1-second send and receive
@@ -86,7 +86,7 @@ public:
     int getReceiveSocket() const { return receiveSocket; }
     int getSendSocket() const { return sendSocket; }
 
-    /// --- Server (DataCommunicatorServer.cpp, ...Commands.cpp, ...Data.cpp) ---
+    /// Server.
 
     /// Starts the server thread. No thread runs when its creation fails.
     void start();
@@ -120,11 +120,11 @@ public:
     Fcodes treatEventMsg(MessageHeader& header, const std::string& body);
     Fcodes treatCommandMsg(MessageHeader& header, const std::string& body, MessageHeader& replyHeader,
                            std::string& replyBody);
-    /// "GET" and "SET" of data items; the format is described in DataCommunicatorData.cpp.
+    /// "GET" and "SET" of data items: the item named by the request read, or set and read back.
     Fcodes treatDataMsg(MessageHeader& header, const std::string& body, MessageHeader& replyHeader,
                         std::string& replyBody);
 
-    /// --- Client (DataCommunicatorClient.cpp, ...DataClient.cpp) ---
+    /// Client requests.
 
     /// One request-reply exchange with retries; each attempt takes a fresh ID
     /// from the process-wide counter. On return request.ID is the last one used.

@@ -65,7 +65,7 @@ public:
 
     /// Replaces `out` with the table block (columns, then rows by id, deleted ones included).
     virtual void toString(std::string& out);
-    /// Fills the table from a Table block; see DataTableText.cpp.
+    /// Fills the table from a Table block (its Column and Row elements).
     Fcodes initFromString(const std::string& text);
 
     const std::string& getId() const { return name; }
