@@ -28,8 +28,9 @@ class DataTable;
 /// the holder; `owner` is the holder itself, through which the helpers reach
 /// the virtuals a service may override (table lookups, requestCommand, the
 /// worker's hooks). Members are destroyed in the reverse of their order here,
-/// so the engine goes last, after the stores its server thread reads.
-struct DataHolder::Impl {
+/// so the engine goes last, after the stores its server thread reads. Hidden:
+/// a nested class of an exported one would be exported with it otherwise.
+struct __attribute__((visibility("hidden"))) DataHolder::Impl {
     explicit Impl(DataHolder& holder) : owner(holder) {}
 
     static void* work(void* self);
