@@ -72,8 +72,7 @@ void DataHolder::init(const std::string& taskName) {
     sched_param priority{};
     priority.sched_priority = WORKER_PRIORITY;
     pthread_attr_setschedparam(&attributes, &priority);
-    const int created =
-        self.semaphoreReady ? pthread_create(&self.worker, &attributes, &Impl::work, &self) : EAGAIN;
+    const int created = self.semaphoreReady ? pthread_create(&self.worker, &attributes, &Impl::work, &self) : EAGAIN;
     pthread_attr_destroy(&attributes);
     if (created != 0)
         DBG(DBG_FATAL) << "DataHolder::init pthread_create failed errno=" << created;

@@ -39,62 +39,74 @@ Fcodes DataHolder::getInstances(const std::string& dataSet, const std::string& c
 
 Fcodes DataHolder::getIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                int& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->getIntParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getIntParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                int& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->getIntParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getIntParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getTextParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 std::string& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->getTextParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getTextParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getTextParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 std::string& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->getTextParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getTextParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 bool& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->getBoolParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getBoolParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 bool& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->getBoolParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getBoolParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::setIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                int value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->setIntParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->setIntParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::setIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                int value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->setIntParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->setIntParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::setTextParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 const std::string& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->setTextParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->setTextParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::setTextParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 const std::string& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->setTextParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->setTextParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::setBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 bool value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->setBoolParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->setBoolParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::setBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 bool value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->setBoolParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->setBoolParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::loadDataSet(const std::string& path) {
@@ -144,13 +156,13 @@ Fcodes DataHolder::getInstancesByParameter(const std::string& dataSet, const std
                                            const std::string& property, const std::string& value,
                                            std::vector<std::string>& keys) {
     return impl->dataSets_json ? impl->dataSets_json->getInstancesByParameter(dataSet, component, property, value, keys)
-                         : FC_UNAVAILABLE;
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getInstancesByParameter(const std::string& dataSet, const std::string& component,
                                            const std::string& property, int value, std::vector<std::string>& keys) {
     return impl->dataSets_json ? impl->dataSets_json->getInstancesByParameter(dataSet, component, property, value, keys)
-                         : FC_UNAVAILABLE;
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getInstancesByKey(const std::string& dataSet, const std::string& component, const std::string& key,
@@ -160,73 +172,87 @@ Fcodes DataHolder::getInstancesByKey(const std::string& dataSet, const std::stri
 
 Fcodes DataHolder::getComponentPropertyDefault(const std::string& dataSet, const std::string& component,
                                                const std::string& property, std::string& defaultValue) {
-    return impl->dataSets_json ? impl->dataSets_json->getComponentPropertyDefault(dataSet, component, property, defaultValue)
-                         : FC_UNAVAILABLE;
+    return impl->dataSets_json
+               ? impl->dataSets_json->getComponentPropertyDefault(dataSet, component, property, defaultValue)
+               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getNewIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                   int& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->getNewIntParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getNewIntParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getNewIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                   int& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->getNewIntParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getNewIntParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getNewTextParam(const std::string& dataSet, const std::string& component,
                                    const std::string& property, std::string& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->getNewTextParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getNewTextParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getNewTextParam(const std::string& dataSet, const std::string& component,
                                    const std::string& property, std::string& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->getNewTextParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getNewTextParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getNewBoolParam(const std::string& dataSet, const std::string& component,
                                    const std::string& property, bool& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->getNewBoolParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getNewBoolParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::getNewBoolParam(const std::string& dataSet, const std::string& component,
                                    const std::string& property, bool& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->getNewBoolParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->getNewBoolParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 int value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->initIntParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initIntParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initIntParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                 int value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->initIntParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initIntParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initTextParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                  const std::string& value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->initTextParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initTextParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initTextParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                  const std::string& value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->initTextParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initTextParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                  bool value, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->initBoolParam(dataSet, component, property, value, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initBoolParam(dataSet, component, property, value, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initBoolParam(const std::string& dataSet, const std::string& component, const std::string& property,
                                  bool value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->initBoolParam(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initBoolParam(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::initInt64Param(const std::string& dataSet, const std::string& component, const std::string& property,
                                   int64_t value, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->initInt64Param(dataSet, component, property, value, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->initInt64Param(dataSet, component, property, value, key)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::commit() {
@@ -293,12 +319,14 @@ bool DataHolder::isChangedProperty(const std::string& dataSet, const std::string
 
 Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, int index) {
-    return impl->dataSets_json ? impl->dataSets_json->untouchProperty(dataSet, component, property, index) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->untouchProperty(dataSet, component, property, index)
+                               : FC_UNAVAILABLE;
 }
 
 Fcodes DataHolder::untouchProperty(const std::string& dataSet, const std::string& component,
                                    const std::string& property, const std::string& key) {
-    return impl->dataSets_json ? impl->dataSets_json->untouchProperty(dataSet, component, property, key) : FC_UNAVAILABLE;
+    return impl->dataSets_json ? impl->dataSets_json->untouchProperty(dataSet, component, property, key)
+                               : FC_UNAVAILABLE;
 }
 
 }  // namespace datacom

@@ -23,8 +23,9 @@ Fcodes DataHolder::requestCommand(const std::string& socketPath, const std::stri
     return impl->communicator.requestCommand(socketPath, command, result, timeoutSec, tries);
 }
 
-Fcodes DataHolder::Impl::requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table,
-                                     int rowId, int& answerRow, unsigned timeoutSec, unsigned tries) {
+Fcodes DataHolder::Impl::requestRowCommand(const char* commandId, const std::string& socketPath,
+                                           const std::string& table, int rowId, int& answerRow, unsigned timeoutSec,
+                                           unsigned tries) {
     MessageCommand command;
     command.setId(commandId);
     command.addParam(PARAM_TABLES, table);
@@ -77,7 +78,7 @@ Fcodes DataHolder::requestGetTextParam(const std::string& socketPath, const std:
                                        const std::string& component, const std::string& property, std::string& value,
                                        const std::string& row) {
     return impl->communicator.requestGetParam(socketPath, dataSet, component, property, value, ParamAccess::Read, row,
-                                        wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES);
+                                              wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES);
 }
 
 Fcodes DataHolder::requestGetIntParam(const std::string& socketPath, const std::string& dataSet,
@@ -96,8 +97,8 @@ Fcodes DataHolder::requestSetRemoteStringParam(const std::string& socketPath, co
                                                const std::string& value, const std::string& row, unsigned timeoutSec,
                                                unsigned tries) {
     std::string readBack = value;
-    return impl->communicator.requestGetParam(socketPath, dataSet, component, property, readBack, ParamAccess::Write, row,
-                                        timeoutSec, tries);
+    return impl->communicator.requestGetParam(socketPath, dataSet, component, property, readBack, ParamAccess::Write,
+                                              row, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestSetRemoteIntParam(const std::string& socketPath, const std::string& dataSet,

@@ -14,7 +14,7 @@ namespace datacom {
 // The table lookup of the cell operations: the first data set in name order
 // that has the table does the row and item lookup and its log lines.
 Fcodes DataHolder::Impl::withItem(const char* op, const std::string& table, int rowId, const std::string& column,
-                            const std::function<Fcodes(DataItem&)>& access) {
+                                  const std::function<Fcodes(DataItem&)>& access) {
     DataSet* holding = owner.findDataSetWithTable(table);
     if (!holding) {
         DBG(DBG_ERROR) << op << ": No such table=" << table;
@@ -77,7 +77,8 @@ Fcodes DataHolder::initIntParam(const std::string& table, int rowId, const std::
 
 Fcodes DataHolder::initStringParam(const std::string& table, int rowId, const std::string& column,
                                    const std::string& value) {
-    return impl->withItem("initStringParam", table, rowId, column, [&](DataItem& item) { return item.initValue(value); });
+    return impl->withItem("initStringParam", table, rowId, column,
+                          [&](DataItem& item) { return item.initValue(value); });
 }
 
 Fcodes DataHolder::getParamState(const std::string& table, int rowId, const std::string& column, unsigned& state) {
