@@ -1,10 +1,12 @@
 # Installs DataComLib and the mediator client for other daemons to build on,
 # and makes their Debian packages (included from Install.cmake, before CPack):
-#   component datacom             -> libdatacom1             lib/<arch>/libdatacom.so.1*
-#   component datacom_dev         -> libdatacom-dev          headers, libdatacom.so, CMake and pkg-config files
-#   component tarnevelclient      -> libtarnevelclient1      lib/<arch>/libtarnevelclient.so.1*
+#   component datacom             -> libdatacom2             lib/<arch>/libdatacom.so.2*
+#   component datacom_dev         -> libdatacom-dev          headers (datacom/, and chanmgr/: the channel
+#                                                            manager's command and event names), libdatacom.so,
+#                                                            CMake and pkg-config files
+#   component tarnevelclient      -> libtarnevelclient2      lib/<arch>/libtarnevelclient.so.2*
 #   component tarnevelclient_dev  -> libtarnevelclient-dev   headers, libtarnevelclient.so, datacom's CMake package names it
-# The CMake package (find_package(DataComLib 1.0 CONFIG)) gives DataComLib::datacom
+# The CMake package (find_package(DataComLib 2.0 CONFIG)) gives DataComLib::datacom
 # and DataComLib::tarnevelclient; every path in it and in the .pc files is
 # relative to where it lies, so the tree works from any prefix.
 include(CMakePackageConfigHelpers)
@@ -16,6 +18,10 @@ install(TARGETS DataComLib EXPORT DataComLibTargets
 install(TARGETS TarnevelClientLib EXPORT TarnevelClientLibTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT tarnevelclient NAMELINK_COMPONENT tarnevelclient_dev)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/DataComLib/include/datacom
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT datacom_dev)
+# The names a daemon uses to talk to the channel manager travel with the
+# library's headers: such a daemon needs libdatacom-dev alone.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/ChannelManager/include/chanmgr
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT datacom_dev)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/TarnevelClientLib/include/tarnevel
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT tarnevelclient_dev)
@@ -49,7 +55,10 @@ foreach(_pc datacom tarnevelclient)
 endforeach()
 
 # ---- Debian packages (library policy: the SONAME in the runtime package's name) ----
-set(_libVersion ${SYSMGT_LIB_VERSION})
+# The five packages share the tree's release version (CPACK_PACKAGE_VERSION),
+# which is not the libraries' own (SYSMGT_LIB_VERSION, whose major is the
+# SONAME): the -dev packages pin their runtime packages to that release.
+set(_libVersion ${CPACK_PACKAGE_VERSION})
 list(APPEND CPACK_COMPONENTS_ALL datacom datacom_dev tarnevelclient tarnevelclient_dev)
 set(CPACK_DEBIAN_DATACOM_PACKAGE_NAME libdatacom${SYSMGT_LIB_SOVERSION})
 set(CPACK_DEBIAN_DATACOM_DEV_PACKAGE_NAME libdatacom-dev)
@@ -66,10 +75,11 @@ holder with its worker thread, the messaging engine on the appliance's
 local datagram sockets, the tabular and JSON dataset stores and the debug
 log client.
 
-This package holds the shared library libdatacom.so.1.")
+This package holds the shared library libdatacom.so.2.")
 set(CPACK_COMPONENT_DATACOM_DEV_DESCRIPTION "DataComLib development files
-The headers (datacom/), the link library, the CMake package DataComLib
-(find_package(DataComLib 1.0 CONFIG) gives DataComLib::datacom) and the
+The headers (datacom/, and chanmgr/ with the channel manager's command
+and event names), the link library, the CMake package DataComLib
+(find_package(DataComLib 2.0 CONFIG) gives DataComLib::datacom) and the
 pkg-config file datacom.pc: what a daemon of the appliance needs to build
 on DataComLib.")
 set(CPACK_COMPONENT_TARNEVELCLIENT_DESCRIPTION "Client of the encoder appliance's media mediator
@@ -77,7 +87,7 @@ The typed requests a daemon sends to the media mediator (component
 parameters, the assembly, branch state, start and stop), each one command
 through DataComLib's messaging engine.
 
-This package holds the shared library libtarnevelclient.so.1.")
+This package holds the shared library libtarnevelclient.so.2.")
 set(CPACK_COMPONENT_TARNEVELCLIENT_DEV_DESCRIPTION "Media mediator client development files
 The headers (tarnevel/), the link library, the CMake targets
 (DataComLib::tarnevelclient, through find_package(DataComLib)) and the
@@ -107,7 +117,7 @@ foreach(_component DATACOM TARNEVELCLIENT)
   set(CPACK_DEBIAN_${_component}_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 endforeach()
 list(APPEND CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/DebianTriggers.cmake)
-# libtarnevelclient1 needs libdatacom1 from this same build, which dpkg-shlibdeps
+# libtarnevelclient2 needs libdatacom2 from this same build, which dpkg-shlibdeps
 # finds in the build tree but cannot look up in the package database: named here.
 list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_TARNEVELCLIENT_PACKAGE_DEPENDS "libdatacom${SYSMGT_LIB_SOVERSION} (= ${_libVersion})")

@@ -14,13 +14,15 @@
 #include <string>
 #include <thread>
 
+#include "chanmgr/ChannelManagerNames.h"
 #include "datacom/DataCommunicator.h"
 #include "datacom/DataHolder.h"
+#include "datacom/MessageEvent.h"
 #include "datacom/SysmgtRoot.h"
+#include "datacom/WireConstants.h"
 
 namespace {
 
-const char* const CHANNEL_MANAGER = "/tmp/sockChan";
 const char* const STORE = "LedDataSet";
 const char* const STORE_FILE = "/tmp/led_data_set.json";
 const char* const LED = "Front LED";
@@ -47,9 +49,9 @@ public:
     ~LedDaemon() override { shutdown(); }
 
     datacom::Fcodes doHandle(datacom::MessageEvent* event) override {
-        if (event->id == "Channel Played")
+        if (event->id == chanmgr::ev::CHANNEL_PLAYED)
             show("green", event->source);
-        else if (event->id == "Channel Stopped")
+        else if (event->id == chanmgr::ev::CHANNEL_STOPPED)
             show("off", "");
         std::lock_guard<std::mutex> guard(outputMutex);
         std::cout << "event: " << event->id << " " << event->source << std::endl;
@@ -88,7 +90,7 @@ int main(int argc, char** argv) {
 
     // The channel manager may start after us: ask until it takes the subscription.
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSec < 0 ? 1000000 : timeoutSec);
-    while (!datacom::isOk(engine->requestSubscribe(CHANNEL_MANAGER))) {
+    while (!datacom::isOk(engine->requestSubscribe(datacom::wire::SOCK_CHAN))) {
         if (std::chrono::steady_clock::now() >= end)
             return 1;
         std::this_thread::sleep_for(std::chrono::milliseconds(200));

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "FailureRules.h"
+#include "datacom/DataCommunicator.h"
 #include "datacom/DataHolder.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"

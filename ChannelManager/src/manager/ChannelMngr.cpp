@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "channel/ConfigChannelTarnevel.h"
+#include "datacom/DataCommunicator.h"
 #include "datacom/DbgPrintClient.h"
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"

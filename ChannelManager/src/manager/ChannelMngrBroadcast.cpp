@@ -4,6 +4,7 @@
 
 #include "datacom/DbgPrintClient.h"
 #include "datacom/MessageCommand.h"
+#include "datacom/MessageEvent.h"
 #include "datacom/WireConstants.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"

@@ -18,6 +18,7 @@
 #include "TestRoot.h"
 #include "TrafficLog.h"
 #include "channel/ConfigChannelTarnevel.h"
+#include "datacom/DataCommunicator.h"
 #include "datacom/DataHolder.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/WireConstants.h"

@@ -50,7 +50,7 @@ public:
     DataCommunicator(const DataCommunicator&) = delete;
     DataCommunicator& operator=(const DataCommunicator&) = delete;
 
-    /// --- Transport (DataCommunicatorTransport.cpp) ---
+    /// Transport.
 
     /// Makes and binds both sockets (stale socket files removed first, the mode
     /// of setSocketAccess, 0777 by default; 1-second send and receive
@@ -68,11 +68,6 @@ public:
     /// only when the header's Size is at least 1.
     Fcodes readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
                    unsigned timeoutSec);
-    /// The form with a last argument that was never read. Kept, deprecated,
-    /// only so that libdatacom.so.1 keeps its symbol; it goes when the SONAME next changes.
-    [[deprecated("the last argument is not used: call readMsg without it")]] Fcodes readMsg(
-        int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen, unsigned timeoutSec,
-        unsigned spare);
     /// Sends header text plus `body` (the caller's BODY element, or nothing) as
     /// one datagram. Each try waits for room in the peer's queue up to the
     /// socket's send time-out; a try that times out is followed by a `delaySec`
@@ -80,12 +75,6 @@ public:
     /// is gone ends the tries at once.
     Fcodes sendMessage(int sock, MessageHeader& header, const std::string& body, const sockaddr* to, socklen_t toLen,
                        unsigned delaySec, unsigned tries);
-    /// The older event send: header and body as two datagrams, one try. Peers
-    /// read one datagram per message, so nothing uses it: events go out through
-    /// requestEvent. Kept, deprecated, only so that libdatacom.so.1 keeps its
-    /// symbol; it goes when the SONAME next changes.
-    [[deprecated("peers read one datagram per message: send events with requestEvent")]] Fcodes sendEvent(
-        const std::string& peer, MessageHeader& header, const std::string& body);
     /// Reads a stream descriptor byte by byte up to a newline (not appended).
     Fcodes readline(int sock, std::string& line, unsigned timeoutSec);
 
@@ -97,7 +86,7 @@ public:
     int getReceiveSocket() const { return receiveSocket; }
     int getSendSocket() const { return sendSocket; }
 
-    /// --- Server (DataCommunicatorServer.cpp, ...Commands.cpp, ...Data.cpp) ---
+    /// Server.
 
     /// Starts the server thread. No thread runs when its creation fails.
     void start();
@@ -131,11 +120,11 @@ public:
     Fcodes treatEventMsg(MessageHeader& header, const std::string& body);
     Fcodes treatCommandMsg(MessageHeader& header, const std::string& body, MessageHeader& replyHeader,
                            std::string& replyBody);
-    /// "GET" and "SET" of data items; the format is described in DataCommunicatorData.cpp.
+    /// "GET" and "SET" of data items: the item named by the request read, or set and read back.
     Fcodes treatDataMsg(MessageHeader& header, const std::string& body, MessageHeader& replyHeader,
                         std::string& replyBody);
 
-    /// --- Client (DataCommunicatorClient.cpp, ...DataClient.cpp) ---
+    /// Client requests.
 
     /// One request-reply exchange with retries; each attempt takes a fresh ID
     /// from the process-wide counter. On return request.ID is the last one used.

@@ -2,31 +2,19 @@
 
 #include "datacom/Export.h"
 
-#include <pthread.h>
-#include <semaphore.h>
-
-#include <atomic>
 #include <cstdint>
-#include <deque>
-#include <functional>
-#include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
-#include "datacom/DataCommunicator.h"
-#include "datacom/DataSet.h"
 #include "datacom/IDataHolder.h"
-#include "datacom/IDataSets.h"
-#include "datacom/MessageEvent.h"
-#include "datacom/Mutex.h"
 #include "datacom/ThreadSafety.h"
 
 namespace datacom {
 
-class DataItem;
-class DataTable;
+class DataCommunicator;
+class IDataSets;
+class MessageEvent;
 
 /// One item of the holder's queue: a command text (id 1, size its length) or
 /// an event (id 2, size of the event record). `data` owns the payload; its
@@ -53,6 +41,11 @@ struct DATACOM_API event_type {
 /// doHandle. Table operations hold the table's own lock; the holder's recursive
 /// mutex (lock/unlock) is for derived services and never taken here.
 ///
+/// What the holder keeps (engine, stores, queue, worker, lock) lives in its
+/// private implementation, so a service includes this header and the parameter
+/// facade alone; it reaches the engine through getDataCommunicator() and the
+/// JSON store through getDataSets().
+///
 /// Shutdown: on the appliance the worker runs for ever. shutdown() (also run by
 /// the destructor) stops the engine's server thread first, so nothing more is
 /// queued, then lets the worker finish what is queued, ends it and joins it.
@@ -60,13 +53,13 @@ struct DATACOM_API event_type {
 /// own destructor, before those members go.
 class DATACOM_API DATACOM_CAPABILITY("mutex") DataHolder : public IDataHolder {
 public:
-    DataHolder() = default;
+    DataHolder();
     /// Runs shutdown(); frees what is still queued, the data sets and the store.
     ~DataHolder() override;
     DataHolder(const DataHolder&) = delete;
     DataHolder& operator=(const DataHolder&) = delete;
 
-    /// --- Lifecycle, queue and worker (DataHolder.cpp) ---
+    /// Lifecycle, queue and worker.
 
     /// Stores the name, makes the JSON store, the semaphore and the worker
     /// thread (round-robin priority 30 asked, creator's policy inherited).
@@ -93,12 +86,13 @@ public:
     /// guards lives in the stores, out of its sight: so functions say
     /// DATACOM_REQUIRES(this) where they need it held, and DATACOM_EXCLUDES(this)
     /// only where they wait for a thread that takes it.
-    void lock() DATACOM_ACQUIRE() DATACOM_NO_THREAD_SAFETY_ANALYSIS { mutex.lock(); }
-    void unlock() DATACOM_RELEASE() DATACOM_NO_THREAD_SAFETY_ANALYSIS { mutex.unlock(); }
-    DataCommunicator* getDataCommunicator() { return &communicator; }
-    const std::string& getName() const { return name; }
+    void lock() DATACOM_ACQUIRE();
+    void unlock() DATACOM_RELEASE();
+    /// The embedded engine, owned by the holder: the service inits and starts it.
+    DataCommunicator* getDataCommunicator();
+    const std::string& getName() const;
 
-    /// --- Table family and table structure (DataHolderTables.cpp) ---
+    /// Table family and table structure.
 
     Fcodes deleteRow(const std::string& table, int rowId) override;
     Fcodes getIntParam(const std::string& table, int rowId, const std::string& column, int& value) override;
@@ -140,13 +134,14 @@ public:
     DataTable* findDataTable(const std::string& table) override;
     std::vector<std::string> getColumnNames(const std::string& table) override;
 
-    /// --- JSON family, forwarded to the store (DataHolderJson.cpp) ---
+    /// JSON family, forwarded to the store.
     /// Without a store (its creation failed) every operation answers FC_UNAVAILABLE, false or nothing.
 
     /// The store init installs (a DataSets from DataSetsFactory); a derived
     /// holder overrides it to hand in a store of its own. Owned by the holder.
     IDataSets* createDataSets() override;
-    IDataSets* getDataSets() { return dataSets_json.get(); }
+    /// The store init installed (null before init or when its creation failed); owned by the holder.
+    IDataSets* getDataSets();
     Fcodes findDataSetWithComponent(std::string& dataSetName, const std::string& component) override;
     bool hasInstance(const std::string& dataSet, const std::string& component, int index) override;
     bool hasInstance(const std::string& dataSet, const std::string& component, const std::string& key) override;
@@ -247,7 +242,7 @@ public:
     Fcodes untouchProperty(const std::string& dataSet, const std::string& component, const std::string& property,
                            const std::string& key) override;
 
-    /// --- Remote family, forwarded to the engine (DataHolderRemote.cpp) ---
+    /// Remote family, forwarded to the engine.
 
     Fcodes requestCommand(const std::string& socketPath, const std::string& command, std::string& result,
                           unsigned timeoutSec, unsigned tries) override;
@@ -282,36 +277,8 @@ protected:
     void doWork();
 
 private:
-    static void* work(void* self);
-    /// Appends under the queue mutex and posts; `op` names the log line.
-    void enqueue(event_type item, const char* op) DATACOM_EXCLUDES(queueMutex);
-    /// Runs one dequeued item and frees it.
-    void dispatch(event_type& item);
-    /// Finds the table, row and item and runs `access` on the item under the
-    /// table's lock. A missing one is logged ("No such table/rowId/item",
-    /// prefixed with `op`) and answered FC_NO_SUCH_NAME.
-    Fcodes withItem(const char* op, const std::string& table, int rowId, const std::string& column,
-                    const std::function<Fcodes(DataItem&)>& access);
-    /// Runs `access` on the table under its lock; `missing` when there is no table.
-    template <typename Result, typename Access>
-    Result withTable(const std::string& table, Result missing, Access access);
-    /// "Add Row" and "Get Next Row": the request and the reply's "Row".
-    Fcodes requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table, int rowId,
-                             int& answerRow, unsigned timeoutSec, unsigned tries);
-
-    DataCommunicator communicator;
-    std::map<std::string, std::unique_ptr<DataSet>> dataSets;
-    std::unique_ptr<IDataSets> dataSets_json;
-    sem_t semaphore{};
-    bool semaphoreReady = false;
-    std::string name;
-    std::deque<event_type> queue DATACOM_GUARDED_BY(queueMutex);
-    Mutex queueMutex;
-    std::recursive_mutex mutex;  ///< behind lock()/unlock(): the holder itself is the capability
-
-    pthread_t worker{};
-    bool workerRunning = false;
-    std::atomic<bool> stopping{false};
+    struct Impl;
+    std::unique_ptr<Impl> impl;
 };
 
 }  // namespace datacom

@@ -2,22 +2,25 @@
 
 #include "datacom/Export.h"
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
+#include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
 #include "datacom/Fcodes.h"
-#include "datacom/Retired.h"
-#include "datacom/RowOwner.h"
 
 namespace datacom {
 
 class DataColumn;
 class DataItem;
-class DataRow;
 class DataSet;
+template <typename T>
+class Retired;
 
 /// One typed object of a dataset: named parameter definitions (columns) and
 /// instances (rows keyed by an instance name) with change tracking like a
@@ -25,14 +28,29 @@ class DataSet;
 /// the object so that edits mark it changed. A recursive mutex guards
 /// touch, untouch, toString, getInstances, getParameters, doDeleteAllInstances
 /// and cleanUpRelations; callers bracket other multi-step work with lock()/unlock().
-class DATACOM_API DataObject : public RowOwner<std::string> {
+class DATACOM_API DataObject {
 public:
+    using Rows = std::map<std::string, std::unique_ptr<DataRow>>;
+
     DataObject();
     explicit DataObject(const std::string& objectName);
-    ~DataObject() override;
+    virtual ~DataObject();
+    DataObject(const DataObject&) = delete;
+    DataObject& operator=(const DataObject&) = delete;
 
-    /// acceptChanges, touch, untouch, rollbackChanges, isChanged, the state,
-    /// the dataset and lock/unlock come from RowOwner, over the instances.
+    /// Change tracking over the instances, as DataTable's over its rows.
+    virtual Fcodes acceptChanges();
+    virtual Fcodes touch();
+    virtual Fcodes untouch();
+    Fcodes rollbackChanges();
+    bool isChanged();
+    uint32_t getState() const { return state; }
+    void setState(uint32_t bits);
+    void addState(uint32_t bits);
+    DataSet* getDataSet() const { return dataSet; }
+    void setDataSet(DataSet* owner) { dataSet = owner; }
+    void lock() { mutex.lock(); }
+    void unlock() { mutex.unlock(); }
 
     /// Replaces `out` with the Object block: parameters by name, then instance
     /// rows by instance name (written with their integer ids).
@@ -73,11 +91,17 @@ public:
     void cleanUpRelations();
 
 private:
+    using Guard = std::lock_guard<std::recursive_mutex>;
+
     bool holds(const DataColumn* column) const;
 
+    std::recursive_mutex mutex;
+    std::atomic<uint32_t> state{datastate::NEW};
+    Rows rows;
+    DataSet* dataSet = nullptr;
     std::string name;
     std::map<std::string, std::unique_ptr<DataColumn>> parameters;
-    Retired<DataColumn> retiredParameters;
+    std::unique_ptr<Retired<DataColumn>> retiredParameters;
 };
 
 }  // namespace datacom

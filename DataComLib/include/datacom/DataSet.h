@@ -11,12 +11,13 @@
 #include <vector>
 
 #include "datacom/Fcodes.h"
-#include "datacom/Retired.h"
 
 namespace datacom {
 
 class DataItem;
 class DataTable;
+template <typename T>
+class Retired;
 
 /// One tabular configuration document: an id, a version text and named
 /// tables, kept as tag text in a file. Owns its tables. No lock of its own:
@@ -107,7 +108,7 @@ private:
     std::atomic<uint32_t> state;
     std::map<std::string, std::unique_ptr<DataTable>> tables;
     TableList tableOrder;
-    Retired<DataTable> retiredTables;
+    std::unique_ptr<Retired<DataTable>> retiredTables;
 };
 
 }  // namespace datacom

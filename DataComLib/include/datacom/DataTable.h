@@ -2,22 +2,25 @@
 
 #include "datacom/Export.h"
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "datacom/DataRow.h"
+#include "datacom/DataStoreConstants.h"
 #include "datacom/Fcodes.h"
-#include "datacom/Retired.h"
-#include "datacom/RowOwner.h"
 
 namespace datacom {
 
 class DataColumn;
 class DataItem;
 class DataSet;
+template <typename T>
+class Retired;
 
 /// A named table of a dataset: columns in definition order and rows keyed by
 /// a positive id, each row one item per column. The unit of locking and change
@@ -25,20 +28,44 @@ class DataSet;
 /// its dataset. Every operation that walks or changes the rows holds the
 /// table's recursive mutex; column operations, accessors and isChanged do not,
 /// so multi-step callers bracket their work with lock()/unlock().
-class DATACOM_API DataTable : public RowOwner<int32_t> {
+class DATACOM_API DataTable {
 public:
+    using Rows = std::map<int32_t, std::unique_ptr<DataRow>>;
     using Columns = std::vector<std::unique_ptr<DataColumn>>;
 
     DataTable();
     explicit DataTable(const std::string& tableName);
-    ~DataTable() override;
+    virtual ~DataTable();
+    DataTable(const DataTable&) = delete;
+    DataTable& operator=(const DataTable&) = delete;
 
-    /// acceptChanges, touch, untouch, rollbackChanges, isChanged, the state,
-    /// the dataset and lock/unlock come from RowOwner.
+    /// Change tracking (DataObject has the same over its instances). The scans
+    /// hold the mutex; isChanged and the state accessors do not.
+    /// Rows marked deleted are destroyed, new and changed ones commit their values; state 0.
+    virtual Fcodes acceptChanges();
+    /// Every row touched; the table and its dataset marked changed.
+    virtual Fcodes touch();
+    /// Every row untouched; state 0.
+    virtual Fcodes untouch();
+    /// Changed and deleted rows only lose their marks (pending values stay);
+    /// rows that are merely new are destroyed, so a new row that was also
+    /// edited is kept. State 0.
+    Fcodes rollbackChanges();
+    /// True when the table or any row is marked; a marked row marks the table.
+    bool isChanged();
+    uint32_t getState() const { return state; }
+    /// Both mark the dataset changed when the new state is non-zero.
+    void setState(uint32_t bits);
+    void addState(uint32_t bits);
+    DataSet* getDataSet() const { return dataSet; }
+    void setDataSet(DataSet* owner) { dataSet = owner; }
+    /// The recursive mutex, for callers bracketing multi-step work.
+    void lock() { mutex.lock(); }
+    void unlock() { mutex.unlock(); }
 
     /// Replaces `out` with the table block (columns, then rows by id, deleted ones included).
     virtual void toString(std::string& out);
-    /// Fills the table from a Table block; see DataTableText.cpp.
+    /// Fills the table from a Table block (its Column and Row elements).
     Fcodes initFromString(const std::string& text);
 
     const std::string& getId() const { return name; }
@@ -99,17 +126,23 @@ public:
     void cleanUpRelations();
 
 private:
+    using Guard = std::lock_guard<std::recursive_mutex>;
+
     void registerColumn(const std::string& columnName, DataColumn* column);
     std::unique_ptr<DataColumn> unregisterColumn(DataColumn* column);
     DataRow::ColumnRefs columnRefs() const;
 
+    std::recursive_mutex mutex;
+    std::atomic<uint32_t> state{datastate::NEW};
+    Rows rows;
+    DataSet* dataSet = nullptr;
     std::string name;
     Columns columns;
     std::map<std::string, DataColumn*> columnsByName;
 
     /// Removed and replaced columns and the items taken out with them.
-    Retired<DataColumn> retiredColumns;
-    Retired<DataItem> retiredItems;
+    std::unique_ptr<Retired<DataColumn>> retiredColumns;
+    std::unique_ptr<Retired<DataItem>> retiredItems;
 };
 
 }  // namespace datacom

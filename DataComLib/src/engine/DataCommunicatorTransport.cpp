@@ -97,11 +97,6 @@ void DataCommunicator::init(IEngineHooks* holder, const std::string& receivePath
 }
 
 Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
-                                 unsigned timeoutSec, unsigned /*spare*/) {
-    return readMsg(sock, header, body, from, fromLen, timeoutSec);
-}
-
-Fcodes DataCommunicator::readMsg(int sock, MessageHeader& header, std::string& body, sockaddr* from, socklen_t* fromLen,
                                  unsigned timeoutSec) {
     ssize_t readSize = -1;
     const bool ownSocket = sock == sendSocket || sock == receiveSocket;
@@ -154,28 +149,6 @@ Fcodes DataCommunicator::sendMessage(int sock, MessageHeader& header, const std:
         --tries;
     }
     return result;
-}
-
-Fcodes DataCommunicator::sendEvent(const std::string& peer, MessageHeader& header, const std::string& body) {
-    LocalAddress address;
-    if (!address.setLogicalPath(peer)) {
-        DBG(DBG_ERROR) << "sendEvent: Error in sending to sock:" << peer;
-        return FC_COMM_ERROR;
-    }
-    std::string headerText;
-    header.toString(headerText);
-    if (sendto(sendSocket, headerText.data(), headerText.size(), MSG_NOSIGNAL, address.get(), address.length()) < 0) {
-        DBG(DBG_ERROR) << "sendEvent: in writing msg header to sock=" << peer << " errno=" << errno;
-        DBG(DBG_ERROR) << "sendEvent: Error in sending to sock:" << peer;
-        return FC_COMM_ERROR;
-    }
-    if (header.Size >= 1 && !body.empty() &&
-        sendto(sendSocket, body.data(), body.size(), MSG_NOSIGNAL, address.get(), address.length()) < 0) {
-        DBG(DBG_ERROR) << "sendEvent: in writing msg body to sock=" << peer << " errno=" << errno;
-        DBG(DBG_ERROR) << "sendEvent: Error in sending to sock:" << peer;
-        return FC_COMM_ERROR;
-    }
-    return FC_OK;
 }
 
 Fcodes DataCommunicator::readline(int sock, std::string& line, unsigned timeoutSec) {

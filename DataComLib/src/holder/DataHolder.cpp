@@ -8,7 +8,9 @@
 #include <cerrno>
 
 #include "datacom/DbgPrintClient.h"
+#include "datacom/MessageEvent.h"
 #include "datacom/WireConstants.h"
+#include "holder/DataHolderImpl.h"
 
 namespace datacom {
 
@@ -25,22 +27,41 @@ void deleteEvent(void* data) {
 
 }  // namespace
 
+DataHolder::DataHolder() : impl(std::make_unique<Impl>(*this)) {}
+
 DataHolder::~DataHolder() {
     shutdown();
-    if (semaphoreReady)
-        sem_destroy(&semaphore);
+    if (impl->semaphoreReady)
+        sem_destroy(&impl->semaphore);
+}
+
+void DataHolder::lock() DATACOM_NO_THREAD_SAFETY_ANALYSIS {
+    impl->mutex.lock();
+}
+
+void DataHolder::unlock() DATACOM_NO_THREAD_SAFETY_ANALYSIS {
+    impl->mutex.unlock();
+}
+
+DataCommunicator* DataHolder::getDataCommunicator() {
+    return &impl->communicator;
+}
+
+const std::string& DataHolder::getName() const {
+    return impl->name;
 }
 
 void DataHolder::init(const std::string& taskName) {
-    name = taskName;
-    dataSets_json.reset(createDataSets());
-    if (!dataSets_json)
+    Impl& self = *impl;
+    self.name = taskName;
+    self.dataSets_json.reset(createDataSets());
+    if (!self.dataSets_json)
         DBG(DBG_FATAL) << "DataHolder::init Couldn't create dataSets_json Object";
 
-    if (sem_init(&semaphore, 0, 0) != 0)
+    if (sem_init(&self.semaphore, 0, 0) != 0)
         DBG(DBG_ERROR) << "init: sem_init failed errno=" << errno;
     else
-        semaphoreReady = true;
+        self.semaphoreReady = true;
 
     // The policy is only asked for: inheritance stays at its default, so the
     // worker runs with its creator's policy and creation works unprivileged.
@@ -51,66 +72,68 @@ void DataHolder::init(const std::string& taskName) {
     sched_param priority{};
     priority.sched_priority = WORKER_PRIORITY;
     pthread_attr_setschedparam(&attributes, &priority);
-    const int created = semaphoreReady ? pthread_create(&worker, &attributes, &DataHolder::work, this) : EAGAIN;
+    const int created = self.semaphoreReady ? pthread_create(&self.worker, &attributes, &Impl::work, &self) : EAGAIN;
     pthread_attr_destroy(&attributes);
     if (created != 0)
         DBG(DBG_FATAL) << "DataHolder::init pthread_create failed errno=" << created;
     else
-        workerRunning = true;
+        self.workerRunning = true;
 }
 
 void DataHolder::shutdown() {
-    communicator.stop();
-    if (!workerRunning)
+    Impl& self = *impl;
+    self.communicator.stop();
+    if (!self.workerRunning)
         return;
-    stopping = true;
-    sem_post(&semaphore);
-    pthread_join(worker, nullptr);
-    workerRunning = false;
+    self.stopping = true;
+    sem_post(&self.semaphore);
+    pthread_join(self.worker, nullptr);
+    self.workerRunning = false;
 }
 
-void* DataHolder::work(void* self) {
-    static_cast<DataHolder*>(self)->doWork();
+void* DataHolder::Impl::work(void* self) {
+    static_cast<Impl*>(self)->owner.doWork();
     return nullptr;
 }
 
 void DataHolder::doWork() {
-    setTaskName(pthread_self(), name);
+    Impl& self = *impl;
+    setTaskName(pthread_self(), self.name);
     prctl(PR_SET_NAME, "DataHolder", 0, 0, 0);
     for (;;) {
-        while (sem_wait(&semaphore) != 0 && errno == EINTR) {
+        while (sem_wait(&self.semaphore) != 0 && errno == EINTR) {
         }
         event_type item{0, 0, {nullptr, deleteCommand}};
         {
-            ScopedLock<Mutex> guard(queueMutex);
-            if (queue.empty()) {
+            ScopedLock<Mutex> guard(self.queueMutex);
+            if (self.queue.empty()) {
                 // Only shutdown's extra post wakes an empty queue for good;
                 // what was queued before it has been run by then.
-                if (stopping)
+                if (self.stopping)
                     return;
                 continue;
             }
-            item = std::move(queue.front());
-            queue.pop_front();
+            item = std::move(self.queue.front());
+            self.queue.pop_front();
         }
-        dispatch(item);
+        self.dispatch(item);
     }
 }
 
-void DataHolder::dispatch(event_type& item) {
+void DataHolder::Impl::dispatch(event_type& item) {
     if (item.id == event_type::COMMAND) {
         std::string result;
-        doExecute(*static_cast<std::string*>(item.data.get()), result);
+        owner.doExecute(*static_cast<std::string*>(item.data.get()), result);
     } else if (item.id == event_type::EVENT) {
         // doHandle only borrows the event; it is destroyed with the item below.
-        doHandle(static_cast<MessageEvent*>(item.data.get()));
+        owner.doHandle(static_cast<MessageEvent*>(item.data.get()));
     } else {
         DBG(DBG_ERROR) << "doWork: unknown event arrived id=" << item.id;
     }
     item.data.reset();
 }
 
-void DataHolder::enqueue(event_type item, const char* op) {
+void DataHolder::Impl::enqueue(event_type item, const char* op) {
     {
         ScopedLock<Mutex> guard(queueMutex);
         queue.push_back(std::move(item));
@@ -121,13 +144,14 @@ void DataHolder::enqueue(event_type item, const char* op) {
 }
 
 Fcodes DataHolder::handle(MessageEvent* event) {
-    enqueue({event_type::EVENT, static_cast<int32_t>(sizeof(MessageEvent)), {event, deleteEvent}}, "handle");
+    impl->enqueue({event_type::EVENT, static_cast<int32_t>(sizeof(MessageEvent)), {event, deleteEvent}}, "handle");
     return FC_OK;
 }
 
 Fcodes DataHolder::execute(const std::string& command, std::string&) {
-    enqueue({event_type::COMMAND, static_cast<int32_t>(command.size()), {new std::string(command), deleteCommand}},
-            "execute");
+    impl->enqueue(
+        {event_type::COMMAND, static_cast<int32_t>(command.size()), {new std::string(command), deleteCommand}},
+        "execute");
     return FC_OK;
 }
 
@@ -147,13 +171,13 @@ Fcodes DataHolder::doExecute(const std::string& command, std::string&) {
 
 Fcodes DataHolder::acceptChanges() {
     Fcodes result = FC_OK;
-    for (auto& entry : dataSets)
+    for (auto& entry : impl->dataSets)
         result |= entry.second->acceptChanges();
     return result;
 }
 
 Fcodes DataHolder::rollbackChanges() {
-    for (auto& entry : dataSets)
+    for (auto& entry : impl->dataSets)
         entry.second->rollbackChanges();
     return FC_OK;
 }

@@ -5,6 +5,7 @@
 #include "datacom/MessageCommand.h"
 #include "datacom/TagText.h"
 #include "datacom/WireConstants.h"
+#include "holder/DataHolderImpl.h"
 
 namespace datacom {
 
@@ -19,18 +20,19 @@ constexpr const char* PARAM_TABLES = "Tables";
 
 Fcodes DataHolder::requestCommand(const std::string& socketPath, const std::string& command, std::string& result,
                                   unsigned timeoutSec, unsigned tries) {
-    return communicator.requestCommand(socketPath, command, result, timeoutSec, tries);
+    return impl->communicator.requestCommand(socketPath, command, result, timeoutSec, tries);
 }
 
-Fcodes DataHolder::requestRowCommand(const char* commandId, const std::string& socketPath, const std::string& table,
-                                     int rowId, int& answerRow, unsigned timeoutSec, unsigned tries) {
+Fcodes DataHolder::Impl::requestRowCommand(const char* commandId, const std::string& socketPath,
+                                           const std::string& table, int rowId, int& answerRow, unsigned timeoutSec,
+                                           unsigned tries) {
     MessageCommand command;
     command.setId(commandId);
     command.addParam(PARAM_TABLES, table);
     command.addParam(wire::PARAM_ROW, std::to_string(rowId));
     std::string text, reply;
     command.toString(text);
-    Fcodes code = requestCommand(socketPath, text, reply, timeoutSec, tries);
+    Fcodes code = owner.requestCommand(socketPath, text, reply, timeoutSec, tries);
     if (!isOk(code))
         return code;
     MessageCommand answer;
@@ -49,18 +51,18 @@ Fcodes DataHolder::requestRowCommand(const char* commandId, const std::string& s
 
 Fcodes DataHolder::requestAddRow(const std::string& socketPath, const std::string& table, int rowId, int& newRowId,
                                  unsigned timeoutSec, unsigned tries) {
-    return requestRowCommand(wire::CMD_ADD_ROW, socketPath, table, rowId, newRowId, timeoutSec, tries);
+    return impl->requestRowCommand(wire::CMD_ADD_ROW, socketPath, table, rowId, newRowId, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestNextRowId(const std::string& socketPath, const std::string& table, int rowId, int& nextRowId,
                                     unsigned timeoutSec, unsigned tries) {
-    return requestRowCommand(wire::CMD_GET_NEXT_ROW, socketPath, table, rowId, nextRowId, timeoutSec, tries);
+    return impl->requestRowCommand(wire::CMD_GET_NEXT_ROW, socketPath, table, rowId, nextRowId, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestRemoteIntParam(const std::string& socketPath, const std::string& table, int rowId,
                                          const std::string& column, int& value, unsigned timeoutSec, unsigned tries) {
     std::string text;
-    Fcodes code = communicator.requestDataItem(socketPath, table, rowId, column, text, timeoutSec, tries);
+    Fcodes code = impl->communicator.requestDataItem(socketPath, table, rowId, column, text, timeoutSec, tries);
     if (isOk(code))
         value = tagToInt(text);
     return code;
@@ -69,14 +71,14 @@ Fcodes DataHolder::requestRemoteIntParam(const std::string& socketPath, const st
 Fcodes DataHolder::requestRemoteStringParam(const std::string& socketPath, const std::string& table, int rowId,
                                             const std::string& column, std::string& value, unsigned timeoutSec,
                                             unsigned tries) {
-    return communicator.requestDataItem(socketPath, table, rowId, column, value, timeoutSec, tries);
+    return impl->communicator.requestDataItem(socketPath, table, rowId, column, value, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestGetTextParam(const std::string& socketPath, const std::string& dataSet,
                                        const std::string& component, const std::string& property, std::string& value,
                                        const std::string& row) {
-    return communicator.requestGetParam(socketPath, dataSet, component, property, value, ParamAccess::Read, row,
-                                        wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES);
+    return impl->communicator.requestGetParam(socketPath, dataSet, component, property, value, ParamAccess::Read, row,
+                                              wire::REQUEST_TIMEOUT_SEC, wire::REQUEST_TRIES);
 }
 
 Fcodes DataHolder::requestGetIntParam(const std::string& socketPath, const std::string& dataSet,
@@ -95,8 +97,8 @@ Fcodes DataHolder::requestSetRemoteStringParam(const std::string& socketPath, co
                                                const std::string& value, const std::string& row, unsigned timeoutSec,
                                                unsigned tries) {
     std::string readBack = value;
-    return communicator.requestGetParam(socketPath, dataSet, component, property, readBack, ParamAccess::Write, row,
-                                        timeoutSec, tries);
+    return impl->communicator.requestGetParam(socketPath, dataSet, component, property, readBack, ParamAccess::Write,
+                                              row, timeoutSec, tries);
 }
 
 Fcodes DataHolder::requestSetRemoteIntParam(const std::string& socketPath, const std::string& dataSet,
@@ -107,11 +109,11 @@ Fcodes DataHolder::requestSetRemoteIntParam(const std::string& socketPath, const
 }
 
 Fcodes DataHolder::requestEvent(const std::string& socketPath, MessageEvent& event, unsigned delaySec, unsigned tries) {
-    return communicator.requestEvent(socketPath, event, delaySec, tries);
+    return impl->communicator.requestEvent(socketPath, event, delaySec, tries);
 }
 
 void DataHolder::notify(MessageEvent& event) {
-    communicator.notify(event);
+    impl->communicator.notify(event);
 }
 
 }  // namespace datacom

@@ -7,24 +7,25 @@
 #include "datacom/DataRow.h"
 #include "datacom/DataTable.h"
 #include "datacom/DbgPrintClient.h"
+#include "holder/DataHolderImpl.h"
 
 namespace datacom {
 
 // The table lookup of the cell operations: the first data set in name order
 // that has the table does the row and item lookup and its log lines.
-Fcodes DataHolder::withItem(const char* op, const std::string& table, int rowId, const std::string& column,
-                            const std::function<Fcodes(DataItem&)>& access) {
-    DataSet* owner = findDataSetWithTable(table);
-    if (!owner) {
+Fcodes DataHolder::Impl::withItem(const char* op, const std::string& table, int rowId, const std::string& column,
+                                  const std::function<Fcodes(DataItem&)>& access) {
+    DataSet* holding = owner.findDataSetWithTable(table);
+    if (!holding) {
         DBG(DBG_ERROR) << op << ": No such table=" << table;
         return FC_NO_SUCH_NAME;
     }
-    return owner->accessItem(op, table, rowId, column, access);
+    return holding->accessItem(op, table, rowId, column, access);
 }
 
 template <typename Result, typename Access>
-Result DataHolder::withTable(const std::string& table, Result missing, Access access) {
-    DataTable* found = findDataTable(table);
+Result DataHolder::Impl::withTable(const std::string& table, Result missing, Access access) {
+    DataTable* found = owner.findDataTable(table);
     if (!found)
         return missing;
     std::lock_guard<DataTable> guard(*found);
@@ -32,21 +33,21 @@ Result DataHolder::withTable(const std::string& table, Result missing, Access ac
 }
 
 Fcodes DataHolder::getIntParam(const std::string& table, int rowId, const std::string& column, int& value) {
-    return withItem("getIntParam", table, rowId, column, [&](DataItem& item) {
+    return impl->withItem("getIntParam", table, rowId, column, [&](DataItem& item) {
         value = item.getIntVal();
         return FC_OK;
     });
 }
 
 Fcodes DataHolder::getNewIntParam(const std::string& table, int rowId, const std::string& column, int& value) {
-    return withItem("getNewIntParam", table, rowId, column, [&](DataItem& item) {
+    return impl->withItem("getNewIntParam", table, rowId, column, [&](DataItem& item) {
         value = item.getIntVal_copy();
         return FC_OK;
     });
 }
 
 Fcodes DataHolder::getStringParam(const std::string& table, int rowId, const std::string& column, std::string& value) {
-    return withItem("getStringParam", table, rowId, column, [&](DataItem& item) {
+    return impl->withItem("getStringParam", table, rowId, column, [&](DataItem& item) {
         value = item.getStrVal();
         return FC_OK;
     });
@@ -54,40 +55,41 @@ Fcodes DataHolder::getStringParam(const std::string& table, int rowId, const std
 
 Fcodes DataHolder::getNewStringParam(const std::string& table, int rowId, const std::string& column,
                                      std::string& value) {
-    return withItem("getNewStringParam", table, rowId, column, [&](DataItem& item) {
+    return impl->withItem("getNewStringParam", table, rowId, column, [&](DataItem& item) {
         value = item.getStrVal_copy();
         return FC_OK;
     });
 }
 
 Fcodes DataHolder::setIntParam(const std::string& table, int rowId, const std::string& column, int value) {
-    return withItem("setIntParam", table, rowId, column, [&](DataItem& item) { return item.setValue(value); });
+    return impl->withItem("setIntParam", table, rowId, column, [&](DataItem& item) { return item.setValue(value); });
 }
 
 // Its log lines name getStringParam, as they always have.
 Fcodes DataHolder::setStringParam(const std::string& table, int rowId, const std::string& column,
                                   const std::string& value) {
-    return withItem("getStringParam", table, rowId, column, [&](DataItem& item) { return item.setValue(value); });
+    return impl->withItem("getStringParam", table, rowId, column, [&](DataItem& item) { return item.setValue(value); });
 }
 
 Fcodes DataHolder::initIntParam(const std::string& table, int rowId, const std::string& column, int value) {
-    return withItem("initIntParam", table, rowId, column, [&](DataItem& item) { return item.initValue(value); });
+    return impl->withItem("initIntParam", table, rowId, column, [&](DataItem& item) { return item.initValue(value); });
 }
 
 Fcodes DataHolder::initStringParam(const std::string& table, int rowId, const std::string& column,
                                    const std::string& value) {
-    return withItem("initStringParam", table, rowId, column, [&](DataItem& item) { return item.initValue(value); });
+    return impl->withItem("initStringParam", table, rowId, column,
+                          [&](DataItem& item) { return item.initValue(value); });
 }
 
 Fcodes DataHolder::getParamState(const std::string& table, int rowId, const std::string& column, unsigned& state) {
-    return withItem("getParamState", table, rowId, column, [&](DataItem& item) {
+    return impl->withItem("getParamState", table, rowId, column, [&](DataItem& item) {
         state = item.getState();
         return FC_OK;
     });
 }
 
 Fcodes DataHolder::getParamType(const std::string& table, const std::string& column, int& type) {
-    return withTable(table, FC_NO_SUCH_NAME, [&](DataTable& found) {
+    return impl->withTable(table, FC_NO_SUCH_NAME, [&](DataTable& found) {
         DataColumn* definition = found.getColumns(column);
         if (!definition)
             return FC_NO_SUCH_NAME;
@@ -113,11 +115,11 @@ Fcodes DataHolder::getDefValue(const std::string& table, const std::string& colu
 }
 
 int DataHolder::getFirstRowIndex(const std::string& table) {
-    return withTable(table, 0, [](DataTable& found) { return static_cast<int>(found.getFirstRowIndex()); });
+    return impl->withTable(table, 0, [](DataTable& found) { return static_cast<int>(found.getFirstRowIndex()); });
 }
 
 int DataHolder::getNextRowIndex(const std::string& table, int index) {
-    return withTable(table, 0, [&](DataTable& found) { return static_cast<int>(found.getNextRowIndex(index)); });
+    return impl->withTable(table, 0, [&](DataTable& found) { return static_cast<int>(found.getNextRowIndex(index)); });
 }
 
 int DataHolder::getLastRowIndex(const std::string& table) {
@@ -147,11 +149,11 @@ int DataHolder::appendNewRow(const std::string& table) {
 
 // Marks the row deleted; it goes when the changes are accepted.
 Fcodes DataHolder::deleteRow(const std::string& table, int rowId) {
-    return withTable(table, FC_NO_SUCH_NAME, [&](DataTable& found) { return found.deleteRow(rowId); });
+    return impl->withTable(table, FC_NO_SUCH_NAME, [&](DataTable& found) { return found.deleteRow(rowId); });
 }
 
 std::vector<std::string> DataHolder::getColumnNames(const std::string& table) {
-    return withTable(table, std::vector<std::string>{}, [](DataTable& found) { return found.getColumnNames(); });
+    return impl->withTable(table, std::vector<std::string>{}, [](DataTable& found) { return found.getColumnNames(); });
 }
 
 Fcodes DataHolder::addColumnToTable(const std::string&, const std::string&, const std::string&, const std::string&,
@@ -162,19 +164,19 @@ Fcodes DataHolder::addColumnToTable(const std::string&, const std::string&, cons
 Fcodes DataHolder::addDataSet(const std::string& setName, DataSet* dataSet) {
     if (!dataSet)
         return FC_BAD_VALUE;
-    std::unique_ptr<DataSet>& held = dataSets[setName];
+    std::unique_ptr<DataSet>& held = impl->dataSets[setName];
     if (held.get() != dataSet)
         held.reset(dataSet);
     return FC_OK;
 }
 
 DataSet* DataHolder::getDataSet(const std::string& setName) {
-    auto found = dataSets.find(setName);
-    return found == dataSets.end() ? nullptr : found->second.get();
+    auto found = impl->dataSets.find(setName);
+    return found == impl->dataSets.end() ? nullptr : found->second.get();
 }
 
 DataSet* DataHolder::findDataSetWithTable(const std::string& table) {
-    for (auto& entry : dataSets)
+    for (auto& entry : impl->dataSets)
         if (entry.second->getTable(table))
             return entry.second.get();
     return nullptr;

@@ -6,12 +6,15 @@
 #include "datacom/DataSet.h"
 #include "datacom/DataStoreConstants.h"
 #include "datacom/DbgPrintClient.h"
+#include "tabular/Retired.h"
+#include "tabular/RowOwner.h"
 
 namespace datacom {
 
-DataObject::DataObject() = default;
+DataObject::DataObject() : DataObject(std::string()) {}
 
-DataObject::DataObject(const std::string& objectName) : name(objectName) {}
+DataObject::DataObject(const std::string& objectName)
+    : name(objectName), retiredParameters(std::make_unique<Retired<DataColumn>>()) {}
 
 DataObject::~DataObject() {
     cleanUpRelations();
@@ -21,7 +24,53 @@ void DataObject::cleanUpRelations() {
     Guard guard(mutex);
     rows.clear();
     parameters.clear();
-    retiredParameters.clear();
+    retiredParameters->clear();
+}
+
+Fcodes DataObject::acceptChanges() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::acceptChanges(rows);
+    state = datastate::UNCHANGED;
+    return result;
+}
+
+Fcodes DataObject::touch() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::forEachRow(rows, &DataRow::touch);
+    setState(datastate::CHANGED);
+    return result;
+}
+
+Fcodes DataObject::untouch() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::forEachRow(rows, &DataRow::untouch);
+    state = datastate::UNCHANGED;
+    return result;
+}
+
+Fcodes DataObject::rollbackChanges() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::rollbackChanges(rows);
+    state = datastate::UNCHANGED;
+    return result;
+}
+
+bool DataObject::isChanged() {
+    if (state != datastate::UNCHANGED)
+        return true;
+    if (!rowowner::anyRowMarked(rows))
+        return false;
+    addState(datastate::CHANGED);
+    return true;
+}
+
+void DataObject::setState(uint32_t bits) {
+    state = bits;
+    rowowner::markDataSet(dataSet, bits);
+}
+
+void DataObject::addState(uint32_t bits) {
+    rowowner::markDataSet(dataSet, state |= bits);
 }
 
 std::vector<std::string> DataObject::getParameters() {
@@ -50,7 +99,7 @@ void DataObject::addParameter(const std::string& parameterName, DataColumn* colu
         return;
     if (getParameter(parameterName))
         removeParameter(parameterName);
-    retiredParameters.reclaim(column);
+    retiredParameters->reclaim(column);
     parameters[parameterName].reset(column);
     for (const auto& instance : rows) {
         instance.second->addDataItem(parameterName, new DataItem(column));
@@ -86,12 +135,12 @@ void DataObject::replaceParameter(const std::string& parameterName, DataColumn* 
         return;
     auto found = parameters.find(parameterName);
     if (found != parameters.end()) {
-        retiredParameters.keep(std::move(found->second));
+        retiredParameters->keep(std::move(found->second));
         parameters.erase(found);
     }
     if (!column)
         return;
-    retiredParameters.reclaim(column);
+    retiredParameters->reclaim(column);
     parameters[parameterName].reset(column);
     for (const auto& instance : rows)
         if (DataItem* item = instance.second->getDataItem(parameterName))

@@ -8,12 +8,14 @@
 #include "datacom/DataStoreConstants.h"
 #include "datacom/DataTable.h"
 #include "datacom/DbgPrintClient.h"
+#include "tabular/Retired.h"
 
 namespace datacom {
 
-DataSet::DataSet() : state(datastate::UNCHANGED) {}
+DataSet::DataSet() : DataSet(std::string()) {}
 
-DataSet::DataSet(const std::string& dataSetId) : id(dataSetId), state(datastate::UNCHANGED) {}
+DataSet::DataSet(const std::string& dataSetId)
+    : id(dataSetId), state(datastate::UNCHANGED), retiredTables(std::make_unique<Retired<DataTable>>()) {}
 
 DataSet::~DataSet() {
     cleanUpRelations();
@@ -22,7 +24,7 @@ DataSet::~DataSet() {
 void DataSet::cleanUpRelations() {
     tableOrder.clear();
     tables.clear();
-    retiredTables.clear();
+    retiredTables->clear();
 }
 
 DataTable* DataSet::getTable(const std::string& tableName) const {
@@ -41,7 +43,7 @@ void DataSet::addTable(const std::string& tableName, DataTable* table) {
             return;
     if (current)
         removeTable(current);
-    retiredTables.reclaim(table);
+    retiredTables->reclaim(table);
     tables[tableName].reset(table);
     tableOrder.push_back(table);
     table->setDataSet(this);
@@ -58,7 +60,7 @@ void DataSet::removeTable(DataTable* table) {
             continue;
         tableOrder.erase(std::find(tableOrder.begin(), tableOrder.end(), table));
         table->setDataSet(nullptr);
-        retiredTables.keep(std::move(byName->second));
+        retiredTables->keep(std::move(byName->second));
         tables.erase(byName);
         return;
     }

@@ -8,12 +8,17 @@
 #include "datacom/DataSet.h"
 #include "datacom/DataStoreConstants.h"
 #include "datacom/DbgPrintClient.h"
+#include "tabular/Retired.h"
+#include "tabular/RowOwner.h"
 
 namespace datacom {
 
-DataTable::DataTable() = default;
+DataTable::DataTable() : DataTable(std::string()) {}
 
-DataTable::DataTable(const std::string& tableName) : name(tableName) {}
+DataTable::DataTable(const std::string& tableName)
+    : name(tableName),
+      retiredColumns(std::make_unique<Retired<DataColumn>>()),
+      retiredItems(std::make_unique<Retired<DataItem>>()) {}
 
 DataTable::~DataTable() {
     cleanUpRelations();
@@ -22,12 +27,58 @@ DataTable::~DataTable() {
 void DataTable::cleanUpRelations() {
     Guard guard(mutex);
     // A retired item that was put into a row again belongs to that row now.
-    retiredItems.forget([](const DataItem& item) { return item.getRow() != nullptr; });
-    retiredItems.clear();
+    retiredItems->forget([](const DataItem& item) { return item.getRow() != nullptr; });
+    retiredItems->clear();
     rows.clear();
     columnsByName.clear();
     columns.clear();
-    retiredColumns.clear();
+    retiredColumns->clear();
+}
+
+Fcodes DataTable::acceptChanges() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::acceptChanges(rows);
+    state = datastate::UNCHANGED;
+    return result;
+}
+
+Fcodes DataTable::touch() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::forEachRow(rows, &DataRow::touch);
+    setState(datastate::CHANGED);
+    return result;
+}
+
+Fcodes DataTable::untouch() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::forEachRow(rows, &DataRow::untouch);
+    state = datastate::UNCHANGED;
+    return result;
+}
+
+Fcodes DataTable::rollbackChanges() {
+    Guard guard(mutex);
+    const Fcodes result = rowowner::rollbackChanges(rows);
+    state = datastate::UNCHANGED;
+    return result;
+}
+
+bool DataTable::isChanged() {
+    if (state != datastate::UNCHANGED)
+        return true;
+    if (!rowowner::anyRowMarked(rows))
+        return false;
+    addState(datastate::CHANGED);
+    return true;
+}
+
+void DataTable::setState(uint32_t bits) {
+    state = bits;
+    rowowner::markDataSet(dataSet, bits);
+}
+
+void DataTable::addState(uint32_t bits) {
+    rowowner::markDataSet(dataSet, state |= bits);
 }
 
 DataRow* DataTable::getRows(int32_t id) const {

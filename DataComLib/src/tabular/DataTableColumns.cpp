@@ -8,6 +8,7 @@
 #include "datacom/DataStoreConstants.h"
 #include "datacom/DataTable.h"
 #include "datacom/DbgPrintClient.h"
+#include "tabular/Retired.h"
 
 namespace datacom {
 
@@ -29,7 +30,7 @@ void DataTable::registerColumn(const std::string& columnName, DataColumn* column
     columnsByName[columnName] = column;
     if (std::any_of(columns.begin(), columns.end(), [column](const auto& p) { return p.get() == column; }))
         return;
-    retiredColumns.reclaim(column);
+    retiredColumns->reclaim(column);
     columns.emplace_back(column);
 }
 
@@ -78,10 +79,10 @@ void DataTable::removeColumns(DataColumn* column) {
         return;
     for (const auto& row : rows) {
         if (std::unique_ptr<DataItem> item = row.second->removeDataItem(columnName))
-            retiredItems.keep(std::move(item));
+            retiredItems->keep(std::move(item));
         row.second->addState(datastate::CHANGED);
     }
-    retiredColumns.keep(std::move(removed));
+    retiredColumns->keep(std::move(removed));
 }
 
 void DataTable::replaceColumn(const std::string& columnName, DataColumn* column) {
@@ -89,7 +90,7 @@ void DataTable::replaceColumn(const std::string& columnName, DataColumn* column)
         if (old == column)
             return;
         // The items still point at the old column until they are adapted below.
-        retiredColumns.keep(unregisterColumn(old));
+        retiredColumns->keep(unregisterColumn(old));
     }
     if (!column)
         return;

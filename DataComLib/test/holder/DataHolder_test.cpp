@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <future>
 #include <string>
 #include <thread>
 #include <vector>
@@ -71,6 +72,14 @@ TEST(DataHolder, WorkerRunsItemsInArrivalOrderFromSeveralProducers) {
     });
     EXPECT_EQ(holder.waitFor(0, std::chrono::seconds(0)).size(), record.size() + 20);
     holder.shutdown();  // a second time does nothing
+
+    // While a thread holds the holder's lock, no other thread gets it.
+    std::future<void> other;
+    underNestedHolderLock(holder, [&] {
+        other = std::async(std::launch::async, [&holder] { underNestedHolderLock(holder, [] {}); });
+        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    });
+    EXPECT_EQ(other.wait_for(std::chrono::seconds(5)), std::future_status::ready);
 }
 
 TEST(DataHolder, AcceptAndRollbackMatchOnlyWholeTexts) {

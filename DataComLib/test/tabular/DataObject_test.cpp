@@ -96,4 +96,21 @@ TEST(DataObject, ChangeTrackingAndMerge) {
     object.update(reference, false, true, true, true);
     object.acceptChanges();
     EXPECT_EQ(object.getInstance("2")->getDataItem("Gop")->getIntVal(), 60) << "overwritten from the reference";
+
+    // touch marks the object and its dataset, untouch clears the object, and a
+    // marked instance marks its object when the object is asked.
+    dataSet.setState(datastate::UNCHANGED);
+    object.touch();
+    EXPECT_EQ(object.getState(), datastate::CHANGED);
+    EXPECT_EQ(dataSet.getState(), datastate::CHANGED);
+    object.untouch();
+    EXPECT_EQ(object.getState(), datastate::UNCHANGED);
+    EXPECT_FALSE(object.isChanged());
+    object.getInstance("2")->getDataItem("Gop")->setValue(std::string("45"));
+    object.setState(datastate::UNCHANGED);
+    EXPECT_TRUE(object.isChanged());
+    EXPECT_EQ(object.getState(), datastate::CHANGED);
+    DataObject empty("Empty");
+    empty.touch();
+    EXPECT_EQ(empty.getState(), datastate::CHANGED) << "touched without an instance to mark it";
 }

@@ -118,6 +118,11 @@ TEST(DataTable, ChangeTrackingEndToEnd) {
     EXPECT_EQ(table.getRows(1)->getDataItem("Port")->getState(), datastate::CHANGED);
     table.untouch();
     EXPECT_FALSE(table.isChanged());
+    // A marked row marks its table when the table is asked.
+    table.getRows(1)->getDataItem("Port")->setValue(5000);
+    table.setState(datastate::UNCHANGED);
+    EXPECT_TRUE(table.isChanged());
+    EXPECT_EQ(table.getState(), datastate::CHANGED);
 }
 
 TEST(DataTable, RowIdsAndIndexFilters) {

@@ -31,7 +31,7 @@ cmake --build "$work/build" >"$work/build.log" 2>&1 || { cat "$work/build.log"; 
 if [ -z "$toolchain" ]; then
     export PKG_CONFIG_PATH="$work/stage/lib/pkgconfig:$(ls -d "$work"/stage/lib/*/pkgconfig 2>/dev/null | tr '\n' :)"
     "${compiler:-c++}" -std=c++17 $sanitize -o "$work/led_daemon_pc" "$source/examples/peer_daemon/led_daemon.cpp" \
-        $(pkg-config --cflags --libs "datacom >= 1.0" tarnevelclient) -Wl,-rpath,"$work/stage/lib" ||
+        $(pkg-config --cflags --libs "datacom >= 2.0" tarnevelclient) -Wl,-rpath,"$work/stage/lib" ||
         { echo "run_example.sh: the pkg-config build failed" >&2; exit 1; }
 fi
 LED_DAEMON="$launch $work/build/led_daemon" exec $launch "$runner"

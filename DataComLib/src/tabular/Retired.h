@@ -1,7 +1,5 @@
 #pragma once
 
-#include "datacom/Export.h"
-
 #include <algorithm>
 #include <memory>
 #include <vector>
@@ -14,7 +12,7 @@ namespace datacom {
 /// here and frees them when it is cleaned up or destroyed. Not locked: the
 /// owner's lock covers it.
 template <typename T>
-class DATACOM_API Retired {
+class Retired {
 public:
     void keep(std::unique_ptr<T> part) {
         if (part)
