@@ -4,7 +4,7 @@
 
 #include "datacom/Fcodes.h"
 #include "datacom/MessageCommand.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 class ChannelLifecycle;
 class ChannelRows;

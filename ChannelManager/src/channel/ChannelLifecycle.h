@@ -5,7 +5,7 @@
 
 #include "datacom/Fcodes.h"
 #include "datacom/MessageEvent.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 class ChannelRows;
 class FrontPanelLeds;
@@ -17,7 +17,7 @@ class SapAnnouncements;
 // "Playing" -> "Stopping" -> "Stopped"): start-up, the forced stop, the
 // branch-event check and the run book of started branches. Play, stop and
 // the branch-event check hold the rows' recursive lock for their whole run.
-// May call the pipeline, the side actions and the settings below.
+// May call the pipeline, the side actions and the model below.
 class ChannelLifecycle {
 public:
     struct Parts {

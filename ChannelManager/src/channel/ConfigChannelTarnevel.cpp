@@ -1,9 +1,9 @@
 #include "channel/ConfigChannelTarnevel.h"
 
 #include "datacom/DataHolder.h"
-#include "settings/BitrateModel.h"
-#include "settings/ChannelSnapshot.h"
-#include "settings/InputFormatValidation.h"
+#include "model/BitrateModel.h"
+#include "model/ChannelSnapshot.h"
+#include "model/InputFormatValidation.h"
 
 using namespace datacom;
 

@@ -10,11 +10,11 @@
 #include "datacom/Fcodes.h"
 #include "datacom/MessageCommand.h"
 #include "datacom/MessageEvent.h"
+#include "model/ChannelRows.h"
 #include "pipeline/PipelineConfigurator.h"
-#include "settings/ChannelContext.h"
-#include "settings/ChannelRows.h"
-#include "settings/HolderMediator.h"
-#include "settings/HolderStore.h"
+#include "ports/ChannelContext.h"
+#include "ports/HolderMediator.h"
+#include "ports/HolderStore.h"
 #include "side/DataStreamEvents.h"
 #include "side/FrontPanelLeds.h"
 #include "side/KlvBranches.h"
@@ -37,9 +37,11 @@ class IChannelEvents;
 //              bitrates, the encoder read-back);
 //   side/      SapAnnouncements, KlvBranches, TargetProbes, FrontPanelLeds,
 //              StreamStatistics, DataStreamEvents;
-//   settings/  ChannelRows, the input validation, the format tables, the
-//              run book, the two ports (ChannelStore, Mediator) and what the
-//              manager offers (IChannelEvents).
+//   model/     the channel's data and rules: ChannelRows, ChannelSnapshot,
+//              the bitrate model, the input validation, the format tables,
+//              the run book;
+//   ports/     what the logic talks through: ChannelStore, Mediator, their
+//              holder adapters, IChannelEvents and ChannelContext.
 //
 // A working object: made on the stack for one operation and dropped. It makes
 // each part once and lends it by reference to the parts that call it. It
@@ -93,7 +95,7 @@ public:
     datacom::Fcodes updateVideoSource(datacom::MessageEvent* event);
     datacom::Fcodes triggerVideoSource(const std::string& videoSource);
 
-    // ---- Rows and validation (settings/) ----
+    // ---- Rows and validation (model/) ----
     datacom::Fcodes getBranch(const std::string& rowId, const std::string& protocol, std::string& branch);
     datacom::Fcodes getRowId(const std::string& branch, std::string& rowId);
     datacom::Fcodes getChildInstances(const std::string& dataSet, const std::string& component,

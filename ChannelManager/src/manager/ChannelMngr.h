@@ -15,8 +15,8 @@
 #include "datacom/DataHolder.h"
 #include "datacom/Mutex.h"
 #include "manager/PeerWatch.h"
-#include "settings/ChannelRunBook.h"
-#include "settings/IChannelEvents.h"
+#include "model/ChannelRunBook.h"
+#include "ports/IChannelEvents.h"
 
 namespace datacom {
 class MessageCommand;

@@ -19,7 +19,7 @@
 #include "datacom/SysmgtRoot.h"
 #include "datacom/WireConstants.h"
 #include "manager/ChannelMngr.h"
-#include "settings/ChannelRunBook.h"
+#include "model/ChannelRunBook.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 

@@ -3,8 +3,8 @@
 
 #include "datacom/DbgPrintClient.h"
 #include "pipeline/PipelineConfigurator.h"
-#include "settings/ChannelStore.h"
-#include "settings/Mediator.h"
+#include "ports/ChannelStore.h"
+#include "ports/Mediator.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/PeerNames.h"
 

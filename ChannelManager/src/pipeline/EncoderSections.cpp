@@ -3,9 +3,9 @@
 #include <cstdlib>
 
 #include "datacom/DbgPrintClient.h"
+#include "model/BitrateModel.h"
 #include "pipeline/PipelineSections.h"
 #include "pipeline/TextTables.h"
-#include "settings/BitrateModel.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"

@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "model/VideoFormatTables.h"
 #include "pipeline/FormatFollowsInput.h"
 #include "pipeline/TextTables.h"
-#include "settings/VideoFormatTables.h"
 #include "vocab/PeerNames.h"
 
 using namespace vocab;

@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "model/BitrateModel.h"
 #include "pipeline/PipelineConfigurator.h"
-#include "settings/BitrateModel.h"
-#include "settings/IChannelEvents.h"
+#include "ports/IChannelEvents.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/MediatorNames.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "model/ChannelSnapshot.h"
 #include "pipeline/PipelineOutput.h"
-#include "settings/ChannelSnapshot.h"
 
 // A new total and maximum for a running encoder, from the channel's
 // snapshot: the bitrate model's video share and floors, then the encoder's

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 class KlvBranches;
 class PipelineOutput;
@@ -15,7 +15,7 @@ class PipelineOutput;
 // applies their output. Also the audio/video adjustments applied while a
 // channel runs, the on-the-fly bitrate change and the read-back of what the
 // encoder chose. May call the side actions (KLV follows a run) and the
-// settings below; never plays or stops a channel.
+// model below; never plays or stops a channel.
 class PipelineConfigurator {
 public:
     // `klv`: the KLV branches a run makes follow the settings it applied.

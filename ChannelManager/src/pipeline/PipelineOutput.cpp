@@ -1,8 +1,8 @@
 #include "pipeline/PipelineOutput.h"
 
 #include "datacom/DbgPrintClient.h"
+#include "model/ChannelSnapshot.h"
 #include "pipeline/TextTables.h"
-#include "settings/ChannelSnapshot.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/MediatorNames.h"
 

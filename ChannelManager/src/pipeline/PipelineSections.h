@@ -1,7 +1,7 @@
 #pragma once
 
+#include "model/ChannelSnapshot.h"
 #include "pipeline/PipelineOutput.h"
-#include "settings/ChannelSnapshot.h"
 
 // The sections of a pipeline run. Each turns the channel's snapshot into
 // the writes it decides, appended to the run's output; none reads or writes

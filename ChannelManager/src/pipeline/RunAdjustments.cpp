@@ -4,11 +4,11 @@
 #include <cstdio>
 
 #include "datacom/DbgPrintClient.h"
+#include "model/VideoFormatTables.h"
 #include "pipeline/FormatFollowsInput.h"
-#include "settings/ChannelStore.h"
-#include "settings/IChannelEvents.h"
-#include "settings/Mediator.h"
-#include "settings/VideoFormatTables.h"
+#include "ports/ChannelStore.h"
+#include "ports/IChannelEvents.h"
+#include "ports/Mediator.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/MediatorNames.h"

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 // The store changes a pipeline run makes before it reads its snapshot, so
 // that every section sees the rows as the run leaves them: a shared SDI

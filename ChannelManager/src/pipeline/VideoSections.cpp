@@ -1,8 +1,8 @@
 
 #include "datacom/DbgPrintClient.h"
+#include "model/VideoFormatTables.h"
 #include "pipeline/PipelineSections.h"
 #include "pipeline/TextTables.h"
-#include "settings/VideoFormatTables.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/MediatorNames.h"
 #include "vocab/PeerNames.h"

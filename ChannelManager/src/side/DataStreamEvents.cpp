@@ -4,9 +4,9 @@
 
 #include "datacom/DbgPrintClient.h"
 #include "datacom/Mutex.h"
-#include "settings/ChannelStore.h"
-#include "settings/IChannelEvents.h"
-#include "settings/Mediator.h"
+#include "ports/ChannelStore.h"
+#include "ports/IChannelEvents.h"
+#include "ports/Mediator.h"
 #include "side/DataStreamEvents.h"
 #include "side/SideActionSupport.h"
 #include "vocab/ChannelWireTexts.h"

@@ -5,7 +5,7 @@
 
 #include "datacom/Fcodes.h"
 #include "datacom/MessageEvent.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 // The mediator's data-stream events: a lost data stream or Zixi connection
 // marks the channel's condition, a Zixi link's bitrate request changes the

@@ -1,8 +1,8 @@
 #include <string>
 
 #include "datacom/DbgPrintClient.h"
-#include "settings/ChannelStore.h"
-#include "settings/Mediator.h"
+#include "ports/ChannelStore.h"
+#include "ports/Mediator.h"
 #include "side/FrontPanelLeds.h"
 #include "side/SideActionSupport.h"
 #include "vocab/ChannelWireTexts.h"

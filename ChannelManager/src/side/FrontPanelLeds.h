@@ -3,7 +3,7 @@
 #include <string>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 // The front panel's streaming and error LEDs, set on the mediator's
 // "Device" from the state of both channels.

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 // The KLV metadata branches of a channel: started while it plays and noted
 // in its run book, stopped otherwise unless the other playing channel uses

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 class ChannelRows;
 

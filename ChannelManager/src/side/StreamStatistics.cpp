@@ -3,8 +3,8 @@
 #include <string>
 
 #include "datacom/DbgPrintClient.h"
-#include "settings/ChannelStore.h"
-#include "settings/Mediator.h"
+#include "ports/ChannelStore.h"
+#include "ports/Mediator.h"
 #include "side/SideActionSupport.h"
 #include "side/StreamStatistics.h"
 #include "vocab/PeerNames.h"

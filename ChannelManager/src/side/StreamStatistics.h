@@ -4,7 +4,7 @@
 #include <string>
 
 #include "datacom/Fcodes.h"
-#include "settings/ChannelContext.h"
+#include "ports/ChannelContext.h"
 
 // The Zixi and SRT statistics of a target row, read from its sender on the
 // mediator into the statistics datasets.

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "datacom/DbgPrintClient.h"
-#include "settings/ChannelRows.h"
-#include "settings/ChannelStore.h"
-#include "settings/IChannelEvents.h"
-#include "settings/Mediator.h"
+#include "model/ChannelRows.h"
+#include "ports/ChannelStore.h"
+#include "ports/IChannelEvents.h"
+#include "ports/Mediator.h"
 #include "side/BoundedCommand.h"
 #include "side/ProbeRegistry.h"
 #include "side/SideActionSupport.h"

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
+#include "model/VideoFormatTables.h"
 #include "pipeline/FormatFollowsInput.h"
-#include "settings/VideoFormatTables.h"
 #include "support/ChannelPipelineSupport.h"
 
 using namespace datacom;

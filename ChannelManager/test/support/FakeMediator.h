@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "settings/Mediator.h"
+#include "ports/Mediator.h"
 #include "vocab/PeerNames.h"
 
 // A scripted media mediator: each branch reports the states queued for it in

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "settings/ChannelStore.h"
+#include "ports/ChannelStore.h"
 
 // The channel rows in memory, each value as text under (dataset, component,
 // property, row); instances in the order first set. An unset value reads

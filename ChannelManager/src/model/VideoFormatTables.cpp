@@ -1,4 +1,4 @@
-#include "settings/VideoFormatTables.h"
+#include "model/VideoFormatTables.h"
 
 #include <map>
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "settings/BitrateModel.h"
-#include "settings/ChannelSnapshot.h"
-#include "settings/HolderStore.h"
+#include "model/BitrateModel.h"
+#include "model/ChannelSnapshot.h"
+#include "ports/HolderStore.h"
 #include "support/ChannelHarness.h"
 
 using namespace datacom;

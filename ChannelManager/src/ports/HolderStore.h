@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings/ChannelStore.h"
+#include "ports/ChannelStore.h"
 
 namespace datacom {
 class DataHolder;

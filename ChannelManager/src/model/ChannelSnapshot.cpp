@@ -1,10 +1,10 @@
-#include "settings/ChannelSnapshot.h"
+#include "model/ChannelSnapshot.h"
 
 #include <cstdio>
 
 #include "datacom/DbgPrintClient.h"
 #include "datacom/WireConstants.h"
-#include "settings/ChannelStore.h"
+#include "ports/ChannelStore.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/PeerNames.h"

@@ -1,4 +1,4 @@
-#include "settings/BitrateModel.h"
+#include "model/BitrateModel.h"
 
 #include <cmath>
 #include <cstdio>

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "settings/VideoFormatTables.h"
+#include "model/VideoFormatTables.h"
 
 namespace {
 

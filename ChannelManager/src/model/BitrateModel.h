@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "settings/ChannelSnapshot.h"
+#include "model/ChannelSnapshot.h"
 
 // The transport-stream model of a channel's bitrates, computed from a
 // ChannelSnapshot value alone (no holder, no peer): the video share with its

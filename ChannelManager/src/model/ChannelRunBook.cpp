@@ -1,4 +1,4 @@
-#include "settings/ChannelRunBook.h"
+#include "model/ChannelRunBook.h"
 
 #include <algorithm>
 

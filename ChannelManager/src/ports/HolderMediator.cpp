@@ -1,4 +1,4 @@
-#include "settings/HolderMediator.h"
+#include "ports/HolderMediator.h"
 
 #include "tarnevel/ITarnevelClient.h"
 

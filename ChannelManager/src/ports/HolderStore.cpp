@@ -1,4 +1,4 @@
-#include "settings/HolderStore.h"
+#include "ports/HolderStore.h"
 
 #include "datacom/DataHolder.h"
 

@@ -1,7 +1,7 @@
-#include "settings/ChannelRows.h"
-#include "datacom/DataHolder.h"
-#include "settings/HolderMediator.h"
-#include "settings/HolderStore.h"
+#include "model/ChannelRows.h"
+
+#include "ports/ChannelStore.h"
+#include "ports/Mediator.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 #include "vocab/PeerNames.h"

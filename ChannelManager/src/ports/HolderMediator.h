@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings/Mediator.h"
+#include "ports/Mediator.h"
 
 namespace datacom {
 class IDataHolder;

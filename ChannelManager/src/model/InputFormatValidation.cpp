@@ -1,7 +1,7 @@
-#include "settings/InputFormatValidation.h"
+#include "model/InputFormatValidation.h"
 #include "datacom/DbgPrintClient.h"
-#include "settings/ChannelStore.h"
-#include "settings/VideoFormatTables.h"
+#include "model/VideoFormatTables.h"
+#include "ports/ChannelStore.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
 
