@@ -2,8 +2,6 @@
 
 #include <limits>
 
-using namespace datacom;
-
 namespace side {
 
 int32_t clampToInt(unsigned long long value) {

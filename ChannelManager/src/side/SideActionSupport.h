@@ -1,11 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
-
-#include <cstdint>
-#include "datacom/Fcodes.h"
 
 // Small helpers shared by the side actions of the channel logic (statistics,
 // data-stream events, SAP, KLV, probes, LEDs, video sources). Internal to
