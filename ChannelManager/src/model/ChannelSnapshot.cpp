@@ -4,6 +4,7 @@
 
 #include "datacom/DbgPrintClient.h"
 #include "datacom/WireConstants.h"
+#include "model/ChannelRowReader.h"
 #include "ports/ChannelStore.h"
 #include "vocab/ChannelWireTexts.h"
 #include "vocab/DatasetNames.h"
@@ -15,28 +16,9 @@ using namespace vocab;
 
 namespace {
 
-// The reads of one snapshot: each failure OR-ed into `result`, the value
-// then keeps its fallback.
-struct RowReader {
-    ChannelStore& store;
-    Fcodes result = FC_OK;
-
-    std::string text(const char* component, const char* property, const std::string& instance,
-                     const std::string& fallback = "") {
-        std::string value = fallback;
-        result |= store.getTextParam(ds::CHANNEL, component, property, value, instance);
-        return value;
-    }
-    int integer(const char* component, const char* property, const std::string& instance, int fallback = 0) {
-        int value = fallback;
-        result |= store.getIntParam(ds::CHANNEL, component, property, value, instance);
-        return value;
-    }
-    bool flag(const char* component, const char* property, const std::string& instance, bool fallback = false) {
-        bool value = fallback;
-        result |= store.getBoolParam(ds::CHANNEL, component, property, value, instance);
-        return value;
-    }
+// The reads of one snapshot: the channel rows, and the device manager's
+// KLV inputs.
+struct RowReader : ChannelRowReader {
     // A text of the device manager's dataset (instance ""); a failure logs
     // the device-read error line and leaves the text empty.
     std::string deviceText(const std::string& rowId, const char* table, const char* property) {
@@ -206,7 +188,7 @@ Fcodes readChannelSnapshot(ChannelStore& store, const std::string& rowId, Channe
     s.rowId = rowId;
     s.channel = channelIndex(rowId) == 1 ? 1 : 0;
     s.suffix = s.channel == 1 ? "CH1" : "CH0";
-    RowReader r{store};
+    RowReader r{{store}};
 
     s.status = r.text(tbl::CHANNELS, prop::STATUS, rowId, state::STATUS_OK);
     s.state = r.text(tbl::CHANNELS, prop::STATE, rowId);

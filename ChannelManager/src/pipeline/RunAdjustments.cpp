@@ -19,29 +19,10 @@ using namespace datacom;
 using namespace vocab;
 
 RunAdjustments::RunAdjustments(ChannelContext& ctx, const std::string& rowId)
-    : ctx(ctx), rowId(rowId), channel(channelIndex(rowId) == 1 ? 1 : 0) {}
-
-std::string RunAdjustments::text(const char* component, const char* property, const std::string& instance,
-                                 const std::string& fallback) {
-    std::string value = fallback;
-    result |= ctx.store.getTextParam(ds::CHANNEL, component, property, value, instance);
-    return value;
-}
-
-int RunAdjustments::integer(const char* component, const char* property, const std::string& instance) {
-    int value = 0;
-    result |= ctx.store.getIntParam(ds::CHANNEL, component, property, value, instance);
-    return value;
-}
-
-bool RunAdjustments::flag(const char* component, const char* property, const std::string& instance) {
-    bool value = false;
-    result |= ctx.store.getBoolParam(ds::CHANNEL, component, property, value, instance);
-    return value;
-}
+    : ctx(ctx), reads{ctx.store}, rowId(rowId), channel(channelIndex(rowId) == 1 ? 1 : 0) {}
 
 Fcodes RunAdjustments::apply() {
-    source = text(tbl::SOURCE, prop::SOURCE, rowId);
+    source = reads.text(tbl::SOURCE, prop::SOURCE, rowId);
     inputDetected = state::INPUT_NONE;
     result |= ctx.store.getTextParam(ds::VIDEO_SOURCE, tbl::VIDEO_SOURCE, prop::INPUT_DETECTED, inputDetected, source);
     int width = 0, height = 0;
@@ -51,7 +32,7 @@ Fcodes RunAdjustments::apply() {
     shareInput();
     matchFrameSampling();
     followInputFormat();
-    return result;
+    return result | reads.result;
 }
 
 // Both channels may encode the one SDI input. When they do, the embedded
@@ -61,26 +42,27 @@ Fcodes RunAdjustments::apply() {
 // channel is told that its configuration changed.
 void RunAdjustments::shareInput() {
     const std::string other = row::otherChannel(channel);
-    const std::string otherSource = text(tbl::SOURCE, prop::SOURCE, other);
+    const std::string otherSource = reads.text(tbl::SOURCE, prop::SOURCE, other);
     const bool shared = source == value::SRC_HD_SDI && otherSource == value::SRC_HD_SDI;
     if (!shared)
         return;
     for (const char* n : {"1", "2"}) {
         const std::string from = std::string(row::HEVC) + " Audio" + n;
         const std::string to = std::string(row::H264) + " Audio" + n;
-        if (text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, from) != value::AUDIO_SDI_EMBEDDED ||
-            text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, to) != value::AUDIO_SDI_EMBEDDED)
+        if (reads.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, from) != value::AUDIO_SDI_EMBEDDED ||
+            reads.text(tbl::AUDIO_SOURCE, prop::AUDIO_SOURCE, to) != value::AUDIO_SDI_EMBEDDED)
             continue;
         result |= ctx.store.initBoolParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::ENABLED,
-                                          flag(tbl::AUDIO_SOURCE, prop::ENABLED, from), to);
+                                          reads.flag(tbl::AUDIO_SOURCE, prop::ENABLED, from), to);
         for (const char* p : {prop::AUDIO_SOURCE, prop::AUDIO_INPUT_FORMAT, prop::AUDIO_TRACK, prop::AUDIO_SAMPLING})
-            result |= ctx.store.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, p, text(tbl::AUDIO_SOURCE, p, from), to);
+            result |=
+                ctx.store.initTextParam(ds::CHANNEL, tbl::AUDIO_SOURCE, p, reads.text(tbl::AUDIO_SOURCE, p, from), to);
         result |= ctx.store.initIntParam(ds::CHANNEL, tbl::AUDIO_SOURCE, prop::AUDIO_GAIN,
-                                         integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, from), to);
+                                         reads.integer(tbl::AUDIO_SOURCE, prop::AUDIO_GAIN, from), to);
         result |= ctx.store.initTextParam(ds::CHANNEL, tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT,
-                                          text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, from), to);
+                                          reads.text(tbl::AUDIO_PROCESSING, prop::AUDIO_ENCODING_FORMAT, from), to);
     }
-    const std::string otherState = text(tbl::CHANNELS, prop::STATE, other);
+    const std::string otherState = reads.text(tbl::CHANNELS, prop::STATE, other);
     if (otherState == state::PLAYING || otherState == state::PLAYED)
         ctx.events.sendEvent(ev::CHANNEL_CONFIGURED, other, cond::INFO, state::ALARM_NONE, state::SEVERITY_INFO, "");
 }
@@ -94,31 +76,31 @@ void RunAdjustments::shareInput() {
 // it keeps the operator's choice and is applied with the ratio rather than
 // rewritten.
 void RunAdjustments::matchFrameSampling() {
-    if (!inputParsed || inputRate <= 0 || flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, rowId))
+    if (!inputParsed || inputRate <= 0 || reads.flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, rowId))
         return;
-    const bool half = text(tbl::PROCESSING, prop::FRAME_RATE_RATIO, rowId) == value::HALF_OF_INPUT;
+    const bool half = reads.text(tbl::PROCESSING, prop::FRAME_RATE_RATIO, rowId) == value::HALF_OF_INPUT;
     int sampling = static_cast<int>(std::lround(half ? inputRate / 2 : inputRate));
     int limit = 60;
     videoformat::maxInputFrameRate(inputDetected, limit);
     if (sampling > limit)
         sampling = limit;
-    if (sampling != integer(tbl::PROCESSING, prop::FRAME_SAMPLING, rowId))
+    if (sampling != reads.integer(tbl::PROCESSING, prop::FRAME_SAMPLING, rowId))
         result |= ctx.store.initIntParam(ds::CHANNEL, tbl::PROCESSING, prop::FRAME_SAMPLING, sampling, rowId);
 }
 
 // The format that follows the input (FormatFollowsInput.h), written into the
 // rows it changes; the receiver's own report of the format is logged.
 void RunAdjustments::followInputFormat() {
-    if (!inputParsed || !flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, rowId))
+    if (!inputParsed || !reads.flag(tbl::PROCESSING, prop::FORMAT_AS_DETECTED, rowId))
         return;
     const char* encoder = channel == 1 ? tbl::HEVC_ENCODER : tbl::H264_ENCODER;
-    const std::string encodingFormat = text(tbl::PROCESSING, prop::ENCODING_FORMAT, rowId);
-    const int frameSampling = integer(tbl::PROCESSING, prop::FRAME_SAMPLING, rowId);
-    std::string profile = text(tbl::PROCESSING, prop::VIDEO_CODEC_PROFILE, rowId);
-    const std::string gopStructure = text(encoder, prop::GOP_STRUCTURE, "");
+    const std::string encodingFormat = reads.text(tbl::PROCESSING, prop::ENCODING_FORMAT, rowId);
+    const int frameSampling = reads.integer(tbl::PROCESSING, prop::FRAME_SAMPLING, rowId);
+    std::string profile = reads.text(tbl::PROCESSING, prop::VIDEO_CODEC_PROFILE, rowId);
+    const std::string gopStructure = reads.text(encoder, prop::GOP_STRUCTURE, "");
     pipeline::FormatChoice choice;
-    if (!pipeline::chooseEncoding(channel, inputDetected, text(tbl::PROCESSING, prop::STREAM_PROFILE, rowId),
-                                  text(tbl::PROCESSING, prop::FRAME_RATE_RATIO, rowId) == value::HALF_OF_INPUT,
+    if (!pipeline::chooseEncoding(channel, inputDetected, reads.text(tbl::PROCESSING, prop::STREAM_PROFILE, rowId),
+                                  reads.text(tbl::PROCESSING, prop::FRAME_RATE_RATIO, rowId) == value::HALF_OF_INPUT,
                                   gopStructure, profile, choice)) {
         DBG(DBG_ERROR) << "configChannel: rowId=" << rowId << " src=" << source << " inputDetected=" << inputDetected
                        << " no valid encoding format, kept encodingFormat=" << encodingFormat;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "datacom/Fcodes.h"
+#include "model/ChannelRowReader.h"
 #include "ports/ChannelContext.h"
 
 // The store changes a pipeline run makes before it reads its snapshot, so
@@ -24,12 +25,8 @@ private:
     void matchFrameSampling();
     void followInputFormat();
 
-    std::string text(const char* component, const char* property, const std::string& instance,
-                     const std::string& fallback = "");
-    int integer(const char* component, const char* property, const std::string& instance);
-    bool flag(const char* component, const char* property, const std::string& instance);
-
     ChannelContext& ctx;
+    ChannelRowReader reads;  // its failures OR-ed into the result apply() returns
     const std::string rowId;
     const int channel;
     datacom::Fcodes result = datacom::FC_OK;
